@@ -1,0 +1,475 @@
+/**
+ * @file orva.h
+ * Control of a networked video server: plain C functions, usable from C99 and from C++17.
+ *
+ * A caller names a server by its IPv4 address and gets a connection number. The library keeps the TCP
+ * connection to that server up by itself until orva_close(), making it again whenever it is lost.
+ *
+ * ORDER OF CALLS. There is no initialisation and no shutdown of the library:
+ *
+ *     uint32_t server = orva_connect (0x7F000001);       // 127.0.0.1
+ *     orva_wait_until_connected (server);                // for those who want to wait
+ *     if (orva_cmd_play1 (server, 0) != ORVA_OK) ...     // any number of calls, from any threads
+ *     orva_close (server);
+ *
+ * ARGUMENTS
+ *   connection   the number that orva_connect() gave
+ *   channel      0 to 7, the channels A to H of the server
+ *   mask         a set of channels: bit n stands for channel n, bits 0 to 7; other bits are ignored
+ *   speed        1.0 is normal forward play, 0.0 a still, negative values run backwards; held to -200.0 to
+ *                200.0 and cut to steps of 1/65536
+ *   positions    and lengths: counts of fields, two to a frame
+ *   text in      NUL-terminated UTF-16; it ends early at the first unit that is not valid UTF-16
+ *   text out     an OrvaStringBuffer, by value
+ *
+ * RESULTS. A function that returns uint32_t and does not say otherwise returns one of ORVA_OK to
+ * ORVA_WRITE_ONLY, and records a text for the calling thread, which orva_get_last_error() fetches. Success
+ * records "OK", so a text must be fetched right after the call that failed. Each such function gives
+ * ORVA_INVALID_HANDLE for a connection number that is not open, and ORVA_ERROR with "Internal software
+ * error" when memory runs out inside the library. On a code other than ORVA_OK the values behind out
+ * pointers are left alone, unless the function says otherwise.
+ *
+ * COMMANDS. A function that sends a command returns when the server has answered, unless orva_synchronous()
+ * says otherwise, and costs one round trip. A refusal by the server is ORVA_ERROR with the server's own text.
+ * There is no time-out: a server that stays connected and never answers holds the caller for ever. When the
+ * connection is down or is lost before the answer, the result is ORVA_ERROR with "Failing all outstanding
+ * commands", at once: a command never waits for a connection to come up, and is never repeated.
+ *
+ * THREADS. Any function may be called from any thread at any time, and calls on one connection do not hold up
+ * calls on another. Each connection has one thread of its own inside the library, which blocks all signals
+ * and never runs code of the caller.
+ *
+ * WHAT A CALLER MUST NOT DO
+ *   - Pass a null pointer, unless the function says that it may be null. A null text or out pointer is a
+ *     fault of the program and ends the process.
+ *   - Pass an OrvaStringBuffer whose capacity exceeds the memory behind it.
+ *   - Pass a number that a function declares to be a fault of the program: it ends the process too.
+ *   - Call a function that waits from a connection's own thread. The library offers no callback that would
+ *     allow it; code that finds another way there waits for an answer that nobody can read.
+ *   - Use the library in a child process between fork() and exec. Connections do not survive the fork; their
+ *     sockets are closed by the exec.
+ *
+ * WHAT A SERVER MUST NOT DO. Nothing that a server sends ends the process. A message of more than 32768
+ * bytes, or one that is not well-formed, ends the connection, which is then made again. But two faults of a
+ * server hold the caller of a command: after an answer whose contents cannot be read, the command stays open
+ * until the connection is lost; and an answer that is readable, but of a kind that does not belong to the
+ * command, ends the command without a word, and its caller waits for ever.
+ */
+#ifndef ORVA_H
+#define ORVA_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+#if defined(_WIN32)
+#ifdef ORVA_BUILDING
+#define ORVA_API __declspec(dllexport)
+#else
+#define ORVA_API __declspec(dllimport)
+#endif
+#elif defined(__GNUC__)
+#define ORVA_API __attribute__ ((visibility ("default")))
+#else
+#define ORVA_API
+#endif
+
+/** One UTF-16 code unit: the type of L"" on Windows and of u"" elsewhere. */
+#if defined(_WIN32)
+typedef wchar_t orva_char;
+#elif defined(__cplusplus)
+typedef char16_t orva_char;
+#else
+typedef uint_least16_t orva_char; /* what C calls char16_t, where it has the name */
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/**
+ * The caller's buffer for a text out. It receives at most capacity - 1 units and always a terminator; a text
+ * that does not fit is cut between two characters, which is no error. With a capacity of 0 nothing is written
+ * at all, and the call still succeeds.
+ */
+typedef struct OrvaStringBuffer {
+  orva_char *text;   /**< the buffer; may be null when capacity is 0 */
+  uint32_t capacity; /**< its size in units, the terminator included */
+} OrvaStringBuffer;
+
+/** What functions return. Each code has its text for orva_get_last_error(). */
+enum OrvaResult {
+  ORVA_OK = 0,               /**< "OK" */
+  ORVA_NO_CONNECTION = 1,    /**< "No connection to server"; reserved: a lost connection gives ORVA_ERROR */
+  ORVA_ERROR = 2,            /**< the text of the failure itself, that of the server for one */
+  ORVA_INVALID_HANDLE = 3,   /**< "Invalid handle": unknown connection, list, metadata or store */
+  ORVA_READ_ONLY = 4,        /**< "Read only": a write to a store opened for reading */
+  ORVA_TIMEOUT = 5,          /**< "Timeout": a wait of a store ran out */
+  ORVA_INVALID_ARGUMENT = 6, /**< "Invalid argument": a store opened with a bad mode */
+  ORVA_WRITE_ONLY = 7        /**< "Write only": a read of a store opened for writing */
+};
+
+/* ---- Connections -------------------------------------------------------------------------------------- */
+
+/**
+ * Opens a connection and starts its thread, which tries to reach the server 100 ms later and every 100 ms
+ * from then on, and again whenever the connection is lost. Returns at once.
+ * @param address IPv4 address of the server in host byte order: 127.0.0.1 is 0x7F000001. The port is 8913.
+ * @return the connection number; 0, which no connection ever has, only when memory runs out. Two connections
+ *   to one address are independent. Records no text. Each connection costs one thread and one socket.
+ */
+ORVA_API uint32_t orva_connect (uint32_t address);
+
+/**
+ * Closes a connection: its number is unknown from now on. Calls on it that are running on other threads run
+ * to their end first, as do asynchronous commands; then the thread and the socket go. An unknown number does
+ * nothing. Records no text.
+ */
+ORVA_API void orva_close (uint32_t connection);
+
+/**
+ * Tells whether the server is connected at this moment. No traffic, no wait.
+ * @return 1 or 0; 0 for an unknown number. Records no text.
+ */
+ORVA_API uint8_t orva_connected (uint32_t connection);
+
+/**
+ * Waits until the server is connected, looking once a millisecond. There is no time-out: with an unknown or
+ * closed number, or a server that never comes up, it never returns.
+ * @return always 1. Records no text.
+ */
+ORVA_API uint8_t orva_wait_until_connected (uint32_t connection);
+
+/* ---- Last error --------------------------------------------------------------------------------------- */
+
+/**
+ * Gives the text of the calling thread's last result: "OK", the text of a code, or the text that came with an
+ * ORVA_ERROR; the empty text on a thread that has had no result yet. Changes nothing: a second call gives the
+ * same text. Threads do not see each other's texts.
+ */
+ORVA_API void orva_get_last_error (OrvaStringBuffer text);
+
+/* ---- Waiting or not ----------------------------------------------------------------------------------- */
+
+/**
+ * Says whether ordinary commands of this connection wait for the server's answer. With 0, the state of a new
+ * connection, they do. With any other value (the sense is the reverse of the name) they return ORVA_OK as
+ * soon as the command is sent, even if the connection is down, and their outcome is lost. Functions that
+ * return data of the server wait in any case. Commands that are already under way keep their manner. An
+ * unknown number is ignored. Records no text.
+ */
+ORVA_API void orva_synchronous (uint32_t connection, uint32_t flag);
+
+/**
+ * Waits until no command of this connection is unanswered, looking once a millisecond: the way to know that
+ * asynchronous commands have been dealt with. Commands that other threads go on sending count too, so under
+ * steady load it need not return. No time-out. An unknown number returns at once. Records no text.
+ */
+ORVA_API void orva_sync (uint32_t connection);
+
+/* ---- Transport and gangs ------------------------------------------------------------------------------ */
+/*
+ * Each function is one ordinary command: it waits for the answer unless the connection is asynchronous, and
+ * costs one round trip. The functions with "gang" in their names address a set of channels with the same
+ * meaning; an empty set is sent as it is. A channel above 7 is taken for channel 0. The numbers at the end of
+ * names are overloads: what a shorter form leaves out is for the server to decide. Whether a clip exists or a
+ * position makes sense is for the server to say; its refusal is ORVA_ERROR with its text.
+ *
+ * min_latency: exactly 1 asks the server to act at the earliest moment that it can; every other value does
+ * not.
+ */
+
+/** How a clip repeats. Any other number is taken for ORVA_REPEAT_OFF. */
+enum OrvaRepeat {
+  ORVA_REPEAT_OFF = 0,
+  ORVA_REPEAT_LOOP = 1,
+  ORVA_REPEAT_LOOP_TO = 2,
+  ORVA_REPEAT_PINGPONG = 3,
+  ORVA_REPEAT_PINGPONG_TO = 4
+};
+
+/** When a precued clip takes over. Any other number is taken for ORVA_PRECUE_EXPLICIT_SWITCH. */
+enum OrvaPrecueCondition {
+  ORVA_PRECUE_EXPLICIT_SWITCH = 0, /**< at orva_precue_activate1() */
+  ORVA_PRECUE_PREVIOUS_STOPS = 1,
+  ORVA_PRECUE_IMMEDIATE = 2,
+  ORVA_PRECUE_END_OF_CLIP = 3
+};
+
+/** The change of picture of a take. Any other number is a fault of the program. */
+enum OrvaTransition { ORVA_TRANSITION_CUT = 0, ORVA_TRANSITION_DISSOLVE = 1 };
+
+/** The speed after a take. Any other number is a fault of the program. */
+enum OrvaFollowSpeed {
+  ORVA_FOLLOW_NONE = 0,
+  ORVA_FOLLOW_SMART = 1,
+  ORVA_FOLLOW_ONE_X = 2,
+  ORVA_FOLLOW_FOLLOW = 3
+};
+
+/** Starts a channel at the speed that the server chooses. */
+ORVA_API uint32_t orva_cmd_play1 (uint32_t connection, uint32_t channel);
+/** Starts a channel at a speed. */
+ORVA_API uint32_t orva_cmd_play2 (uint32_t connection, uint32_t channel, double speed);
+/** Starts a channel at a speed. @param min_latency see above. */
+ORVA_API uint32_t orva_cmd_play3 (uint32_t connection, uint32_t channel, double speed, uint32_t min_latency);
+/** Starts a set of channels at the speed that the server chooses. */
+ORVA_API uint32_t orva_cmd_gang_play1 (uint32_t connection, uint32_t mask);
+/** Starts a set of channels at a speed. */
+ORVA_API uint32_t orva_cmd_gang_play2 (uint32_t connection, uint32_t mask, double speed);
+/** Starts a set of channels at a speed. @param min_latency see above. */
+ORVA_API uint32_t orva_cmd_gang_play3 (uint32_t connection, uint32_t mask, double speed,
+                                       uint32_t min_latency);
+/** Stops a channel. */
+ORVA_API uint32_t orva_cmd_stop1 (uint32_t connection, uint32_t channel);
+/** Stops a channel. @param min_latency see above. */
+ORVA_API uint32_t orva_cmd_stop2 (uint32_t connection, uint32_t channel, uint32_t min_latency);
+/** Stops a set of channels. */
+ORVA_API uint32_t orva_cmd_gang_stop1 (uint32_t connection, uint32_t mask);
+/** Stops a set of channels. @param min_latency see above. */
+ORVA_API uint32_t orva_cmd_gang_stop2 (uint32_t connection, uint32_t mask, uint32_t min_latency);
+
+/** Moves a channel by a distance. @param distance fields, backwards when negative. */
+ORVA_API uint32_t orva_jog1 (uint32_t connection, uint32_t channel, int32_t distance);
+/** Moves a channel by a distance. @param distance fields, backwards when negative. */
+ORVA_API uint32_t orva_jog2 (uint32_t connection, uint32_t channel, int32_t distance, uint32_t min_latency);
+/** Moves a set of channels by a distance. @param distance fields, backwards when negative. */
+ORVA_API uint32_t orva_gang_jog1 (uint32_t connection, uint32_t mask, int32_t distance);
+/** Moves a set of channels by a distance. @param distance fields, backwards when negative. */
+ORVA_API uint32_t orva_gang_jog2 (uint32_t connection, uint32_t mask, int32_t distance, uint32_t min_latency);
+/** Moves a channel to a position. @param position fields. */
+ORVA_API uint32_t orva_goto1 (uint32_t connection, uint32_t channel, uint32_t position);
+/** Moves a channel to a position. @param position fields. @param min_latency see above. */
+ORVA_API uint32_t orva_goto2 (uint32_t connection, uint32_t channel, uint32_t position, uint32_t min_latency);
+/** Moves a set of channels to a position. @param position fields. */
+ORVA_API uint32_t orva_gang_goto1 (uint32_t connection, uint32_t mask, uint32_t position);
+/** Moves a set of channels to a position. @param position fields. @param min_latency see above. */
+ORVA_API uint32_t orva_gang_goto2 (uint32_t connection, uint32_t mask, uint32_t position,
+                                   uint32_t min_latency);
+
+/** Loads a clip into a channel. @param clip its name. */
+ORVA_API uint32_t orva_cmd_loadclip1 (uint32_t connection, uint32_t channel, const orva_char *clip);
+/** Loads a clip. @param repeat an OrvaRepeat. */
+ORVA_API uint32_t orva_cmd_loadclip2 (uint32_t connection, uint32_t channel, const orva_char *clip,
+                                      uint32_t repeat);
+/** Loads a clip and goes to a position. @param repeat an OrvaRepeat. @param position fields. */
+ORVA_API uint32_t orva_cmd_loadclip3 (uint32_t connection, uint32_t channel, const orva_char *clip,
+                                      uint32_t repeat, uint32_t position);
+/**
+ * Loads a clip with its place on the channel's time line.
+ * @param repeat an OrvaRepeat.
+ * @param position where to go, in fields; sent also when it is 0.
+ * @param loop_in start of the loop, in fields.
+ * @param clip_position the clip's position, in fields; sent also when it is 0.
+ */
+ORVA_API uint32_t orva_cmd_loadclip4 (uint32_t connection, uint32_t channel, const orva_char *clip,
+                                      uint32_t repeat, uint32_t position, uint32_t loop_in,
+                                      uint32_t clip_position);
+/** Loads a clip seen from an angle. @param angle its low 8 bits count. */
+ORVA_API uint32_t orva_cmd_loadclip5 (uint32_t connection, uint32_t channel, const orva_char *clip,
+                                      uint32_t angle);
+/** Loads a clip seen from an angle and goes to a position. @param angle low 8 bits. @param position fields.
+ */
+ORVA_API uint32_t orva_cmd_loadclip6 (uint32_t connection, uint32_t channel, const orva_char *clip,
+                                      uint32_t angle, uint32_t position);
+/**
+ * Loads a clip seen from an angle, with a position to go to and the clip's own.
+ * @param angle its low 8 bits count. @param position fields. @param clip_position fields.
+ */
+ORVA_API uint32_t orva_cmd_loadclip7 (uint32_t connection, uint32_t channel, const orva_char *clip,
+                                      uint32_t angle, uint32_t position, uint32_t clip_position);
+
+/** Prepares a clip to follow the one in the channel. @param condition an OrvaPrecueCondition. */
+ORVA_API uint32_t orva_precue1 (uint32_t connection, uint32_t channel, const orva_char *clip,
+                                uint32_t condition);
+/** Prepares a clip to follow, from a position on. @param position fields. */
+ORVA_API uint32_t orva_precue2 (uint32_t connection, uint32_t channel, const orva_char *clip,
+                                uint32_t condition, uint32_t position);
+/** Prepares a piece of a clip to follow. @param position fields. @param length fields. */
+ORVA_API uint32_t orva_precue3 (uint32_t connection, uint32_t channel, const orva_char *clip,
+                                uint32_t condition, uint32_t position, uint32_t length);
+/**
+ * Prepares a piece of a clip to follow, with a loop-in point and with repeating switched off.
+ * @param position fields. @param loop_in fields. @param length fields.
+ */
+ORVA_API uint32_t orva_precue4 (uint32_t connection, uint32_t channel, const orva_char *clip,
+                                uint32_t condition, uint32_t position, uint32_t loop_in, uint32_t length);
+/** Drops what is prepared on a channel. */
+ORVA_API uint32_t orva_precue_clear1 (uint32_t connection, uint32_t channel);
+/** Switches a channel to what is prepared. */
+ORVA_API uint32_t orva_precue_activate1 (uint32_t connection, uint32_t channel);
+/** Switches a set of channels to what is prepared. */
+ORVA_API uint32_t orva_gang_precue_activate1 (uint32_t connection, uint32_t mask);
+
+/** Takes the prepared clip. @param type an OrvaTransition. @param duration of the transition, in fields. */
+ORVA_API uint32_t orva_take1 (uint32_t connection, uint32_t channel, uint32_t type, uint32_t duration);
+/** Takes the prepared clip. @param follow an OrvaFollowSpeed. */
+ORVA_API uint32_t orva_take2 (uint32_t connection, uint32_t channel, uint32_t type, uint32_t duration,
+                              uint32_t follow);
+/** Goes to the live end of what is in the channel, at the earliest moment. */
+ORVA_API uint32_t orva_go_live1 (uint32_t connection, uint32_t channel);
+/** Goes live from an angle, at the earliest moment. @param angle its low 8 bits count. */
+ORVA_API uint32_t orva_go_live2 (uint32_t connection, uint32_t channel, uint32_t angle);
+/** Goes live with a clip, at the earliest moment. */
+ORVA_API uint32_t orva_go_live3 (uint32_t connection, uint32_t channel, const orva_char *clip);
+/** Goes live with a clip from an angle, at the earliest moment. @param angle its low 8 bits count. */
+ORVA_API uint32_t orva_go_live4 (uint32_t connection, uint32_t channel, const orva_char *clip,
+                                 uint32_t angle);
+/** Changes the angle of a channel. @param angle its low 8 bits count. */
+ORVA_API uint32_t orva_angle1 (uint32_t connection, uint32_t channel, uint32_t angle);
+/** Sets the out point of a channel. @param position fields. */
+ORVA_API uint32_t orva_set_out1 (uint32_t connection, uint32_t channel, uint32_t position);
+/** Takes the out point of a channel away. */
+ORVA_API uint32_t orva_clear_out (uint32_t connection, uint32_t channel);
+/** Sets how the clip in a channel repeats. @param repeat an OrvaRepeat. */
+ORVA_API uint32_t orva_set_repeat (uint32_t connection, uint32_t channel, uint32_t repeat);
+/** Exactly as orva_set_repeat(). */
+ORVA_API uint32_t orva_set_channel_repeat (uint32_t connection, uint32_t channel, uint32_t repeat);
+/** Empties a channel. */
+ORVA_API uint32_t orva_unload_channel (uint32_t connection, uint32_t channel);
+
+/*
+ * Edit and EE. edit_bits: bit 0 stands for bit 4 of the server's edit mask (0x10), bit 1 for bit 5 (0x20),
+ * bit 2 for all its other bits (0x3CF); other bits are ignored. 7 is everything, 0 is nothing.
+ */
+
+/** Starts or ends an insert edit of a channel. @param edit_bits see above. */
+ORVA_API uint32_t orva_edit1 (uint32_t connection, uint32_t channel, uint32_t edit_bits);
+/** Starts or ends an insert edit of a set of channels. @param edit_bits see above. */
+ORVA_API uint32_t orva_gang_edit1 (uint32_t connection, uint32_t mask, uint32_t edit_bits);
+/** Selects what of a channel is EE. @param mode 1 switches automatic EE off; every other value, on. */
+ORVA_API uint32_t orva_ee1 (uint32_t connection, uint32_t channel, uint32_t edit_bits, uint32_t mode);
+/** Selects what of a set of channels is EE. @param mode 1 switches automatic EE off; every other, on. */
+ORVA_API uint32_t orva_gang_ee1 (uint32_t connection, uint32_t mask, uint32_t edit_bits, uint32_t mode);
+/** orva_edit1() with 7. */
+ORVA_API uint32_t orva_edit_all_on (uint32_t connection, uint32_t channel);
+/** orva_edit1() with 0. */
+ORVA_API uint32_t orva_edit_all_off (uint32_t connection, uint32_t channel);
+/** orva_gang_edit1() with 7. */
+ORVA_API uint32_t orva_gang_edit_all_on (uint32_t connection, uint32_t mask);
+/** orva_gang_edit1() with 0. */
+ORVA_API uint32_t orva_gang_edit_all_off (uint32_t connection, uint32_t mask);
+/** orva_ee1() with 7 and mode 0. */
+ORVA_API uint32_t orva_ee_all_on (uint32_t connection, uint32_t channel);
+/** orva_ee1() with 0 and mode 0. */
+ORVA_API uint32_t orva_ee_all_off (uint32_t connection, uint32_t channel);
+/** orva_gang_ee1() with 7 and mode 0. */
+ORVA_API uint32_t orva_gang_ee_all_on (uint32_t connection, uint32_t mask);
+/** orva_gang_ee1() with 0 and mode 0. */
+ORVA_API uint32_t orva_gang_ee_all_off (uint32_t connection, uint32_t mask);
+
+/* ---- Virtual clips ------------------------------------------------------------------------------------ */
+/*
+ * A virtual clip is put together on the server from segments of other clips, track by track. The order of
+ * calls is orva_vclip_create(), orva_vclip_modification_start(), any number of changes,
+ * orva_vclip_modification_end(), orva_cmd_load_vclip1() to 3, and orva_vclip_free() at the end; the library
+ * keeps no state and enforces none of it. Each function is one ordinary command, as in the section above.
+ *
+ * track_mask: bit 0 video, bit 1 key, bit 2 audio; other bits are ignored.
+ */
+
+/** Creates an empty virtual clip. @param vclip its name. @param length fields. */
+ORVA_API uint32_t orva_vclip_create (uint32_t connection, const orva_char *vclip, uint32_t length);
+/** Frees a virtual clip. */
+ORVA_API uint32_t orva_vclip_free (uint32_t connection, const orva_char *vclip);
+/** Opens a virtual clip for changes. */
+ORVA_API uint32_t orva_vclip_modification_start (uint32_t connection, const orva_char *vclip);
+/** Ends the changes of a virtual clip. */
+ORVA_API uint32_t orva_vclip_modification_end (uint32_t connection, const orva_char *vclip);
+/**
+ * Puts a piece of a clip into a virtual clip.
+ * @param clip the clip that the piece comes from. @param clip_position where it starts there, in fields.
+ * @param track_mask the tracks to take. @param vclip_position where it goes, in fields.
+ * @param length of the piece, in fields.
+ */
+ORVA_API uint32_t orva_vclip_add_segment1 (uint32_t connection, const orva_char *vclip, const orva_char *clip,
+                                           uint32_t clip_position, uint32_t track_mask,
+                                           uint32_t vclip_position, uint32_t length);
+/** As orva_vclip_add_segment1(), played at a speed. */
+ORVA_API uint32_t orva_vclip_add_segment2 (uint32_t connection, const orva_char *vclip, const orva_char *clip,
+                                           uint32_t clip_position, uint32_t track_mask,
+                                           uint32_t vclip_position, uint32_t length, double speed);
+/** Empties a stretch of a virtual clip. @param vclip_position fields. @param length fields. */
+ORVA_API uint32_t orva_vclip_clear_segment (uint32_t connection, const orva_char *vclip, uint32_t track_mask,
+                                            uint32_t vclip_position, uint32_t length);
+/** Moves everything from a position on. @param vclip_position fields. @param distance fields, signed. */
+ORVA_API uint32_t orva_vclip_ripple (uint32_t connection, const orva_char *vclip, uint32_t track_mask,
+                                     uint32_t vclip_position, int32_t distance);
+/** Chooses the tracks of a virtual clip that are seen and heard. */
+ORVA_API uint32_t orva_vclip_track_enable (uint32_t connection, const orva_char *vclip, uint32_t track_mask);
+/** Gives tracks of a virtual clip the configuration that they have in a clip. */
+ORVA_API uint32_t orva_vclip_cfg_tracks (uint32_t connection, const orva_char *vclip, const orva_char *clip,
+                                         uint32_t track_mask);
+/** Loads a virtual clip into a channel. */
+ORVA_API uint32_t orva_cmd_load_vclip1 (uint32_t connection, uint32_t channel, const orva_char *vclip);
+/** Loads a virtual clip into a channel. @param repeat an OrvaRepeat. */
+ORVA_API uint32_t orva_cmd_load_vclip2 (uint32_t connection, uint32_t channel, const orva_char *vclip,
+                                        uint32_t repeat);
+/** Loads a virtual clip into a channel. @param repeat an OrvaRepeat. @param position fields. */
+ORVA_API uint32_t orva_cmd_load_vclip3 (uint32_t connection, uint32_t channel, const orva_char *vclip,
+                                        uint32_t repeat, uint32_t position);
+
+/* ---- Server information ------------------------------------------------------------------------------- */
+/*
+ * Nothing is cached: each call is a question to the server and costs one round trip. The functions wait for
+ * the answer on an asynchronous connection too, since they have a value to return.
+ */
+
+/** Field or frame rates. A rate that is not listed reads as ORVA_FREQUENCY_60. */
+enum OrvaVideoFrequency {
+  ORVA_FREQUENCY_60 = 0,
+  ORVA_FREQUENCY_59_94 = 1,
+  ORVA_FREQUENCY_50 = 2,
+  ORVA_FREQUENCY_48 = 3,
+  ORVA_FREQUENCY_47_95 = 4
+};
+
+/** Resolutions. One that is not listed reads as ORVA_RESOLUTION_1080I. */
+enum OrvaVideoResolution {
+  ORVA_RESOLUTION_1080I = 0,
+  ORVA_RESOLUTION_720P = 1,
+  ORVA_RESOLUTION_625I = 2,
+  ORVA_RESOLUTION_525I = 3
+};
+
+/** Video standards. One that is not listed, 4K and progressive 1080 for instance, reads as the first. */
+enum OrvaVideoStandard {
+  ORVA_STANDARD_1080_60I = 0,
+  ORVA_STANDARD_1080_59_94I = 1,
+  ORVA_STANDARD_1080_50I = 2,
+  ORVA_STANDARD_1080_48I = 3,
+  ORVA_STANDARD_1080_47_95I = 4,
+  ORVA_STANDARD_720_60P = 5,
+  ORVA_STANDARD_720_59_94P = 6,
+  ORVA_STANDARD_720_50P = 7,
+  ORVA_STANDARD_625_50I = 8,
+  ORVA_STANDARD_525_59_94I = 9
+};
+
+/** Asks for the server's name. @param name receives it, cut to fit. */
+ORVA_API uint32_t orva_server_name (uint32_t connection, OrvaStringBuffer name);
+/** Asks for the server's field rate. @param frequency receives an OrvaVideoFrequency. */
+ORVA_API uint32_t orva_video_frequency (uint32_t connection, uint32_t *frequency);
+/** Asks for the server's resolution. @param resolution receives an OrvaVideoResolution. */
+ORVA_API uint32_t orva_video_resolution (uint32_t connection, uint32_t *resolution);
+/** Asks for the server's video standard. @param standard receives an OrvaVideoStandard. */
+ORVA_API uint32_t orva_video_standard (uint32_t connection, uint32_t *standard);
+/**
+ * Asks for the server's disk space.
+ * @param total receives the size of the disks, in the unit of field_size.
+ * @param available receives what is free of it.
+ * @param field_size receives the space that one field takes. None of the three may be null.
+ */
+ORVA_API uint32_t orva_disk_usage1 (uint32_t connection, uint64_t *total, uint64_t *available,
+                                    uint32_t *field_size);
+/**
+ * Asks for the server's disk space in fields: both values are cut to whole frames, so even, and then limited
+ * to 0xFFFFFFFF. A server that tells a field size of 0 gives ORVA_ERROR, "Internal software error".
+ * @param total receives the number of fields that the disks hold. @param available receives those still free.
+ */
+ORVA_API uint32_t orva_disk_usage2 (uint32_t connection, uint32_t *total, uint32_t *available);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
