@@ -1,0 +1,65 @@
+#pragma once
+
+#include "base/aref.h"
+#include "base/thread_annotations.h"
+#include "platform/kernel_objects.h"
+
+/// A recursive mutex of the operating system: its owner may lock it again and unlocks as often. Where the
+/// system gave none, every operation fails without doing anything, and the caller runs unlocked. Any thread
+/// may lock; the thread that locked unlocks.
+class KELVANE_CAPABILITY ("mutex") AMutex {
+public:
+  AMutex () noexcept : AMutex (platform::mutex_create ()) {}
+  /// Takes over a handle, null for no mutex.
+  explicit AMutex (platform::MutexHandle handle) noexcept : handle_ (handle) {}
+  AMutex (const AMutex &) = delete;
+  AMutex &operator= (const AMutex &) = delete;
+  /// Nobody holds it any more.
+  ~AMutex () { platform::mutex_close (handle_); }
+
+  /// Waits without limit. @return true when the mutex is held now.
+  bool lock () noexcept KELVANE_ACQUIRE () KELVANE_NO_THREAD_SAFETY_ANALYSIS {
+    return platform::mutex_lock (handle_);
+  }
+  /// @return false when the calling thread does not hold the mutex.
+  bool unlock () noexcept KELVANE_RELEASE () KELVANE_NO_THREAD_SAFETY_ANALYSIS {
+    return platform::mutex_unlock (handle_);
+  }
+
+private:
+  platform::MutexHandle handle_;
+};
+
+/// A held lock that can be copied and passed by value; the mutex is unlocked when the last copy goes. A mutex
+/// is given back by the thread that holds it, so the last copy must go on the thread that locked.
+class AMutexLock {
+public:
+  /// Holds nothing.
+  AMutexLock () noexcept = default;
+  /// Waits until @p mutex is held. Null, or a mutex that can't be locked, leaves the lock empty.
+  explicit AMutexLock (AMutex *mutex) KELVANE_NO_THREAD_SAFETY_ANALYSIS {
+    if (mutex == nullptr)
+      return;
+    ARef<Holding> holding = ARef<Holding>::create ();
+    if (mutex->lock ()) {
+      holding->mutex = mutex;
+      holding_ = std::move (holding);
+    }
+  }
+  /// Whether the lock was obtained.
+  bool is_locked () const noexcept { return !holding_.is_null (); }
+
+private:
+  struct Holding {
+    Holding () noexcept = default;
+    Holding (const Holding &) = delete;
+    Holding &operator= (const Holding &) = delete;
+    ~Holding () KELVANE_NO_THREAD_SAFETY_ANALYSIS {
+      if (mutex != nullptr)
+        mutex->unlock ();
+    }
+    AMutex *mutex = nullptr;
+  };
+
+  ARef<Holding> holding_;
+};

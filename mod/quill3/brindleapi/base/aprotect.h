@@ -1,0 +1,49 @@
+#pragma once
+
+#include "base/amutex.h"
+
+#include <memory>
+
+/// A value that can only be reached with its mutex held. Any thread may call `lock`; the accessor that it
+/// gives stays on the thread that locked. The mutex is recursive, so code that holds an accessor may lock
+/// again.
+template <class T>
+class AProtect {
+  struct ItemObject {
+    AMutex mutex;
+    T value{};
+  };
+
+public:
+  /// The way to the value. Copies share the lock, which goes with the last copy; the value lives as long as
+  /// an accessor does, even if the `AProtect` itself has gone.
+  class Accessor {
+  public:
+    Accessor (const Accessor &) = default;
+    Accessor (Accessor &&) noexcept = default;
+    // By swapping: an item whose last owner this was goes only after its lock.
+    Accessor &operator= (Accessor other) noexcept {
+      std::swap (item_, other.item_);
+      std::swap (lock_, other.lock_);
+      return *this;
+    }
+    T *operator->() const noexcept { return &item_->value; }
+    T &operator* () const noexcept { return item_->value; }
+
+  private:
+    friend class AProtect;
+    explicit Accessor (std::shared_ptr<ItemObject> item) : item_ (std::move (item)), lock_ (&item_->mutex) {}
+    std::shared_ptr<ItemObject> item_; // declared first: it outlives the lock on its mutex
+    AMutexLock lock_;
+  };
+
+  AProtect () : item_ (std::make_shared<ItemObject> ()) {}
+  AProtect (const AProtect &) = delete;
+  AProtect &operator= (const AProtect &) = delete;
+
+  /// Waits for the mutex.
+  Accessor lock () const { return Accessor (item_); }
+
+private:
+  std::shared_ptr<ItemObject> item_;
+};

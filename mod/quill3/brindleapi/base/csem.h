@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/kernel_objects.h"
+
+/// A counting semaphore with a maximum. Any thread may wait and post; it is destroyed when nobody waits.
+class csem {
+public:
+  static constexpr unsigned INFINITE_TIME = platform::infinite;
+
+  /// @param initial count at first, at most @p maximum. @param maximum at least 1. A semaphore that could not
+  /// be made shows that at its first wait.
+  csem (unsigned initial, unsigned maximum);
+  csem (const csem &) = delete;
+  csem &operator= (const csem &) = delete;
+  ~csem ();
+
+  /// Takes one off the count, waiting at most @p milliseconds; `INFINITE_TIME` waits for ever, 0 only looks.
+  /// @return true when the count was taken, false when the time ran out. Interruptions do not shorten the
+  /// wait.
+  bool wait (unsigned milliseconds = INFINITE_TIME);
+  /// Waits @p count times without limit. @return @p count.
+  unsigned wait_count (unsigned count);
+  /// Adds @p count in one step. @return false, adding nothing, when that would pass the maximum.
+  bool post (unsigned count);
+
+protected:
+  platform::SemaphoreHandle handle () const noexcept { return sem_; }
+
+private:
+  platform::SemaphoreHandle sem_;
+};

@@ -1,0 +1,67 @@
+#include "platform/kernel_objects.h"
+
+#include <windows.h>
+
+namespace {
+
+HANDLE of (platform::SemaphoreHandle handle) {
+  return reinterpret_cast<HANDLE> (handle);
+}
+HANDLE of (platform::MutexHandle handle) {
+  return reinterpret_cast<HANDLE> (handle);
+}
+
+} // namespace
+
+platform::SemaphoreHandle platform::semaphore_create (unsigned initial, unsigned maximum) noexcept {
+  return reinterpret_cast<SemaphoreHandle> (
+      CreateSemaphoreW (nullptr, static_cast<LONG> (initial), static_cast<LONG> (maximum), nullptr));
+}
+
+void platform::semaphore_close (SemaphoreHandle handle) noexcept {
+  if (handle != nullptr)
+    CloseHandle (of (handle));
+}
+
+// Alertable: completion routines queued for the waiting thread run here, and each begins the wait anew.
+platform::Wait platform::semaphore_wait (SemaphoreHandle handle, unsigned milliseconds) noexcept {
+  DWORD result = 0;
+  do
+    result = WaitForSingleObjectEx (of (handle), milliseconds, TRUE);
+  while (result == WAIT_IO_COMPLETION);
+  if (result == WAIT_OBJECT_0)
+    return Wait::signalled;
+  return result == WAIT_TIMEOUT ? Wait::timed_out : Wait::failed;
+}
+
+platform::Post platform::semaphore_post (SemaphoreHandle handle, unsigned count) noexcept {
+  if (ReleaseSemaphore (of (handle), static_cast<LONG> (count), nullptr))
+    return Post::done;
+  if (GetLastError () != ERROR_TOO_MANY_POSTS)
+    return Post::failed;
+  SetLastError (0);
+  return Post::full;
+}
+
+platform::MutexHandle platform::mutex_create () noexcept {
+  return reinterpret_cast<MutexHandle> (CreateMutexW (nullptr, FALSE, nullptr));
+}
+
+void platform::mutex_close (MutexHandle handle) noexcept {
+  if (handle != nullptr)
+    CloseHandle (of (handle));
+}
+
+bool platform::mutex_lock (MutexHandle handle) noexcept {
+  if (handle == nullptr)
+    return false;
+  DWORD result = 0;
+  do
+    result = WaitForSingleObjectEx (of (handle), INFINITE, FALSE);
+  while (result == WAIT_IO_COMPLETION);
+  return result == WAIT_OBJECT_0;
+}
+
+bool platform::mutex_unlock (MutexHandle handle) noexcept {
+  return handle != nullptr && ReleaseMutex (of (handle)) != FALSE;
+}
