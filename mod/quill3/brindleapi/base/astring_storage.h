@@ -1,0 +1,69 @@
+/// The shared store behind AString: a chain of segments of 64 code points each.
+#pragma once
+
+#include "base/achar.h"
+
+#include <memory>
+
+/// A link of the chain. Every segment but the last of a store is full, and none is empty.
+struct AStringSegment {
+  static constexpr uint64_t capacity = 64;
+
+  AStringSegment *next = nullptr;
+  AChar buf[capacity];
+  uint64_t buflen = 0;
+
+  bool full () const { return buflen == capacity; }
+};
+
+/// A place in a store. Meaningful only together with the string that produced it, while that string or a copy
+/// of it lives.
+struct AStringPosition {
+  const AStringSegment *current_segment = nullptr;
+  uint64_t segment_offset = 0;    ///< index inside the segment
+  uint64_t absolute_position = 0; ///< index in the store, not in the view
+};
+
+/// A sequence of code points that is written once, by one thread, and read-only for ever after `finish`.
+/// A finished store may be read by any number of threads. What was built never moves.
+struct AStringStorage {
+  AStringStorage () = default;
+  AStringStorage (const AStringStorage &) = delete;
+  AStringStorage &operator= (const AStringStorage &) = delete;
+  ~AStringStorage ();
+
+  bool is_ctor_done () const { return ctor_done; }
+
+  // Writing, until `finish`.
+  void append (AChar c);
+  void append_uint32 (const AChar *text, uint64_t count);
+  void append_uint32 (const uint32_t *text, uint64_t count);
+  /// Each byte becomes the code point of the same value.
+  void append_latin1 (const char *text, uint64_t count);
+  /// Ends the writing.
+  void finish ();
+
+  // Reading, after `finish`. Each gives false where there is no such position and then leaves `pos` without
+  // meaning. All take constant time.
+  bool seek (AStringPosition *pos, uint64_t index) const;
+  bool next (AStringPosition *pos) const;
+  bool skip (AStringPosition *pos, uint64_t skip_count) const;
+  bool previous (AStringPosition *pos) const;
+  /// The number of code points from `pos` to the end of its segment, and their address.
+  uint64_t run (const AStringPosition *pos, const AChar **address) const;
+
+  bool ctor_done = false;
+  AStringSegment *head = nullptr;
+  AStringSegment *tail = nullptr;
+  uint64_t len = 0;
+
+private:
+  AStringSegment *add_segment ();
+  AStringSegment *room ();
+  const AStringSegment *segment_at (uint64_t number) const;
+
+  AStringSegment first_; // short texts need no second allocation
+  // The chain by number, for stores of more than a few segments. Walking from the head would make every scan
+  // that jumps about a long text quadratic.
+  std::unique_ptr<const AStringSegment *[]> by_number_;
+};

@@ -1,0 +1,31 @@
+/// A list of texts.
+#pragma once
+
+#include "base/astring.h"
+#include "base/ns_list.h"
+
+/// A list of AString that copies share until one of them is changed: a copy costs one count. Not for
+/// concurrent use of one object.
+class AStringList {
+public:
+  uint32_t size () const { return list_.size (); }
+  bool is_empty () const { return size () == 0; }
+  void append (AString text) { list_.write ().push_back (std::move (text)); }
+  /// The element at `index`, which must be below `size`; walks the list. Past the end is a fault and gives
+  /// the empty text.
+  const AString &at (uint32_t index) const;
+  auto begin () const { return list_.read ().begin (); }
+  auto end () const { return list_.read ().end (); }
+
+  /// Takes the first element off; the empty text when there is none. Constant time, after one copy if the
+  /// list is shared.
+  AString take_first ();
+
+  /// True when both share one list, so that no copy was made.
+  bool shares_list_with (const AStringList &other) const { return &list_.read () == &other.list_.read (); }
+
+  friend bool operator== (const AStringList &a, const AStringList &b);
+
+private:
+  cow_list<AString> list_;
+};

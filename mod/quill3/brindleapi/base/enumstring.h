@@ -1,0 +1,58 @@
+/// A two-way table between small numbers and fixed spellings.
+#pragma once
+
+#include "base/astring.h"
+
+#include <cstddef>
+#include <map>
+
+/// A row whose spelling is already a text.
+struct EnumStringRow {
+  uint32_t number;
+  AString spelling;
+};
+
+/// A row whose spelling is Latin-1 text; null for a number that has none.
+struct EnumStringTextRow {
+  uint32_t number;
+  const char *spelling;
+};
+
+/// Built once, then read by any number of threads without a lock. Spellings are compared exactly.
+class EnumString {
+public:
+  /// The first row's number and spelling become the defaults. An empty or null table is a fault and gives an
+  /// empty table with the default number 4294967295 and the empty default spelling.
+  EnumString (const EnumStringRow *rows, size_t tblcount);
+  EnumString (const EnumStringTextRow *rows, size_t tblcount);
+  /// @param default_number what a lookup of an unknown spelling gives
+  /// @param default_spelling what a lookup of an unknown number gives
+  EnumString (const EnumStringRow *rows, size_t tblcount, uint32_t default_number,
+              const AString &default_spelling);
+  EnumString (const EnumStringTextRow *rows, size_t tblcount, uint32_t default_number,
+              const AString &default_spelling);
+
+  /// Enters a pair; an empty spelling is ignored. In each direction by itself the first entry stays: two
+  /// numbers may share a spelling, which then reads as the first of them, and the other way round.
+  void add (uint32_t number, const AString &spelling);
+
+  /// False for an unknown spelling or number. `out` receives the other side on success and may be null.
+  bool from_string (const AString &spelling, uint32_t *out = nullptr) const;
+  bool to_string (uint32_t number, AString *out = nullptr) const;
+
+  /// The number of a spelling, else the table's default or `otherwise`.
+  uint32_t value_of (const AString &spelling) const { return value_of (spelling, default_number_); }
+  uint32_t value_of (const AString &spelling, uint32_t otherwise) const;
+  /// The spelling of a number, else the table's default or `otherwise`.
+  AString text_of (uint32_t number) const { return text_of (number, default_spelling_); }
+  AString text_of (uint32_t number, const AString &otherwise) const;
+
+private:
+  template <class Row>
+  void build (const Row *rows, size_t tblcount);
+
+  uint32_t default_number_;
+  AString default_spelling_;
+  std::map<uint32_t, AString> by_number_;
+  std::map<AString, uint32_t> by_spelling_;
+};
