@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/kelvane_assert.h"
+#include "platform/sanitizers.h"
 
 #include <atomic>
 #include <cstdint>
@@ -241,11 +242,10 @@ private:
   bool is_sole () const noexcept {
     if (list_.use_count () != 1)
       return false;
-#ifdef __SANITIZE_THREAD__
-    std::shared_ptr<nonstd_list<T>> acquired = list_; // the sanitizer knows counts, not fences
-#else
-    std::atomic_thread_fence (std::memory_order_acquire);
-#endif
+    if constexpr (platform::under_thread_sanitizer)
+      std::shared_ptr<nonstd_list<T>> (list_).reset (); // knows counts, not fences
+    else
+      std::atomic_thread_fence (std::memory_order_acquire);
     return true;
   }
 

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <cstdint>
+
+namespace platform {
+
+/// Seconds since 1 January 1970, UTC, by the system's clock. Any thread.
+int64_t seconds_since_1970 () noexcept;
+
+/// Milliseconds of a clock that never goes back, from a start of its own. Any thread.
+int64_t steady_milliseconds () noexcept;
+
+} // namespace platform

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+
+namespace platform {
+
+/// What a connection thread gets of stack, in bytes.
+inline constexpr unsigned small_stack = 65536;
+
+/// Starts a detached thread that calls @p run with @p argument; @p run does not throw. All signals are
+/// blocked in the new thread from its first instruction on. Where the system refuses a stack of @p
+/// stack_bytes, or a sanitizer needs more, the thread gets a larger one. On Windows the first call pins the
+/// module that holds this code in the process.
+/// @return false when no thread could be had. Any thread may call.
+bool thread_start (void (*run) (void *argument), void *argument, unsigned stack_bytes = small_stack) noexcept;
+
+/// Sets the priority of the calling thread relative to normal, -1 being just below normal, +1 just above. A
+/// refusal by the system is ignored.
+void thread_set_priority (int priority) noexcept;
+
+/// The system's number of the calling thread. Not given to another thread while this one lives.
+uint32_t thread_number () noexcept;
+
+/// Lets the calling thread rest for at least @p milliseconds of the steady clock; signals do not shorten
+/// that.
+void sleep_milliseconds (unsigned milliseconds) noexcept;
+
+/// Offers the processor to other threads.
+void thread_yield () noexcept;
+
+} // namespace platform

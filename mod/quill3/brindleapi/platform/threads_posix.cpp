@@ -1,0 +1,96 @@
+#include "platform/threads.h"
+
+#include "platform/sanitizers.h"
+
+#include <errno.h>
+#include <new>
+#include <pthread.h>
+#include <sched.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <time.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr size_t sanitizer_stack = size_t{1} << 20;
+constexpr size_t largest_stack = size_t{8} << 20;
+
+struct Start {
+  void (*run) (void *);
+  void *argument;
+};
+
+void *thread_main (void *given) {
+  Start start = *static_cast<Start *> (given);
+  delete static_cast<Start *> (given);
+  start.run (start.argument);
+  return nullptr;
+}
+
+bool create_detached (size_t stack_bytes, Start *start) {
+  pthread_attr_t attributes;
+  if (pthread_attr_init (&attributes) != 0)
+    return false;
+  pthread_t thread;
+  bool ok = pthread_attr_setdetachstate (&attributes, PTHREAD_CREATE_DETACHED) == 0 &&
+            pthread_attr_setstacksize (&attributes, stack_bytes) == 0 &&
+            pthread_create (&thread, &attributes, thread_main, start) == 0;
+  pthread_attr_destroy (&attributes);
+  return ok;
+}
+
+// Some hosts carry so much thread-local data that a small stack is refused.
+bool create_with_stack_at_least (size_t stack_bytes, Start *start) {
+  while (!create_detached (stack_bytes, start)) {
+    if (stack_bytes >= largest_stack)
+      return false;
+    stack_bytes *= 2;
+  }
+  return true;
+}
+
+} // namespace
+
+bool platform::thread_start (void (*run) (void *), void *argument, unsigned stack_bytes) noexcept {
+  auto *start = new (std::nothrow) Start{run, argument};
+  if (start == nullptr)
+    return false;
+  size_t stack = stack_bytes;
+  if ((under_address_sanitizer || under_thread_sanitizer) && stack < sanitizer_stack)
+    stack = sanitizer_stack;
+  // A thread inherits its maker's mask, so that not even its first instruction can be interrupted.
+  sigset_t all;
+  sigset_t before;
+  sigfillset (&all);
+  pthread_sigmask (SIG_SETMASK, &all, &before);
+  bool ok = create_with_stack_at_least (stack, start);
+  pthread_sigmask (SIG_SETMASK, &before, nullptr);
+  if (!ok)
+    delete start;
+  return ok;
+}
+
+// Linux keeps a nice value for each thread; a thread that may not raise its own stays as it is.
+void platform::thread_set_priority (int priority) noexcept {
+  id_t self = static_cast<id_t> (gettid ());
+  errno = 0;
+  int nice_value = getpriority (PRIO_PROCESS, self);
+  if (errno == 0)
+    (void)setpriority (PRIO_PROCESS, self, nice_value - priority);
+}
+
+uint32_t platform::thread_number () noexcept {
+  return static_cast<uint32_t> (gettid ());
+}
+
+void platform::sleep_milliseconds (unsigned milliseconds) noexcept {
+  timespec rest{static_cast<time_t> (milliseconds / 1000),
+                static_cast<long> (milliseconds % 1000) * 1000000L};
+  while (clock_nanosleep (CLOCK_MONOTONIC, 0, &rest, &rest) == EINTR) {
+  }
+}
+
+void platform::thread_yield () noexcept {
+  sched_yield ();
+}

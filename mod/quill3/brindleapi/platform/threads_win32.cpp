@@ -1,0 +1,61 @@
+#include "platform/threads.h"
+
+#include <new>
+#include <process.h>
+#include <windows.h>
+
+namespace {
+
+constexpr unsigned largest_stack = 8u << 20;
+
+struct Start {
+  void (*run) (void *);
+  void *argument;
+};
+
+void __cdecl thread_main (void *given) {
+  Start start = *static_cast<Start *> (given);
+  delete static_cast<Start *> (given);
+  start.run (start.argument);
+}
+
+// A thread that still runs while its code is unloaded takes the process with it.
+bool pin_this_module () {
+  HMODULE module = nullptr;
+  auto *inside = reinterpret_cast<LPCWSTR> (reinterpret_cast<uintptr_t> (&thread_main));
+  return GetModuleHandleExW (GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, inside,
+                             &module) != FALSE;
+}
+
+} // namespace
+
+bool platform::thread_start (void (*run) (void *), void *argument, unsigned stack_bytes) noexcept {
+  [[maybe_unused]] static const bool pinned = pin_this_module ();
+  auto *start = new (std::nothrow) Start{run, argument};
+  if (start == nullptr)
+    return false;
+  while (_beginthread (thread_main, stack_bytes, start) == static_cast<uintptr_t> (-1)) {
+    if (stack_bytes >= largest_stack) {
+      delete start;
+      return false;
+    }
+    stack_bytes *= 2;
+  }
+  return true;
+}
+
+void platform::thread_set_priority (int priority) noexcept {
+  SetThreadPriority (GetCurrentThread (), priority);
+}
+
+uint32_t platform::thread_number () noexcept {
+  return GetCurrentThreadId ();
+}
+
+void platform::sleep_milliseconds (unsigned milliseconds) noexcept {
+  Sleep (milliseconds);
+}
+
+void platform::thread_yield () noexcept {
+  SwitchToThread ();
+}
