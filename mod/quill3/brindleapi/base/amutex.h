@@ -30,6 +30,24 @@ private:
   platform::MutexHandle handle_;
 };
 
+/// Holds a mutex for the length of a block. Allocates nothing, so it can't fail where a failure would hurt.
+class KELVANE_SCOPED_CAPABILITY AMutexScope {
+public:
+  /// Waits until @p mutex is held.
+  explicit AMutexScope (AMutex &mutex) noexcept KELVANE_ACQUIRE (mutex)
+      : mutex_ (mutex), locked_ (mutex.lock ()) {}
+  AMutexScope (const AMutexScope &) = delete;
+  AMutexScope &operator= (const AMutexScope &) = delete;
+  ~AMutexScope () KELVANE_RELEASE () {
+    if (locked_)
+      mutex_.unlock ();
+  }
+
+private:
+  AMutex &mutex_;
+  bool locked_;
+};
+
 /// A held lock that can be copied and passed by value; the mutex is unlocked when the last copy goes. A mutex
 /// is given back by the thread that holds it, so the last copy must go on the thread that locked.
 class AMutexLock {
