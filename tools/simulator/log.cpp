@@ -1,0 +1,54 @@
+#include "log.h"
+
+#include <chrono>
+#include <cstdio>
+#include <ctime>
+#include <fmt/format.h>
+#include <poll.h>
+#include <string>
+#include <unistd.h>
+
+namespace sim {
+
+namespace {
+
+constexpr std::size_t longest_line = 4000; // a pipe that is ready takes this much without waiting
+
+void write_all (std::string_view text) {
+  while (!text.empty ()) {
+    const ssize_t written = ::write (STDOUT_FILENO, text.data (), text.size ());
+    if (written <= 0)
+      return;
+    text.remove_prefix (static_cast<std::size_t> (written));
+  }
+}
+
+bool output_is_ready () {
+  pollfd output = {STDOUT_FILENO, POLLOUT, 0};
+  return ::poll (&output, 1, 0) == 1 && (output.revents & POLLOUT) != 0;
+}
+
+std::string time_of_day () {
+  using namespace std::chrono;
+  const auto now = system_clock::now ();
+  const std::time_t seconds = system_clock::to_time_t (now);
+  std::tm parts{};
+  ::localtime_r (&seconds, &parts);
+  const auto milliseconds =
+      duration_cast<std::chrono::milliseconds> (now.time_since_epoch ()).count () % 1000;
+  return fmt::format ("{:02}:{:02}:{:02}.{:03}", parts.tm_hour, parts.tm_min, parts.tm_sec, milliseconds);
+}
+
+} // namespace
+
+void log_line (std::string_view line) {
+  if (!output_is_ready ())
+    return;
+  write_all (fmt::format ("{} {}\n", time_of_day (), line.substr (0, longest_line)));
+}
+
+void say (std::string_view line) {
+  write_all (std::string (line) + '\n');
+}
+
+} // namespace sim

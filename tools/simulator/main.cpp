@@ -1,0 +1,29 @@
+#include "log.h"
+#include "server.h"
+
+#include <CLI/CLI.hpp>
+#include <csignal>
+
+int main (int argc, char **argv) {
+  sim::Options options;
+  CLI::App app (
+      "A simulated video server: answers the control protocol on port 8913 from a state of its own.");
+  app.add_option ("--address", options.address, "IPv4 address to listen on")->capture_default_str ();
+  app.add_option ("--name", options.name, "computer name the server gives")->capture_default_str ();
+  app.add_option ("--standard", options.standard, "video standard, such as 1080_50i")->capture_default_str ();
+  app.add_flag ("--verbose", options.verbose, "log reports and raw documents too");
+  app.add_flag ("--quiet", options.quiet, "log no commands");
+  app.add_flag ("--strict", options.strict, "refuse documents that differ by a byte from the expected form");
+  CLI11_PARSE (app, argc, argv);
+  if (!sim::find_standard (options.standard))
+    return app.exit (CLI::ValidationError ("--standard", "there is no video standard " + options.standard));
+  std::signal (SIGPIPE, SIG_IGN);
+  try {
+    sim::World world (options);
+    sim::serve (world);
+  } catch (const std::exception &fault) {
+    sim::say (std::string ("cannot go on: ") + fault.what ());
+    return 1;
+  }
+  return 0;
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "element.h"
+
+#include <cstddef>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace sim {
+
+/// What a client sent is no document: nothing can be answered, the client is sent away.
+struct Malformed : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+/// Cuts the bytes of one connection into documents. A document ends with the end of its root element.
+class Framer {
+public:
+  /// Takes bytes as they came. @throws Malformed when more is held than any document may have.
+  void feed (std::string_view bytes);
+
+  /// The next whole document, or nothing while it is incomplete.
+  /// @throws Malformed when anything but a `cmd` element stands at its place.
+  std::optional<std::string> next ();
+
+private:
+  std::string held_;
+  std::size_t searched_ = 0; ///< no end of a document lies before this
+};
+
+/// Parses one document of the small XML of the protocol: elements and text, five entities, UTF-8.
+/// @throws Malformed for everything else, attributes, comments, declarations and mixed content included.
+Element parse_document (std::string_view document);
+
+/// The document as a client is expected to write it: each child behind CR LF, empty elements contracted.
+std::string canonical_text (const Element &root);
+
+/// Text with the five characters escaped that have entities.
+std::string escaped (std::string_view text);
+
+} // namespace sim
