@@ -1,0 +1,25 @@
+#pragma once
+
+#include <utility>
+
+/// A value that may be absent. Default: absent. Assigning a value makes it present; what an absent one holds
+/// never matters. A plain value: one thread at a time.
+template <class T>
+struct AOption {
+  bool present{}; ///< whether `value` counts
+  T value{};      ///< meaningless while `present` is false
+
+  AOption () = default;
+  /// Present, with @p given.
+  AOption (T given) : present (true), value (std::move (given)) {}
+
+  /// Makes it absent. The value stays behind, unseen.
+  void clear () { present = false; }
+  /// The value, or @p fallback when it is absent.
+  T value_or (T fallback) const { return present ? value : fallback; }
+
+  /// Two absent ones are equal whatever they hold.
+  bool operator== (const AOption &other) const {
+    return present == other.present && (!present || value == other.value);
+  }
+};

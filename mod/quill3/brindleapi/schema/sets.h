@@ -1,0 +1,113 @@
+#pragma once
+
+#include "base/kelvane_assert.h"
+#include "schema/enumerations.h"
+
+#include <cstdint>
+
+namespace QUILL3 {
+
+/// A set of values of one enumeration with room for @p Capacity, in order of insertion. A plain value of
+/// `4 + 4 * Capacity` bytes. What was read from the wire may hold a member twice, and a caller that writes
+/// the fields himself can make a set invalid; every operation takes that into account.
+template <Enumeration Of, uint32_t Capacity>
+struct EnumSet {
+  static constexpr uint32_t capacity = Capacity;
+
+  uint32_t count{};
+  uint32_t vec[Capacity]{};
+
+  /// Empty.
+  EnumSet () = default;
+  /// One member.
+  explicit EnumSet (uint32_t value) { add (value); }
+  /// The @p tblcount values at @p tbl, added in order. More than the capacity is an assertion failure and
+  /// leaves the set empty.
+  EnumSet (const uint32_t *tbl, uint32_t tblcount) {
+    if (!KELVANE_ASSERT_VALUE (tblcount <= Capacity))
+      return;
+    for (uint32_t i = 0; i < tblcount; ++i)
+      add (tbl[i]);
+  }
+
+  /// Puts @p value at the end unless it is a member already. A full set is an assertion failure and stays as
+  /// it is.
+  void add (uint32_t value) {
+    if (contains (value) || !KELVANE_ASSERT_VALUE (count < Capacity))
+      return;
+    vec[count++] = value;
+  }
+  /// Takes out every occurrence of @p value; the others close up in order.
+  void remove (uint32_t value) {
+    uint32_t *const last = vec + used ();
+    uint32_t *to = vec;
+    for (const uint32_t *from = vec; from != last; ++from)
+      if (*from != value)
+        *to++ = *from;
+    count = static_cast<uint32_t> (to - vec);
+  }
+  bool contains (uint32_t value) const {
+    for (const uint32_t member : *this)
+      if (member == value)
+        return true;
+    return false;
+  }
+
+  /// Whether the count is within the capacity and every member has a spelling.
+  bool is_valid () const {
+    if (count > Capacity)
+      return false;
+    for (const uint32_t member : *this)
+      if (!QUILL3::is_valid (Of, member))
+        return false;
+    return true;
+  }
+  /// Two invalid sets are equal, a valid and an invalid one are not. Of valid ones the order counts: the
+  /// members are compared position by position.
+  bool operator== (const EnumSet &other) const {
+    const bool valid = is_valid ();
+    if (!valid || !other.is_valid ())
+      return valid == other.is_valid ();
+    if (count != other.count)
+      return false;
+    for (uint32_t i = 0; i < count; ++i)
+      if (vec[i] != other.vec[i])
+        return false;
+    return true;
+  }
+
+  const uint32_t *begin () const { return vec; }
+  const uint32_t *end () const { return vec + used (); }
+
+private:
+  uint32_t used () const { return count < Capacity ? count : Capacity; }
+};
+
+/// A vector with room for @p Capacity elements. A plain value.
+template <class T, uint32_t Capacity>
+struct FixedVector {
+  static constexpr uint32_t capacity = Capacity;
+
+  uint32_t count{};
+  T vec[Capacity]{};
+
+  /// Puts @p value at the end. A full vector is an assertion failure and stays as it is.
+  void add (const T &value) {
+    if (KELVANE_ASSERT_VALUE (count < Capacity))
+      vec[count++] = value;
+  }
+  /// The counts, then the elements up to them; what lies behind never matters.
+  bool operator== (const FixedVector &other) const {
+    if (count != other.count)
+      return false;
+    for (const T *a = begin (), *b = other.begin (); a != end (); ++a, ++b)
+      if (!(*a == *b))
+        return false;
+    return true;
+  }
+
+  const T *begin () const { return vec; }
+  const T *end () const { return vec + (count < Capacity ? count : Capacity); }
+};
+
+} // namespace QUILL3
