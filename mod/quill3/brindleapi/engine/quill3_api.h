@@ -1,0 +1,71 @@
+#pragma once
+
+#include "engine/callbacks.h"
+#include "engine/quill3_api_command.h"
+
+#include <memory>
+
+namespace QUILL3 {
+
+class XIDRegistry;
+struct XIDRegistryEntry;
+
+/// Keeps the commands that are open, hands out their identifiers, and turns each incoming reply into a call
+/// of the callback that the sender supplied for that kind of reply. Nothing expires by itself: a command ends
+/// with a reply that closes it, with the failure of all commands, or without a word when this object is
+/// destroyed. Threads: any.
+class API : public APICommand {
+public:
+  API ();
+  ~API () override;
+
+  // One wrapper for each command, named as the command, in two forms:
+  //
+  //   AString play (const command::play &arguments);
+  //   AString play (const command::play &arguments, callback::ok ok, callback::error error);
+  //
+  // The first is the second with empty callbacks. The callbacks are those of the replies that the command can
+  // get, in the order of commands.inc, `error` last; any of them may be empty. The result is the identifier
+  // that went out with the command; it begins with `none` when all callbacks are empty, and nothing is kept
+  // of such a command here.
+  //
+  // With a callback that is not empty the command is open from before its first byte is sent, and ends once:
+  // callbacks may run on the connection's thread or, when the link is down, on this one, and so before the
+  // wrapper returns. A wrapper that throws has no open command and runs no callback, with one exception: a
+  // command without callbacks may throw at any point.
+#define PARAMETER(context, reply) callback::reply reply
+#define COMMAND(name, ...)                                                                                   \
+  AString name (const command::name &arguments);                                                             \
+  AString name (const command::name &arguments, EACH (PARAMETER, , __VA_ARGS__), callback::error error);
+#include "engine/commands.inc"
+#undef PARAMETER
+
+  /// Number of open commands.
+  uint32_t outstanding_count ();
+
+  /// Ends an open command without a callback; one that is running on another thread goes on.
+  /// @return false when no such command is open.
+  bool cancel_command (const AString &xid);
+
+  /// Fails all open commands with "Failing all outstanding commands" and the code 0, each once, in text order
+  /// of the identifiers; commands opened meanwhile are taken along. Returns at once when another call is
+  /// doing that already, which then ends the caller's commands as well. No lock of the registry is held while
+  /// a callback runs. A command whose callback is running at that moment fails when it has returned.
+  void fail_all_commands () noexcept;
+
+protected:
+#define PARAMETER(body_name, tag) decltype (body::body_name::tag) tag
+#define REPLY(name, entry, ...)                                                                              \
+  void on_##name (AString xid __VA_OPT__ (, EACH (PARAMETER, name, __VA_ARGS__))) override;
+#include "engine/replies.inc"
+#undef PARAMETER
+
+private:
+  using Shared = std::shared_ptr<XIDRegistryEntry>;
+
+  AString open_command (const Shared &entry, const AString &name, const Rows &rows, const void *arguments);
+
+  std::unique_ptr<XIDRegistry> registry_;
+};
+
+} // namespace QUILL3

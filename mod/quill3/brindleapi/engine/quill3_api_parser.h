@@ -1,0 +1,79 @@
+#pragma once
+
+#include "base/afunction.h"
+#include "engine/bodies.h"
+#include "engine/each.h"
+#include "xml/xml_tree.h"
+
+namespace QUILL3 {
+
+/// The bodies that a message from the server can hold, in one numbering: 0 to 23 the answers to commands, 24
+/// to 70 the reports.
+enum class BodyNumber : uint32_t {
+#define REPLY(name, ...) name,
+#define REPORT(name, ...) name,
+#include "engine/replies.inc"
+#include "engine/reports.inc"
+};
+inline constexpr uint32_t reply_count = 24;
+inline constexpr uint32_t report_count = 47;
+inline constexpr uint32_t body_count = reply_count + report_count;
+
+/// Gives a received message its meaning: checks its form, finds out which of the 71 known bodies it holds,
+/// reads the body's tags and calls the handler of that name. A message that can't be used is dropped with a
+/// record of its first error. Threads: the connection's own thread only, but for the hook's setter, which
+/// belongs in front of the first message.
+class APIParser {
+public:
+  APIParser () = default;
+  APIParser (const APIParser &) = delete;
+  APIParser &operator= (const APIParser &) = delete;
+  virtual ~APIParser () = default;
+
+  /// Handles one message. @param message an element `reply` or `report`.
+  void dispatch_message (const XMLTree &message);
+
+  /// Notes why the message in hand can't be used; of several errors in one message the first is kept.
+  /// @param identifier of the command that the message answers, empty where none is known.
+  /// @return false, always.
+  bool record_error (const AString &identifier, const AString &text);
+
+  /// Sets what is called with each message before anything about it is checked.
+  void set_receive_hook (AFunction<void (const XMLTree &)> hook) { receive_hook_ = hook; }
+
+  /// True while the message in hand, or the last one, has recorded no error.
+  bool error_slot_free () const { return error_slot_free_; }
+  /// Identifier of the last message that failed. It stays until a later message fails.
+  const AString &first_error_xid () const { return first_error_xid_; }
+  /// What was wrong with the last message that failed. It stays until a later message fails.
+  const AString &first_error_text () const { return first_error_text_; }
+
+private:
+  struct Found;
+  struct Delivery;
+
+  bool read_identifier (const XMLTree &message, AString *identifier);
+  bool find_body (const XMLTree &message, const AString &identifier, Found *found);
+
+  bool error_slot_free_ = true;
+  AString first_error_xid_;
+  AString first_error_text_;
+  AFunction<void (const XMLTree &)> receive_hook_;
+
+protected:
+  // A handler is `on_` plus the wire name. It receives what was read, by value, in the order of replies.inc
+  // and reports.inc and with the types of the struct of that name in bodies.h; the handler of a reply has the
+  // identifier of the command in front: `void on_clipid (AString xid, AString ClipID)`. These here do
+  // nothing. Those that override them may take locks and send commands, and must not wait for a reply: the
+  // thread that runs them is the one that would bring it.
+#define PARAMETER(body_name, tag) decltype (body::body_name::tag)
+#define REPLY(name, entry, ...)                                                                              \
+  virtual void on_##name (AString __VA_OPT__ (, EACH (PARAMETER, name, __VA_ARGS__))) {}
+#define REPORT(name, ...)                                                                                    \
+  virtual void on_##name (EACH (PARAMETER, name, __VA_ARGS__)) {}
+#include "engine/replies.inc"
+#include "engine/reports.inc"
+#undef PARAMETER
+};
+
+} // namespace QUILL3

@@ -1,0 +1,114 @@
+#pragma once
+
+#include "base/amutex.h"
+#include "base/astring.h"
+#include "engine/callbacks.h"
+
+#include <atomic>
+#include <map>
+#include <memory>
+#include <string_view>
+
+namespace QUILL3 {
+
+/// What a reply does to the command that it answers.
+enum class Entry {
+  Ends, ///< the command is over when the callback has returned
+  Stays ///< more replies may come
+};
+
+/// One open command: its callbacks and who may still run them. It is shared between the table and whoever is
+/// ending it, and ended by exactly one of them. Threads: the callbacks are set before the entry enters the
+/// table and never change after that; everything else is atomic.
+class XIDRegistryEntry {
+public:
+  // One slot for each kind of reply, named as the reply; empty where nobody waits for it.
+#define REPLY(name, ...) callback::name name{};
+#include "engine/replies.inc"
+
+  /// Whether any slot is set.
+  bool is_awaited () const;
+
+  /// Takes the right to end this command. @return true to exactly one caller.
+  bool claim ();
+
+  /// How the right to fail a command was taken.
+  enum class Failure {
+    refused, ///< the command is being ended by somebody else, or has ended
+    now,     ///< the caller tells the failure
+    later    ///< a callback is running; its thread tells the failure when it has returned
+  };
+  /// `claim` for a failure, which must not overtake a callback that is running.
+  Failure claim_failure ();
+
+  /// Before a callback that leaves the command open. @return false when the command has ended.
+  bool begin_item ();
+  /// After such a callback. @return true when the caller has to tell a failure that came meanwhile.
+  bool end_item ();
+
+private:
+  friend class XIDRegistry;
+
+  // The number of callbacks in progress that leave the command open, and these two marks.
+  static constexpr uint32_t ended = 0x80000000;
+  static constexpr uint32_t failed_meanwhile = 0x40000000;
+  static constexpr uint32_t running = 0x3FFFFFFF;
+
+  AString xid_;
+  std::atomic<uint32_t> state_{0};
+};
+
+/// The open commands of one connection, by identifier. Any thread. No lock is held while a callback runs, so
+/// a callback may send, and may wait for whatever its own thread does not bring.
+class XIDRegistry {
+public:
+  using Shared = std::shared_ptr<XIDRegistryEntry>;
+
+  XIDRegistry () = default;
+  XIDRegistry (const XIDRegistry &) = delete;
+  XIDRegistry &operator= (const XIDRegistry &) = delete;
+  /// Lets go of all commands without a word.
+  ~XIDRegistry () = default;
+
+  /// Opens a command whose slots are set, under the next identifier of the process.
+  /// @return the identifier for the document. When no slot is set nobody can be waiting: the command is not
+  /// entered, and its identifier has `none` in front, which no entry ever has.
+  AString issue_id (const Shared &entry);
+
+  /// @return the open command of that identifier, or null.
+  Shared find_entry (const AString &xid);
+  /// Number of open commands.
+  uint32_t outstanding_count ();
+
+  /// Hands a reply to its command. A reply that no open command has asked for is dropped.
+  template <class... Values>
+  void fire (const AString &xid, Entry effect, AFunction<void (Values...)> XIDRegistryEntry::*slot,
+             std::type_identity_t<Values>... values);
+
+  /// Ends a command without a callback; one that is running goes on. @return false when it was not open.
+  bool cancel (const AString &xid);
+  /// Fails one command with an internal fault, unless somebody else has ended it.
+  void fail (const Shared &entry) noexcept;
+  /// Fails all open commands in text order of their identifiers, those that are opened meanwhile included.
+  /// While one thread does this, others return at once, and their commands are taken along.
+  void fail_all () noexcept;
+
+private:
+  // Takes an ended command out of the table, whatever way its callback was left.
+  struct Release {
+    XIDRegistry &registry;
+    const Shared &entry;
+    ~Release () { registry.remove_entry (entry); }
+  };
+
+  bool enter (const Shared &entry, uint32_t number);
+  void remove_entry (const Shared &entry) noexcept;
+  Shared first_to_fail ();
+  static void tell_failure (const Shared &entry, const AString &text) noexcept;
+
+  AMutex lock_;
+  std::map<AString, Shared> entries_ KELVANE_GUARDED_BY (lock_);
+  std::atomic<bool> failing_{false};
+};
+
+} // namespace QUILL3
