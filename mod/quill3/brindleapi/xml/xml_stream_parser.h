@@ -1,0 +1,71 @@
+/// The framer: cuts elements out of a stream of bytes.
+#pragma once
+
+#include "xml/xml_parse.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Takes the bytes of a stream and gives the elements in it whose names were registered, one at a time. It
+/// looks for the first opening tag of a registered name and the first closing tag of that name behind it,
+/// without counting nesting, and parses the bytes from the one to the other. Whatever stands in front of the
+/// opening tag is dropped unread when the element is taken; until then it counts against the buffer.
+///
+/// An element that the parser refuses makes the stream failed: from then on all bytes are swallowed and no
+/// element comes out, until `reset`.
+///
+/// Bytes that are no UTF-8, and NUL, end the text of an element at that place, so that it is then refused for
+/// want of closing tags. Nothing that a stream holds can fail an assertion.
+///
+/// Threads: one at a time.
+class XMLStreamParser {
+public:
+  /// @param bufsize bytes that can be held at once, which limits the size of an element; 0 is an assertion
+  ///   failure and gives 1024
+  explicit XMLStreamParser (uint64_t bufsize);
+  XMLStreamParser (const XMLStreamParser &) = delete;
+  XMLStreamParser &operator= (const XMLStreamParser &) = delete;
+
+  /// Registers a top-level element. Called before the first `feed`.
+  void add_element_name (std::string_view name);
+  /// Known names for the parser; null for none. The table must outlive this object.
+  void set_names (const XMLNameTable *names) { names_ = names; }
+
+  uint64_t free_space () const { return bufsize_ - used_; }
+  /// Appends as many bytes as there is room for. @return their number; 0 means that the buffer is full and,
+  /// if `next_element` has nothing to give, that the element in it can never be completed. A failed stream
+  /// swallows all.
+  uint64_t feed (uint64_t length, const char *bytes);
+  /// Takes out the next element. @return the null tree when none is complete yet or the stream failed
+  XMLTree next_element ();
+  bool is_failed () const { return failed_; }
+  /// Drops all bytes and the failed state. The registered names stay.
+  void reset ();
+
+private:
+  struct Frame {
+    uint64_t start;
+    uint64_t length;
+  };
+
+  bool find_opening ();
+  bool find_frame (Frame *frame);
+  XMLTree parse (const Frame &frame);
+  void consume (uint64_t consumed_length);
+  const char *bytes () const { return buffer_.data () + first_; }
+
+  std::vector<char> buffer_;
+  uint64_t bufsize_;
+  uint64_t first_ = 0; ///< where the bytes not yet consumed begin
+  uint64_t used_ = 0;  ///< their number
+  bool failed_ = false;
+  std::vector<std::string> element_names_;
+  const XMLNameTable *names_ = nullptr;
+  std::vector<AChar> decoded_; ///< scratch for the element in hand
+
+  // How far the search has come, counted from first_, so that bytes are looked at once however they arrive.
+  const std::string *open_name_ = nullptr; ///< of the opening tag found, null while there is none
+  uint64_t open_pos_ = 0;                  ///< its place
+  uint64_t searched_ = 0;                  ///< no tag looked for begins before this
+};
