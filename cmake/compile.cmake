@@ -5,8 +5,13 @@ find_package(Threads REQUIRED)
 add_compile_options(-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
 
 if(ORVA_SANITIZE)
-  add_compile_options(-fsanitize=${ORVA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all -O1)
+  # Lines are all that a report needs of the debugger's data.
+  add_compile_options(-fsanitize=${ORVA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all -O1 -g1)
   add_link_options(-fsanitize=${ORVA_SANITIZE})
+endif()
+
+if(ORVA_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
 add_library(orva_warnings INTERFACE)
