@@ -127,13 +127,16 @@ public:
   /// The index in this view of a cursor that it produced.
   uint64_t index_of (const AStringPosition &pos) const { return pos.absolute_position - start_offset_; }
 
-  /// Calls `take (const AChar *run, uint64_t count)` for each run in order until it gives false. True when
-  /// all runs were taken.
+  /// Calls `take (const AChar *run, uint64_t count)` for each run from index `from` on until it gives false.
+  /// True when all runs were taken.
   template <class Take>
-  bool walk_runs (Take take) const;
+  bool walk_runs (Take take, uint64_t from = 0) const;
   /// The index of the first code point at or after `from` for which `wanted (AChar)` holds, or -1.
   template <class Wanted>
   int64_t find_if (Wanted wanted, uint64_t from = 0) const;
+  /// The index of the last code point at or before `from` for which `wanted (AChar)` holds, or -1.
+  template <class Wanted>
+  int64_t rfind_if (Wanted wanted, uint64_t from) const;
 
   AStringIterator begin () const;
   AStringIterator end () const;
@@ -313,12 +316,36 @@ public:
 private:
   AString (ARef<AStringStorage> storage, uint64_t start, uint64_t length);
 
-  bool parse_fixed (Kelvane::fixed *out, bool received) const;
-
   ARef<AStringStorage> storage_; ///< null exactly for empty texts
   uint64_t start_offset_ = 0;
   uint64_t len_ = 0;
   mutable uint64_t hash_ = 0; ///< 0 until computed; written by compare and set only
+};
+
+/// Walks a text by runs of code points that lie together in memory. The text, or a copy of it, must outlive
+/// it.
+class AStringRuns {
+public:
+  explicit AStringRuns (const AString &text, uint64_t from = 0);
+
+  bool at_end () const { return count_ == 0; }
+  const AChar *data () const { return data_; }
+  uint64_t count () const { return count_; }
+  /// Goes on by `count` code points, at most those of the run.
+  void advance (uint64_t count) {
+    data_ += count;
+    count_ -= count;
+    if (count_ == 0 && left_ != 0)
+      enter (segment_->next, 0);
+  }
+
+private:
+  void enter (const AStringSegment *segment, uint64_t offset);
+
+  const AStringSegment *segment_ = nullptr;
+  const AChar *data_ = nullptr;
+  uint64_t count_ = 0; ///< in this run
+  uint64_t left_ = 0;  ///< behind this run
 };
 
 /// Walks the code points of one AString, which must outlive it and not be assigned to.
@@ -375,22 +402,21 @@ private:
 };
 
 template <class Take>
-bool AString::walk_runs (Take take) const {
-  AStringPosition pos;
-  if (!first (&pos))
-    return true;
-  const AStringSegment *segment = pos.current_segment;
-  uint64_t offset = pos.segment_offset;
-  for (uint64_t left = len_; segment != nullptr; segment = segment->next, offset = 0) {
-    const uint64_t here = segment->buflen - offset;
-    const uint64_t count = here < left ? here : left;
-    if (!take (segment->buf + offset, count))
+bool AString::walk_runs (Take take, uint64_t from) const {
+  for (AStringRuns runs (*this, from); !runs.at_end (); runs.advance (runs.count ()))
+    if (!take (runs.data (), runs.count ()))
       return false;
-    left -= count;
-    if (left == 0)
-      break;
-  }
   return true;
+}
+
+template <class Wanted>
+int64_t AString::rfind_if (Wanted wanted, uint64_t from) const {
+  AStringPosition pos;
+  AChar c;
+  for (bool ok = seek (&pos, &c, from); ok; ok = previous (&pos, &c))
+    if (wanted (c))
+      return static_cast<int64_t> (index_of (pos));
+  return -1;
 }
 
 template <class Wanted>
@@ -402,5 +428,5 @@ int64_t AString::find_if (Wanted wanted, uint64_t from) const {
         return false;
     return true;
   };
-  return from >= len_ || mid (from).walk_runs (passes) ? -1 : index;
+  return walk_runs (passes, from) ? -1 : index;
 }

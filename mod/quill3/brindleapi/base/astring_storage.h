@@ -43,8 +43,8 @@ struct AStringStorage {
   /// Ends the writing.
   void finish ();
 
-  // Reading, after `finish`. Each gives false where there is no such position and then leaves `pos` without
-  // meaning. All take constant time.
+  // Reading, after `finish`. Each gives false, and leaves `pos` alone, where there is no such position. All
+  // take constant time.
   bool seek (AStringPosition *pos, uint64_t index) const;
   bool next (AStringPosition *pos) const;
   bool skip (AStringPosition *pos, uint64_t skip_count) const;
@@ -58,6 +58,8 @@ struct AStringStorage {
   uint64_t len = 0;
 
 private:
+  template <class Unit>
+  void append_units (const Unit *text, uint64_t count);
   AStringSegment *add_segment ();
   AStringSegment *room ();
   const AStringSegment *segment_at (uint64_t number) const;
