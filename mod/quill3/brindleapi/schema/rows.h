@@ -61,7 +61,7 @@ inline constexpr NoFields no_fields;
 
 /// The elements of all members of a struct, in the order of the rows: what is present of optional ones, and
 /// flags that are set.
-nonstd_list<XMLTree> write_fields (const Rows &rows, const void *from);
+XMLTree::List write_fields (const Rows &rows, const void *from);
 /// Reads a struct by the rule of records: first the required members in order, then which of the optional
 /// ones are there, then those. The first failure ends it: a required one that is missing, or any that is
 /// doubled or bad. Unknown children are passed over.
@@ -73,7 +73,7 @@ bool read_record (const XMLTree &tree, const Rows &rows, void *to, AString *err)
 bool read_body (const XMLTree &tree, const Rows &rows, void *to, AString *err);
 
 template <class S>
-nonstd_list<XMLTree> write_fields (const S &from) {
+XMLTree::List write_fields (const S &from) {
   return write_fields (rows_of (&from), &from);
 }
 template <class S>

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "base/astring.h"
+#include "base/fixed.h"
+#include "xml/xml_tree.h"
+
+#include <cstdint>
+
+/// How single values become elements and elements become values again, for callers that have a tag's name as
+/// data. Everything that can fail gives false and, if its `err` is not null, a text there; on success `err`
+/// is left alone. Free functions on values; any thread.
+namespace QUILL3 {
+
+/// Finds the one element called @p name: @p tree itself if it bears the name, else its only direct child of
+/// that name. None and more than one are failures.
+/// @param out receives the element; may be null
+bool find_one (const XMLTree &tree, const AString &name, XMLTree *out, AString *err);
+/// The same without a copy. @return null on failure; else valid until @p tree is changed
+const XMLTree *find_one (const XMLTree &tree, const AString &name, AString *err);
+
+/// Always false; the text says that the element holds the invalid @p value.
+bool invalid_value (const XMLTree &tree, const AString &value, AString *err);
+/// Always false; the text says that the element holds a @p value that is no @p type_name.
+bool invalid_typed_value (const XMLTree &tree, const AString &type_name, const AString &value, AString *err);
+
+/// The element's text without white space at its ends.
+AString stripped_text (const XMLTree &tree);
+
+/// Readers of an element that is already the one looked for. All but `read_string` strip the text first.
+/// Numbers are as AString reads them, and refused where they do not fit; what stands at @p value is changed
+/// on success only.
+bool read_string (const XMLTree &tree, AString *value, AString *err);
+bool read_u8 (const XMLTree &tree, uint8_t *value, AString *err);
+bool read_u16 (const XMLTree &tree, uint16_t *value, AString *err);
+bool read_u32 (const XMLTree &tree, uint32_t *value, AString *err);
+bool read_u64 (const XMLTree &tree, uint64_t *value, AString *err);
+bool read_i32 (const XMLTree &tree, int32_t *value, AString *err);
+/// A decimal with an "X" behind it; without the "X", the raw 32 bits as a signed or unsigned number.
+bool read_fixed (const XMLTree &tree, Kelvane::fixed *value, AString *err);
+/// "true" and "false" as they are spelled, or a signed 32-bit number, which is true unless it is 0.
+bool read_bool (const XMLTree &tree, bool *value, AString *err);
+
+/// Writers: the element called @p name.
+XMLTree write_string (const AString &name, const AString &value);
+XMLTree write_u8 (const AString &name, uint8_t value);
+XMLTree write_u16 (const AString &name, uint16_t value);
+XMLTree write_u32 (const AString &name, uint32_t value);
+XMLTree write_u64 (const AString &name, uint64_t value);
+XMLTree write_i32 (const AString &name, int32_t value);
+/// At most fifteen places, without zeros at the end: one is `1X`.
+XMLTree write_fixed (const AString &name, Kelvane::fixed value);
+XMLTree write_bool (const AString &name, bool value);
+
+} // namespace QUILL3
