@@ -8,7 +8,7 @@
 namespace QUILL3 {
 
 class XIDRegistry;
-struct XIDRegistryEntry;
+class XIDRegistryEntry;
 
 /// Keeps the commands that are open, hands out their identifiers, and turns each incoming reply into a call
 /// of the callback that the sender supplied for that kind of reply. Nothing expires by itself: a command ends

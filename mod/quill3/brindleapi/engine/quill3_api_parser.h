@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/afunction.h"
+#include "base/enumstring.h"
 #include "engine/bodies.h"
 #include "engine/each.h"
 #include "xml/xml_tree.h"
@@ -30,6 +31,11 @@ public:
   APIParser &operator= (const APIParser &) = delete;
   virtual ~APIParser () = default;
 
+  /// The names of the bodies that a `reply` and a `report` can hold, with their numbers. Built on first use,
+  /// never destroyed; any thread.
+  static const EnumString &reply_bodies ();
+  static const EnumString &report_bodies ();
+
   /// Handles one message. @param message an element `reply` or `report`.
   void dispatch_message (const XMLTree &message);
 
@@ -53,7 +59,9 @@ private:
   struct Delivery;
 
   bool read_identifier (const XMLTree &message, AString *identifier);
-  bool find_body (const XMLTree &message, const AString &identifier, Found *found);
+  bool find_body (const XMLTree &message, const EnumString &names, const AString &identifier, Found *found);
+  template <class Body>
+  bool read (const XMLTree &tree, const AString &identifier, Body *value);
 
   bool error_slot_free_ = true;
   AString first_error_xid_;

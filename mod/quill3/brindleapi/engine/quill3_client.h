@@ -12,7 +12,7 @@ namespace QUILL3 {
 /// who are sending, so that the socket's handle is given back when none of them uses it any more, and what
 /// goes wrong with a link is known of that link alone. Threads: any.
 struct Link {
-  explicit Link (platform::SocketHandle handle) : socket (handle) {}
+  Link () = default;
   Link (const Link &) = delete;
   Link &operator= (const Link &) = delete;
   ~Link () { platform::socket_close (socket); }
@@ -25,7 +25,7 @@ struct Link {
     platform::socket_shutdown (socket);
   }
 
-  const platform::SocketHandle socket;
+  platform::SocketHandle socket = platform::no_socket; ///< constant once others see the link
   std::atomic<bool> closed{false};
   std::atomic<bool> send_failed{false}; ///< the connection's thread ends the link when it sees this
 };
@@ -112,12 +112,12 @@ private:
   void serve () noexcept;
   void connect_once ();
   void poll_once ();
-  void receive (Link &link);
+  void receive (const Link &link);
   void call_idle_function ();
   void disconnect () noexcept;
 
-  std::shared_ptr<Link> current_link ();
-  void replace_link (std::shared_ptr<Link> link);
+  std::shared_ptr<Link> current_link () noexcept;
+  void replace_link (std::shared_ptr<Link> link) noexcept;
   void send_on (Link &link, const char *data, uint64_t length);
 
   std::atomic<uint32_t> server_address_;

@@ -7,7 +7,8 @@
 #include <atomic>
 #include <map>
 #include <memory>
-#include <string_view>
+#include <type_traits>
+#include <utility>
 
 namespace QUILL3 {
 
@@ -58,55 +59,70 @@ private:
   std::atomic<uint32_t> state_{0};
 };
 
-/// The open commands of one connection, by identifier. Any thread. No lock is held while a callback runs, so
-/// a callback may send, and may wait for whatever its own thread does not bring.
+/// The open commands of one connection, by identifier. Any thread. No lock is held while a callback runs.
 class XIDRegistry {
 public:
   using Shared = std::shared_ptr<XIDRegistryEntry>;
 
-  XIDRegistry () = default;
+  XIDRegistry ();
   XIDRegistry (const XIDRegistry &) = delete;
   XIDRegistry &operator= (const XIDRegistry &) = delete;
   /// Lets go of all commands without a word.
   ~XIDRegistry () = default;
 
-  /// Opens a command whose slots are set, under the next identifier of the process.
+  /// Opens a command whose slots are set, under the next free identifier of the process.
   /// @return the identifier for the document. When no slot is set nobody can be waiting: the command is not
   /// entered, and its identifier has `none` in front, which no entry ever has.
   AString issue_id (const Shared &entry);
 
   /// @return the open command of that identifier, or null.
   Shared find_entry (const AString &xid);
-  /// Number of open commands.
+  /// Number of open commands; one whose last callback is running still counts.
   uint32_t outstanding_count ();
 
-  /// Hands a reply to its command. A reply that no open command has asked for is dropped.
+  /// Hands a reply to the slot of the command that it answers. Nothing happens when that command is not open
+  /// or did not ask for this kind, except that a reply which ends commands ends it.
   template <class... Values>
   void fire (const AString &xid, Entry effect, AFunction<void (Values...)> XIDRegistryEntry::*slot,
-             std::type_identity_t<Values>... values);
+             std::type_identity_t<Values>... values) {
+    Shared entry = find_entry (xid);
+    if (entry == nullptr || !(effect == Entry::Ends ? entry->claim () : entry->begin_item ()))
+      return;
+    Finish finish{*this, entry, effect};
+    (entry.get ()->*slot).run (std::move (values)...);
+  }
 
   /// Ends a command without a callback; one that is running goes on. @return false when it was not open.
   bool cancel (const AString &xid);
-  /// Fails one command with an internal fault, unless somebody else has ended it.
-  void fail (const Shared &entry) noexcept;
+  /// Fails one command with "Internal software error", unless somebody else ends it.
+  void fail_with_fault (const Shared &entry) noexcept;
   /// Fails all open commands in text order of their identifiers, those that are opened meanwhile included.
-  /// While one thread does this, others return at once, and their commands are taken along.
+  /// While one thread does this, others return at once and their commands are taken along.
   void fail_all () noexcept;
 
 private:
-  // Takes an ended command out of the table, whatever way its callback was left.
-  struct Release {
+  // Behind a reply's callback, whatever way it was left.
+  struct Finish {
     XIDRegistry &registry;
     const Shared &entry;
-    ~Release () { registry.remove_entry (entry); }
+    Entry effect;
+    ~Finish () {
+      if (effect == Entry::Ends)
+        registry.remove_entry (entry);
+      else
+        registry.end_item (entry);
+    }
   };
 
-  bool enter (const Shared &entry, uint32_t number);
+  AString free_number ();
+  void enter (const Shared &entry);
   void remove_entry (const Shared &entry) noexcept;
-  Shared first_to_fail ();
-  static void tell_failure (const Shared &entry, const AString &text) noexcept;
+  void end_item (const Shared &entry) noexcept;
+  Shared first_to_fail () noexcept;
+  void fail (const Shared &entry, const AString &text) noexcept;
+  static void tell (const Shared &entry, const AString &text) noexcept;
 
-  AMutex lock_;
+  AMutex lock_; ///< recursive
   std::map<AString, Shared> entries_ KELVANE_GUARDED_BY (lock_);
   std::atomic<bool> failing_{false};
 };

@@ -1,0 +1,88 @@
+#include "engine/quill3_api.h"
+
+#include "engine/xid_registry.h"
+
+namespace QUILL3 {
+
+namespace {
+
+enum class CommandNumber : uint32_t {
+#define COMMAND(name, ...) name,
+#include "engine/commands.inc"
+};
+
+const AString *make_command_names () {
+  auto *names = new AString[command_count];
+#define COMMAND(name, ...) names[static_cast<uint32_t> (CommandNumber::name)] = #name;
+#include "engine/commands.inc"
+  return names;
+}
+
+// Each wire name is one text for the whole process.
+const AString &command_name (CommandNumber number) {
+  static const AString *names = make_command_names ();
+  return names[static_cast<uint32_t> (number)];
+}
+
+} // namespace
+
+API::API () : registry_ (new XIDRegistry) {}
+
+API::~API () = default;
+
+uint32_t API::outstanding_count () {
+  return registry_->outstanding_count ();
+}
+
+bool API::cancel_command (const AString &xid) {
+  return registry_->cancel (xid);
+}
+
+void API::fail_all_commands () noexcept {
+  registry_->fail_all ();
+}
+
+// The command is open before its first byte leaves, so that no reply can overtake it and a failure finds it.
+AString API::open_command (const Shared &entry, const AString &name, const Rows &rows,
+                           const void *arguments) {
+  AString xid = registry_->issue_id (entry);
+  try {
+    send_command (xid, name, rows, arguments);
+  } catch (...) { // out of memory: whoever waits for the command has to be told
+    if (!entry->is_awaited ())
+      throw;
+    registry_->fail_with_fault (entry);
+  }
+  return xid;
+}
+
+#define EMPTY(context, reply) callback::reply ()
+#define PARAMETER(context, reply) callback::reply reply
+#define SET(context, reply) entry->reply = reply;
+#define COMMAND(name, ...)                                                                                   \
+  AString API::name (const command::name &arguments) {                                                       \
+    return name (arguments, EACH (EMPTY, , __VA_ARGS__), callback::error ());                                \
+  }                                                                                                          \
+  AString API::name (const command::name &arguments, EACH (PARAMETER, , __VA_ARGS__),                        \
+                     callback::error error) {                                                                \
+    auto entry = std::make_shared<XIDRegistryEntry> ();                                                      \
+    EACH_DO (SET, , __VA_ARGS__)                                                                             \
+    entry->error = error;                                                                                    \
+    return open_command (entry, command_name (CommandNumber::name), rows_of (&arguments), &arguments);       \
+  }
+#include "engine/commands.inc"
+#undef EMPTY
+#undef PARAMETER
+#undef SET
+
+#define PARAMETER(body_name, tag) decltype (body::body_name::tag) given_##tag
+#define VALUE(context, tag) std::move (given_##tag)
+#define REPLY(name, entry, ...)                                                                              \
+  void API::on_##name (AString xid __VA_OPT__ (, EACH (PARAMETER, name, __VA_ARGS__))) {                     \
+    registry_->fire (xid, Entry::entry, &XIDRegistryEntry::name __VA_OPT__ (, EACH (VALUE, , __VA_ARGS__))); \
+  }
+#include "engine/replies.inc"
+#undef PARAMETER
+#undef VALUE
+
+} // namespace QUILL3

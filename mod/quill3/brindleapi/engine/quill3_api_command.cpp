@@ -1,0 +1,29 @@
+#include "engine/quill3_api_command.h"
+
+#include "base/abuffer.h"
+#include "base/amethod.h"
+
+namespace QUILL3 {
+
+APICommand::APICommand () : send_lock_ (new AMutex) {}
+
+APICommand::~APICommand () = default;
+
+void APICommand::send_command (const AString &xid, const AString &name, const Rows &rows,
+                               const void *arguments) {
+  send_document (make_document (xid, name, rows, arguments));
+}
+
+void APICommand::send_document (const XMLTree &document) {
+  send_hook_.run (document);
+  AMutexScope hold (*send_lock_);
+  write_document (document);
+}
+
+void APICommand::write_document (const XMLTree &document) {
+  ABuffer buffer (AMethod::bind (this, &APICommand::send_bytes));
+  document.write_to (buffer.sink (), XMLLines, true);
+  buffer.flush ();
+}
+
+} // namespace QUILL3

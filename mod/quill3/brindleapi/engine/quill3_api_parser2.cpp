@@ -1,0 +1,77 @@
+#include "engine/quill3_api_parser2.h"
+
+#include "base/kelvane_assert.h"
+
+namespace QUILL3 {
+
+namespace {
+
+constexpr uint64_t buffer_size = 32768;
+
+XMLNameTable *make_known_names () {
+  auto *names = new XMLNameTable;
+  for (uint32_t tag = 0; tag != tag_count; ++tag)
+    names->add (tag_names ()[tag]);
+  for (uint32_t number = 0; number != body_count; ++number)
+    names->add (
+        (number < reply_count ? APIParser::reply_bodies () : APIParser::report_bodies ()).text_of (number));
+  return names;
+}
+
+// The names that messages are made of, so that a received element costs no text for its name.
+const XMLNameTable *known_names () {
+  static const XMLNameTable *names = make_known_names ();
+  return names;
+}
+
+} // namespace
+
+APIParser2::APIParser2 () : stream_ (buffer_size) {
+  stream_.add_element_name ("reply");
+  stream_.add_element_name ("report");
+  stream_.set_names (known_names ());
+  reset_stream ();
+}
+
+void APIParser2::feed_bytes (const char *bytes, uint64_t length) {
+  if (stream_failed_)
+    return;
+  abort_take_ = false;
+  while (length != 0) {
+    uint64_t consume = stream_.feed (length, bytes);
+    if (consume == 0) { // the buffer is full and holds no whole message
+      stream_failed_ = true;
+      return;
+    }
+    if (!KELVANE_ASSERT (consume <= length))
+      return;
+    bytes += consume;
+    length -= consume;
+    if (!take_messages ())
+      return;
+  }
+}
+
+// The stream is asked whether it has failed after each attempt, so that an element which is refused latches
+// in the very feed that completed it.
+bool APIParser2::take_messages () {
+  while (!abort_take_) {
+    XMLTree message = stream_.next_element ();
+    if (stream_.is_failed ()) {
+      stream_failed_ = true;
+      return false;
+    }
+    if (message.is_null ())
+      break;
+    dispatch_message (message);
+  }
+  return true;
+}
+
+void APIParser2::reset_stream () {
+  abort_take_ = true;
+  stream_failed_ = false;
+  stream_.reset ();
+}
+
+} // namespace QUILL3

@@ -1,0 +1,264 @@
+#include "engine/quill3_client.h"
+
+#include "platform/clocks.h"
+#include "platform/threads.h"
+
+#include <algorithm>
+#include <new>
+
+namespace QUILL3 {
+
+namespace {
+
+constexpr unsigned connect_delay = 100; // milliseconds before each attempt
+constexpr unsigned read_wait = 1000;    // milliseconds of one wait for bytes
+constexpr unsigned join_delay = 1;      // milliseconds between looks at the thread that is to end
+constexpr size_t read_size = 2048;      // bytes of one read
+constexpr uint64_t largest_send = 0x7FFFFFFF;
+constexpr uint32_t idle_limit = 4; // open commands that keep the idle function from running
+
+} // namespace
+
+struct Client::StartBlock {
+  Client *client;
+  int32_t priority;
+};
+
+Client::Client () : Client (default_server_address) {}
+
+Client::Client (uint32_t server_address) : server_address_ (server_address), stop_signal_ (false) {
+  platform::sockets_start ();
+}
+
+Client::~Client () {
+  stop_and_join ();
+}
+
+void Client::start_thread (int32_t priority) {
+  if (thread_running_.exchange (true))
+    return;
+  auto *block = new (std::nothrow) StartBlock{this, priority};
+  if (block != nullptr && platform::thread_start (&Client::run_thread, block, platform::small_stack))
+    return;
+  delete block;
+  thread_running_ = false;
+}
+
+void Client::set_idle_function (uint32_t seconds, AFunction<void ()> function) {
+  AMutexScope hold (idle_lock_);
+  idle_interval_ = seconds;
+  idle_function_ = function;
+}
+
+// -- The end
+
+bool Client::is_own_thread () const {
+  return thread_number_ == platform::thread_number ();
+}
+
+void Client::stop_and_join () noexcept {
+  stop_requested_ = true;
+  wake_up_.set ();
+  stop_signal_.post ();
+  if (std::shared_ptr<Link> link = current_link ())
+    link->close (); // the thread may be waiting in a send
+  if (is_own_thread ())
+    return;
+  while (thread_running_)
+    platform::sleep_milliseconds (join_delay);
+}
+
+bool Client::defer_destruction (void (*destroy) (void *), void *holder) noexcept {
+  if (!thread_running_ || !is_own_thread ())
+    return false;
+  destroy_ = destroy;
+  holder_ = holder;
+  stop_requested_ = true;
+  set_abort_take ();
+  return true;
+}
+
+// -- The connection's thread
+
+// Either this object outlives the thread, whose last act is to say that it has left, or the thread outlives
+// the object, whose last reference fell on it.
+void Client::run_thread (void *start_block) {
+  StartBlock block = *static_cast<StartBlock *> (start_block);
+  delete static_cast<StartBlock *> (start_block);
+  Client *client = block.client;
+  client->thread_number_ = platform::thread_number ();
+  platform::thread_set_priority (block.priority);
+  client->main_loop ();
+  client->replace_link (nullptr);
+  if (client->destroy_ != nullptr)
+    client->destroy_ (client->holder_);
+  else
+    client->thread_running_ = false;
+}
+
+void Client::main_loop () noexcept {
+  while (!stop_requested_) {
+    stop_signal_.wait (connect_delay);
+    serve ();
+  }
+}
+
+// What is thrown on the way, by an allocation that failed, costs the link and no more: its commands are told,
+// and a new one starts clean.
+void Client::serve () noexcept {
+  try {
+    if (!stop_requested_)
+      connect_once ();
+    while (!stop_requested_ && connected_)
+      poll_once ();
+  } catch (...) {
+    disconnect ();
+  }
+}
+
+void Client::connect_once () {
+  if (connected_)
+    return;
+  auto link = std::make_shared<Link> ();
+  link->socket = platform::socket_open ();
+  if (!platform::socket_connect (link->socket, server_address_, server_port, wake_up_))
+    return;
+  platform::socket_set_no_delay (link->socket);
+  replace_link (link);
+  connected_ = true;
+  last_idle_time_ = seconds_now ();
+  if (!stop_requested_)
+    on_connected ();
+}
+
+void Client::poll_once () {
+  std::shared_ptr<Link> link = current_link ();
+  if (link->send_failed)
+    return disconnect ();
+  call_idle_function ();
+  if (stop_requested_ || !connected_)
+    return;
+  switch (platform::socket_wait_readable (link->socket, read_wait, wake_up_)) {
+  case platform::Ready::timed_out:
+  case platform::Ready::woken:
+    return;
+  case platform::Ready::readable:
+    return receive (*link);
+  case platform::Ready::failed:
+    return disconnect ();
+  }
+}
+
+void Client::receive (const Link &link) {
+  char bytes[read_size];
+  int64_t count = platform::socket_receive (link.socket, bytes, sizeof bytes);
+  if (count > 0 && !stop_requested_)
+    feed_bytes (bytes, static_cast<uint64_t> (count));
+  if (count <= 0 || stream_failed ())
+    disconnect ();
+}
+
+void Client::call_idle_function () {
+  AFunction<void ()> function;
+  uint32_t interval = 0;
+  {
+    AMutexScope hold (idle_lock_);
+    function = idle_function_;
+    interval = idle_interval_;
+  }
+  if (function.is_empty () || outstanding_count () >= idle_limit)
+    return;
+  int64_t now = seconds_now ();
+  if (static_cast<uint32_t> (now - last_idle_time_) < interval)
+    return;
+  last_idle_time_ = now;
+  function.run ();
+}
+
+// Once the end has begun nothing is told to anyone any more: destruction is no failure.
+void Client::disconnect () noexcept {
+  if (stop_requested_)
+    return;
+  if (std::shared_ptr<Link> link = current_link ())
+    link->close ();
+  replace_link (nullptr);
+  connected_ = false;
+  fail_all_commands ();
+  reset_stream ();
+  if (!stop_requested_)
+    on_disconnected ();
+}
+
+// -- Sending
+
+std::shared_ptr<Link> Client::current_link () noexcept {
+  AMutexScope hold (link_lock_);
+  return link_;
+}
+
+void Client::replace_link (std::shared_ptr<Link> link) noexcept {
+  AMutexScope hold (link_lock_);
+  link_.swap (link);
+}
+
+void Client::write_document (const XMLTree &document) {
+  struct Bound {
+    explicit Bound (Client &client) : binding (client.binding_), before (std::move (binding)) {
+      binding = {true, false, client.current_link ()};
+    }
+    ~Bound () { binding = std::move (before); }
+    Binding &binding;
+    Binding before;
+  };
+  Bound bound (*this);
+  try {
+    API::write_document (document);
+  } catch (...) {
+    // A document that was cut off must not be followed by another on the same link.
+    if (binding_.begun)
+      binding_.link->send_failed = true;
+    throw;
+  }
+}
+
+void Client::send_bytes (const void *data, uint64_t length) {
+  std::shared_ptr<Link> link = binding_.in_document ? binding_.link : current_link ();
+  if (link == nullptr || !link->is_up ()) {
+    if (!stop_requested_)
+      fail_all_commands ();
+    return;
+  }
+  binding_.begun = true;
+  send_on (*link, static_cast<const char *> (data), length);
+}
+
+// The place moves by what remains, not by what was sent: a send that takes a part goes on from there, which
+// is how this transport has always been. It makes no difference for a send that takes all, and the platform's
+// either does or fails. A place from which the rest would reach beyond the bytes given is a failed send.
+void Client::send_on (Link &link, const char *data, uint64_t length) {
+  uint64_t place = 0;
+  uint64_t remaining = length;
+  while (remaining != 0) {
+    if (place > length - remaining) {
+      link.send_failed = true;
+      return;
+    }
+    int64_t sent = transmit (link.socket, data + place, std::min (remaining, largest_send));
+    if (sent < 1) {
+      link.send_failed = true;
+      return;
+    }
+    remaining -= std::min (remaining, static_cast<uint64_t> (sent));
+    place += remaining;
+  }
+}
+
+int64_t Client::transmit (platform::SocketHandle socket, const void *data, uint64_t length) {
+  return platform::socket_send (socket, data, length);
+}
+
+int64_t Client::seconds_now () {
+  return platform::seconds_since_1970 ();
+}
+
+} // namespace QUILL3
