@@ -32,8 +32,8 @@ Post semaphore_post (SemaphoreHandle semaphore, unsigned count) noexcept;
 MutexHandle mutex_create () noexcept;
 /// Frees a mutex that nobody holds. Null is ignored.
 void mutex_close (MutexHandle mutex) noexcept;
-/// Waits without limit. @return true when the calling thread holds the mutex now; false for a null handle or
-/// a mutex whose last owner ended without giving it back, where the system tells.
+/// Waits without limit. @return true when the calling thread holds the mutex now; false for a null handle,
+/// and once for a mutex whose owner ended without giving it back: nobody holds it then.
 bool mutex_lock (MutexHandle mutex) noexcept;
 /// Gives back one level. @return false for a null handle or a thread that does not hold the mutex.
 bool mutex_unlock (MutexHandle mutex) noexcept;

@@ -125,6 +125,7 @@ platform::MutexHandle platform::mutex_create () noexcept {
     return nullptr;
   auto *mutex = new (std::nothrow) pthread_mutex_t;
   if (mutex != nullptr && (pthread_mutexattr_settype (&attributes, PTHREAD_MUTEX_RECURSIVE) != 0 ||
+                           pthread_mutexattr_setrobust (&attributes, PTHREAD_MUTEX_ROBUST) != 0 ||
                            pthread_mutex_init (mutex, &attributes) != 0)) {
     delete mutex;
     mutex = nullptr;
@@ -140,8 +141,17 @@ void platform::mutex_close (MutexHandle handle) noexcept {
   delete of (handle);
 }
 
+// A mutex whose owner ended is put right and given back: the caller is told that it holds nothing, and the
+// next one must not wait for it.
 bool platform::mutex_lock (MutexHandle handle) noexcept {
-  return handle != nullptr && pthread_mutex_lock (of (handle)) == 0;
+  if (handle == nullptr)
+    return false;
+  int error = pthread_mutex_lock (of (handle));
+  if (error == EOWNERDEAD) {
+    pthread_mutex_consistent (of (handle));
+    pthread_mutex_unlock (of (handle));
+  }
+  return error == 0;
 }
 
 bool platform::mutex_unlock (MutexHandle handle) noexcept {

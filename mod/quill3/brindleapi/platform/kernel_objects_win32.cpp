@@ -52,6 +52,8 @@ void platform::mutex_close (MutexHandle handle) noexcept {
     CloseHandle (of (handle));
 }
 
+// A mutex whose owner ended is given back: the caller is told that it holds nothing, and the next one must
+// not wait for it.
 bool platform::mutex_lock (MutexHandle handle) noexcept {
   if (handle == nullptr)
     return false;
@@ -59,6 +61,8 @@ bool platform::mutex_lock (MutexHandle handle) noexcept {
   do
     result = WaitForSingleObjectEx (of (handle), INFINITE, FALSE);
   while (result == WAIT_IO_COMPLETION);
+  if (result == WAIT_ABANDONED)
+    ReleaseMutex (of (handle));
   return result == WAIT_OBJECT_0;
 }
 

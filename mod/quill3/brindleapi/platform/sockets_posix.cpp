@@ -102,7 +102,7 @@ SocketHandle platform::socket_open () noexcept {
 
 bool platform::socket_connect (SocketHandle socket, uint32_t address, uint16_t port,
                                const WakeUp &wake_up) noexcept {
-  return set_blocking (socket, false) && begin_connect (socket, address, port) &&
+  return socket != no_socket && set_blocking (socket, false) && begin_connect (socket, address, port) &&
          wait_for (socket, POLLOUT, no_end, wake_up) == Ready::readable && has_no_error (socket) &&
          set_blocking (socket, true);
 }
@@ -114,6 +114,8 @@ void platform::socket_set_no_delay (SocketHandle socket) noexcept {
 
 Ready platform::socket_wait_readable (SocketHandle socket, unsigned milliseconds,
                                       const WakeUp &wake_up) noexcept {
+  if (socket == no_socket)
+    return Ready::failed;
   return wait_for (socket, POLLIN, steady_milliseconds () + milliseconds, wake_up);
 }
 

@@ -86,9 +86,9 @@ Ready wait_for (SocketHandle socket, bool connecting, int64_t end, const WakeUp 
     add (socket, connecting ? writes : reads);
     if (connecting)
       add (socket, errors);
-    timeval time =
-        timeval_of (wake_up.descriptor () == platform::no_socket ? std::min (left, look_every) : left);
-    int ready = select (0, &reads, &writes, &errors, left == no_end && time.tv_sec != 0 ? nullptr : &time);
+    int64_t look = wake_up.descriptor () == platform::no_socket ? std::min (left, look_every) : left;
+    timeval time = timeval_of (look);
+    int ready = select (0, &reads, &writes, &errors, look == no_end ? nullptr : &time);
     if (wake_up.is_set ())
       return Ready::woken;
     if (ready == SOCKET_ERROR)
