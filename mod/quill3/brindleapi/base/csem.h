@@ -14,6 +14,9 @@ public:
   csem &operator= (const csem &) = delete;
   ~csem ();
 
+  /// Whether the system had a semaphore to give.
+  bool is_valid () const noexcept { return sem_ != nullptr; }
+
   /// Takes one off the count, waiting at most @p milliseconds; `INFINITE_TIME` waits for ever, 0 only looks.
   /// @return true when the count was taken, false when the time ran out. Interruptions do not shorten the
   /// wait.

@@ -1,0 +1,199 @@
+#pragma once
+
+#include "api/results.h"
+#include "base/aref.h"
+#include "base/atomic_unsigned.h"
+#include "base/bsem.h"
+#include "engine/quill3_client.h"
+#include "orva.h"
+
+#include <atomic>
+
+/// The library's view of one server: the protocol's client, with one operation for each exported function,
+/// and the completion objects that turn the protocol's callbacks into blocking calls.
+///
+/// An operation is a static function that takes the connection by value as its first argument, so that it
+/// lives for the length of the call whatever other threads close; its other arguments and its result are
+/// those of the export. Each family stands in a source file of its own.
+///
+/// Counted: the registry holds one reference, each running export another, and each completion object a
+/// third. Threads: operations run on any thread; report handlers, completions and `on_connected` on the
+/// connection's own.
+class OrvaConnObject : public QUILL3::Client {
+public:
+  // --- Lifecycle (orva_lifecycle.cpp)
+
+  /// Number of channels that callers know.
+  static constexpr uint32_t channel_count = 8;
+
+  /// Not started, with 127.0.0.1 as its server.
+  OrvaConnObject ();
+
+  /// Stops the connection's thread and waits for it before any member goes. Not on that thread: a last
+  /// reference that falls there is kept until the thread has left its loop.
+  ~OrvaConnObject () override;
+
+  /// Sets the server's address (IPv4, host byte order) and starts the thread, a little below normal priority.
+  void start (uint32_t address);
+
+  /// Registers the reports of changes to clips, or to directories, unless that has been done; then the
+  /// registration is repeated on each new connection, for the life of the object. Waits in any case.
+  static ResultCode track_clip_reports (ARef<OrvaConnObject> self);
+  static ResultCode track_directory_reports (ARef<OrvaConnObject> self);
+
+  // --- Completion objects (completions.h, completions.cpp)
+
+  class CBBaseObject;
+  class CBOkObject;
+  class CBServerNameObject;
+  class CBVideoStandardObject;
+  class CBDiskSpaceObject;
+  template <class T>
+  class CBRef;
+
+  /// For ordinary commands: with a semaphore unless the connection is asynchronous.
+  static CBRef<CBOkObject> make_completion (const ARef<OrvaConnObject> &self);
+
+  /// For registrations, which the library must see finish: always with a semaphore.
+  static CBRef<CBOkObject> make_forced_completion (const ARef<OrvaConnObject> &self);
+
+  /// For commands that return data: always with a semaphore. @tparam T the completion class.
+  template <class T>
+  static CBRef<T> make_query (const ARef<OrvaConnObject> &self);
+
+  // --- Waiting or not (orva_lifecycle.cpp)
+
+  static void synchronous (ARef<OrvaConnObject> self, uint32_t flag);
+  static void sync (ARef<OrvaConnObject> self);
+
+  // --- Transport and gangs (orva_transport.cpp)
+
+  static ResultCode cmd_play1 (ARef<OrvaConnObject> self, uint32_t channel);
+  static ResultCode cmd_play2 (ARef<OrvaConnObject> self, uint32_t channel, double speed);
+  static ResultCode cmd_play3 (ARef<OrvaConnObject> self, uint32_t channel, double speed,
+                               uint32_t min_latency);
+  static ResultCode cmd_gang_play1 (ARef<OrvaConnObject> self, uint32_t mask);
+  static ResultCode cmd_gang_play2 (ARef<OrvaConnObject> self, uint32_t mask, double speed);
+  static ResultCode cmd_gang_play3 (ARef<OrvaConnObject> self, uint32_t mask, double speed,
+                                    uint32_t min_latency);
+  static ResultCode cmd_stop1 (ARef<OrvaConnObject> self, uint32_t channel);
+  static ResultCode cmd_stop2 (ARef<OrvaConnObject> self, uint32_t channel, uint32_t min_latency);
+  static ResultCode cmd_gang_stop1 (ARef<OrvaConnObject> self, uint32_t mask);
+  static ResultCode cmd_gang_stop2 (ARef<OrvaConnObject> self, uint32_t mask, uint32_t min_latency);
+  static ResultCode jog1 (ARef<OrvaConnObject> self, uint32_t channel, int32_t distance);
+  static ResultCode jog2 (ARef<OrvaConnObject> self, uint32_t channel, int32_t distance,
+                          uint32_t min_latency);
+  static ResultCode gang_jog1 (ARef<OrvaConnObject> self, uint32_t mask, int32_t distance);
+  static ResultCode gang_jog2 (ARef<OrvaConnObject> self, uint32_t mask, int32_t distance,
+                               uint32_t min_latency);
+  static ResultCode goto1 (ARef<OrvaConnObject> self, uint32_t channel, uint32_t position);
+  static ResultCode goto2 (ARef<OrvaConnObject> self, uint32_t channel, uint32_t position,
+                           uint32_t min_latency);
+  static ResultCode gang_goto1 (ARef<OrvaConnObject> self, uint32_t mask, uint32_t position);
+  static ResultCode gang_goto2 (ARef<OrvaConnObject> self, uint32_t mask, uint32_t position,
+                                uint32_t min_latency);
+
+  static ResultCode cmd_loadclip1 (ARef<OrvaConnObject> self, uint32_t channel, const orva_char *clip);
+  static ResultCode cmd_loadclip2 (ARef<OrvaConnObject> self, uint32_t channel, const orva_char *clip,
+                                   uint32_t repeat);
+  static ResultCode cmd_loadclip3 (ARef<OrvaConnObject> self, uint32_t channel, const orva_char *clip,
+                                   uint32_t repeat, uint32_t position);
+  static ResultCode cmd_loadclip4 (ARef<OrvaConnObject> self, uint32_t channel, const orva_char *clip,
+                                   uint32_t repeat, uint32_t position, uint32_t loop_in,
+                                   uint32_t clip_position);
+  static ResultCode cmd_loadclip5 (ARef<OrvaConnObject> self, uint32_t channel, const orva_char *clip,
+                                   uint32_t angle);
+  static ResultCode cmd_loadclip6 (ARef<OrvaConnObject> self, uint32_t channel, const orva_char *clip,
+                                   uint32_t angle, uint32_t position);
+  static ResultCode cmd_loadclip7 (ARef<OrvaConnObject> self, uint32_t channel, const orva_char *clip,
+                                   uint32_t angle, uint32_t position, uint32_t clip_position);
+  static ResultCode precue1 (ARef<OrvaConnObject> self, uint32_t channel, const orva_char *clip,
+                             uint32_t condition);
+  static ResultCode precue2 (ARef<OrvaConnObject> self, uint32_t channel, const orva_char *clip,
+                             uint32_t condition, uint32_t position);
+  static ResultCode precue3 (ARef<OrvaConnObject> self, uint32_t channel, const orva_char *clip,
+                             uint32_t condition, uint32_t position, uint32_t length);
+  static ResultCode precue4 (ARef<OrvaConnObject> self, uint32_t channel, const orva_char *clip,
+                             uint32_t condition, uint32_t position, uint32_t loop_in, uint32_t length);
+  static ResultCode precue_clear1 (ARef<OrvaConnObject> self, uint32_t channel);
+  static ResultCode precue_activate1 (ARef<OrvaConnObject> self, uint32_t channel);
+  static ResultCode gang_precue_activate1 (ARef<OrvaConnObject> self, uint32_t mask);
+
+  static ResultCode take1 (ARef<OrvaConnObject> self, uint32_t channel, uint32_t type, uint32_t duration);
+  static ResultCode take2 (ARef<OrvaConnObject> self, uint32_t channel, uint32_t type, uint32_t duration,
+                           uint32_t follow);
+  static ResultCode go_live1 (ARef<OrvaConnObject> self, uint32_t channel);
+  static ResultCode go_live2 (ARef<OrvaConnObject> self, uint32_t channel, uint32_t angle);
+  static ResultCode go_live3 (ARef<OrvaConnObject> self, uint32_t channel, const orva_char *clip);
+  static ResultCode go_live4 (ARef<OrvaConnObject> self, uint32_t channel, const orva_char *clip,
+                              uint32_t angle);
+  static ResultCode angle1 (ARef<OrvaConnObject> self, uint32_t channel, uint32_t angle);
+  static ResultCode set_out1 (ARef<OrvaConnObject> self, uint32_t channel, uint32_t position);
+  static ResultCode clear_out (ARef<OrvaConnObject> self, uint32_t channel);
+  static ResultCode set_repeat (ARef<OrvaConnObject> self, uint32_t channel, uint32_t repeat);
+  static ResultCode unload_channel (ARef<OrvaConnObject> self, uint32_t channel);
+
+  static ResultCode edit1 (ARef<OrvaConnObject> self, uint32_t channel, uint32_t edit_bits);
+  static ResultCode gang_edit1 (ARef<OrvaConnObject> self, uint32_t mask, uint32_t edit_bits);
+  static ResultCode ee1 (ARef<OrvaConnObject> self, uint32_t channel, uint32_t edit_bits, uint32_t mode);
+  static ResultCode gang_ee1 (ARef<OrvaConnObject> self, uint32_t mask, uint32_t edit_bits, uint32_t mode);
+
+  // --- Virtual clips (orva_vclips.cpp)
+
+  static ResultCode vclip_create (ARef<OrvaConnObject> self, const orva_char *vclip, uint32_t length);
+  static ResultCode vclip_free (ARef<OrvaConnObject> self, const orva_char *vclip);
+  static ResultCode vclip_modification_start (ARef<OrvaConnObject> self, const orva_char *vclip);
+  static ResultCode vclip_modification_end (ARef<OrvaConnObject> self, const orva_char *vclip);
+  static ResultCode vclip_add_segment1 (ARef<OrvaConnObject> self, const orva_char *vclip,
+                                        const orva_char *clip, uint32_t clip_position, uint32_t track_mask,
+                                        uint32_t vclip_position, uint32_t length);
+  static ResultCode vclip_add_segment2 (ARef<OrvaConnObject> self, const orva_char *vclip,
+                                        const orva_char *clip, uint32_t clip_position, uint32_t track_mask,
+                                        uint32_t vclip_position, uint32_t length, double speed);
+  static ResultCode vclip_clear_segment (ARef<OrvaConnObject> self, const orva_char *vclip,
+                                         uint32_t track_mask, uint32_t vclip_position, uint32_t length);
+  static ResultCode vclip_ripple (ARef<OrvaConnObject> self, const orva_char *vclip, uint32_t track_mask,
+                                  uint32_t vclip_position, int32_t distance);
+  static ResultCode vclip_track_enable (ARef<OrvaConnObject> self, const orva_char *vclip,
+                                        uint32_t track_mask);
+  static ResultCode vclip_cfg_tracks (ARef<OrvaConnObject> self, const orva_char *vclip,
+                                      const orva_char *clip, uint32_t track_mask);
+  static ResultCode cmd_load_vclip1 (ARef<OrvaConnObject> self, uint32_t channel, const orva_char *vclip);
+  static ResultCode cmd_load_vclip2 (ARef<OrvaConnObject> self, uint32_t channel, const orva_char *vclip,
+                                     uint32_t repeat);
+  static ResultCode cmd_load_vclip3 (ARef<OrvaConnObject> self, uint32_t channel, const orva_char *vclip,
+                                     uint32_t repeat, uint32_t position);
+
+  // --- Server information (orva_server.cpp)
+
+  static ResultCode server_name (ARef<OrvaConnObject> self, OrvaStringBuffer name);
+  static ResultCode video_frequency (ARef<OrvaConnObject> self, uint32_t *frequency);
+  static ResultCode video_resolution (ARef<OrvaConnObject> self, uint32_t *resolution);
+  static ResultCode video_standard (ARef<OrvaConnObject> self, uint32_t *standard);
+  static ResultCode disk_usage1 (ARef<OrvaConnObject> self, uint64_t *total, uint64_t *available,
+                                 uint32_t *field_size);
+
+protected:
+  // --- Lifecycle
+
+  /// Registers again, without waiting, what callers have asked for so far: the server forgets with the
+  /// connection, the library does not. On the connection's thread, at the start of each connection.
+  void on_connected () override;
+
+private:
+  // --- Waiting or not
+
+  std::atomic<uint32_t> asynchronous_{0}; ///< not 0: ordinary commands do not wait; read when one starts
+  atomic_unsigned pending_commands_;      ///< completion objects made and not yet finished
+
+  // --- Lifecycle
+
+  static ResultCode ensure_report (const ARef<OrvaConnObject> &self, atomic_unsigned &registered,
+                                   uint32_t report_type);
+
+  // Not 0: the server has been asked for these reports, and is asked again on each new connection.
+  atomic_unsigned clip_reports_registered_;
+  atomic_unsigned directory_reports_registered_;
+
+  bsem spare_semaphore_{false}; ///< lives and dies with the object; nothing waits on it
+};

@@ -1,0 +1,62 @@
+// Birth, connections and end of a connection object, and whether its commands wait.
+#include "api/command_flow.h"
+
+#include "platform/threads.h"
+
+namespace {
+
+constexpr int thread_priority = -1;
+// Members of the enumeration ReportType.
+constexpr uint32_t report_clip_change = 0;
+constexpr uint32_t report_directory_change = 5;
+
+constexpr unsigned sync_poll_milliseconds = 1;
+
+} // namespace
+
+OrvaConnObject::OrvaConnObject () = default;
+
+OrvaConnObject::~OrvaConnObject () {
+  stop_and_join ();
+}
+
+void OrvaConnObject::start (uint32_t address) {
+  set_server_address (address);
+  start_thread (thread_priority);
+}
+
+void OrvaConnObject::on_connected () {
+  if (stop_requested ())
+    return;
+  if (clip_reports_registered_.load () != 0)
+    report_register ({.ReportType = report_clip_change});
+  if (directory_reports_registered_.load () != 0)
+    report_register ({.ReportType = report_directory_change});
+}
+
+ResultCode OrvaConnObject::ensure_report (const ARef<OrvaConnObject> &self, atomic_unsigned &registered,
+                                          uint32_t report_type) {
+  if (registered.load () != 0)
+    return result_ok ();
+  const ResultCode code = forced_command (self, &API::report_register, {.ReportType = report_type});
+  if (code == ORVA_OK)
+    registered.store (1);
+  return code;
+}
+
+ResultCode OrvaConnObject::track_clip_reports (ARef<OrvaConnObject> self) {
+  return ensure_report (self, self->clip_reports_registered_, report_clip_change);
+}
+
+ResultCode OrvaConnObject::track_directory_reports (ARef<OrvaConnObject> self) {
+  return ensure_report (self, self->directory_reports_registered_, report_directory_change);
+}
+
+void OrvaConnObject::synchronous (ARef<OrvaConnObject> self, uint32_t flag) {
+  self->asynchronous_ = flag;
+}
+
+void OrvaConnObject::sync (ARef<OrvaConnObject> self) {
+  while (self->pending_commands_.load () != 0)
+    platform::sleep_milliseconds (sync_poll_milliseconds);
+}
