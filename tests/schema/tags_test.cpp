@@ -324,6 +324,14 @@ TEST (Tags, NamesAreConstantsAndDiffer) {
   EXPECT_TRUE (make_ClipID ("x").name ().shares_store_with (tag_name (Tag::ClipID)));
 }
 
+// Other files' initialisers may run before those of the tables.
+const std::string used_at_load = tag_name (Tag::ClipID).to_std_string () + word_true ().to_std_string () +
+                                 Loop_to_string (3).to_std_string ();
+
+TEST (Tags, AreThereForInitialisersOfOtherFiles) {
+  EXPECT_EQ (used_at_load, "ClipIDtruepingpong");
+}
+
 TEST (Tags, EachIsReadAndWrittenAgain) {
   for (const Sample &sample : samples) {
     AString err ("untouched");
