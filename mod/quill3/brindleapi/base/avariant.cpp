@@ -29,19 +29,20 @@ TextAllocator &texts () {
 
 } // namespace
 
-AVariant::AVariant (const AString &value) : type_ (AVariantString) {
-  storage_ = texts ().get (value);
-}
+AVariant::AVariant (const AString &value)
+    : word_ (reinterpret_cast<uintptr_t> (texts ().get (value))), type_ (AVariantString) {}
 
 AVariant &AVariant::operator= (const AVariant &other) {
   if (this == &other)
     return *this;
   clear ();
-  if (other.type_ == AVariantString)
-    storage_ = texts ().get (*other.storage_);
-  else
+  if (other.type_ == AVariantString) {
+    AVariant copy (*other.storage ());
+    swap (copy);
+  } else {
     word_ = other.word_;
-  type_ = other.type_;
+    type_ = other.type_;
+  }
   return *this;
 }
 
@@ -52,22 +53,13 @@ AVariant &AVariant::operator= (AVariant &&other) noexcept {
 }
 
 void AVariant::swap (AVariant &other) noexcept {
-  const uint64_t mine = type_ == AVariantString ? 0 : word_;
-  AString *const text = type_ == AVariantString ? storage_ : nullptr;
-  if (other.type_ == AVariantString)
-    storage_ = other.storage_;
-  else
-    word_ = other.word_;
-  if (type_ == AVariantString)
-    other.storage_ = text;
-  else
-    other.word_ = mine;
+  std::swap (word_, other.word_);
   std::swap (type_, other.type_);
 }
 
 void AVariant::clear () noexcept {
   if (type_ == AVariantString)
-    texts ().give_back (storage_);
+    texts ().give_back (storage ());
   type_ = AVariantEmpty;
   word_ = 0;
 }
@@ -97,7 +89,7 @@ Number AVariant::get_number (Number otherwise, bool (AString::*parse) (Number *)
   case AVariantEmpty:
     return otherwise;
   case AVariantString:
-    (storage_->*parse) (&parsed);
+    (storage ()->*parse) (&parsed);
     return parsed;
   default:
     return KELVANE_ASSERT (type_ < AVariantString) ? static_cast<Number> (word_) : otherwise;
@@ -121,7 +113,7 @@ bool AVariant::get_bool (bool otherwise) const {
   if (type_ == AVariantEmpty)
     return otherwise;
   if (type_ == AVariantString)
-    return !storage_->is_empty () && !storage_->equals ("0") && !storage_->equals ("false");
+    return !storage ()->is_empty () && !storage ()->equals ("0") && !storage ()->equals ("false");
   return KELVANE_ASSERT (type_ < AVariantString) ? word_ != 0 : otherwise;
 }
 
@@ -129,7 +121,7 @@ AChar AVariant::get_achar (AChar otherwise) const {
   if (type_ == AVariantEmpty)
     return otherwise;
   if (type_ == AVariantString)
-    return storage_->first_char (otherwise);
+    return storage ()->first_char (otherwise);
   return KELVANE_ASSERT (type_ < AVariantString) ? AChar (static_cast<uint32_t> (word_)) : otherwise;
 }
 
@@ -148,7 +140,7 @@ AString AVariant::get_string (const AString &otherwise) const {
   case AVariantChar:
     return AString (AChar (static_cast<uint32_t> (word_)));
   case AVariantString:
-    return KELVANE_ASSERT (storage_ != 0) ? *storage_ : otherwise;
+    return KELVANE_ASSERT (storage () != 0) ? *storage () : otherwise;
   default:
     KELVANE_ASSERT (0);
     return otherwise;
@@ -183,7 +175,7 @@ bool AVariant::equal_of_one_type (const AVariant &a, const AVariant &b) {
   if (a.type_ == AVariantEmpty)
     return true;
   if (a.type_ == AVariantString)
-    return *a.storage_ == *b.storage_;
+    return *a.storage () == *b.storage ();
   return KELVANE_ASSERT (a.type_ < AVariantString) && a.get_uint64 (0) == b.get_uint64 (0);
 }
 

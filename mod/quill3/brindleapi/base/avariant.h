@@ -87,9 +87,8 @@ private:
   Number get_number (Number otherwise, bool (AString::*parse) (Number *) const) const;
   static bool equal_of_one_type (const AVariant &a, const AVariant &b);
 
-  union {
-    uint64_t word_ = 0;
-    AString *storage_; ///< owned; for texts
-  };
+  AString *storage () const { return reinterpret_cast<AString *> (static_cast<uintptr_t> (word_)); }
+
+  uint64_t word_ = 0; ///< the number, or the address of an owned text
   uint32_t type_ = AVariantEmpty;
 };
