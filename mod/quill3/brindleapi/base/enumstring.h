@@ -3,8 +3,11 @@
 
 #include "base/astring.h"
 
+#include <concepts>
 #include <cstddef>
 #include <map>
+
+class AVariant;
 
 /// A row whose spelling is already a text.
 struct EnumStringRow {
@@ -46,6 +49,31 @@ public:
   /// The spelling of a number, else the table's default or `otherwise`.
   AString text_of (uint32_t number) const { return text_of (number, default_spelling_); }
   AString text_of (uint32_t number, const AString &otherwise) const;
+
+  // Lookups of a value whose type is not known (enumstring_variant.cpp).
+
+  /// An integer must be a number of the table; a text may be a spelling, or the decimal text of a number of
+  /// the table. A text that is neither reads as number 0, which succeeds where the table has that number:
+  /// callers rely on it for values that older servers leave empty. `out` receives the number, as above.
+  bool from_variant (const AVariant &value, uint32_t *out = nullptr) const;
+  // Only an AVariant itself selects these: a plain literal means a spelling.
+  template <std::same_as<AVariant> Value>
+  uint32_t value_of (const Value &value) const {
+    return value_of (value, default_number_);
+  }
+  template <std::same_as<AVariant> Value>
+  uint32_t value_of (const Value &value, uint32_t otherwise) const {
+    return from_variant (value, &otherwise), otherwise;
+  }
+  template <std::same_as<AVariant> Value>
+  AString text_of (const Value &value) const {
+    return text_of (value, default_spelling_);
+  }
+  template <std::same_as<AVariant> Value>
+  AString text_of (const Value &value, const AString &otherwise) const {
+    uint32_t number = 0;
+    return from_variant (value, &number) ? text_of (number, otherwise) : otherwise;
+  }
 
 private:
   template <class Row>
