@@ -12,28 +12,28 @@ namespace {
 std::atomic<unsigned> allocations = 0;
 }
 
-void *operator new (size_t size) {
+[[gnu::noinline]] void *operator new (size_t size) {
   ++allocations;
   if (void *memory = std::malloc (size))
     return memory;
   throw std::bad_alloc ();
 }
-void *operator new (size_t size, std::align_val_t) {
+[[gnu::noinline]] void *operator new (size_t size, std::align_val_t) {
   ++allocations;
   if (void *memory = std::malloc (size)) // 16 bytes is what malloc gives and what a node needs
     return memory;
   throw std::bad_alloc ();
 }
-void operator delete (void *memory) noexcept {
+[[gnu::noinline]] void operator delete (void *memory) noexcept {
   std::free (memory);
 }
-void operator delete (void *memory, size_t) noexcept {
+[[gnu::noinline]] void operator delete (void *memory, size_t) noexcept {
   std::free (memory);
 }
-void operator delete (void *memory, std::align_val_t) noexcept {
+[[gnu::noinline]] void operator delete (void *memory, std::align_val_t) noexcept {
   std::free (memory);
 }
-void operator delete (void *memory, size_t, std::align_val_t) noexcept {
+[[gnu::noinline]] void operator delete (void *memory, size_t, std::align_val_t) noexcept {
   std::free (memory);
 }
 
