@@ -1,0 +1,106 @@
+#pragma once
+
+#include "engine/quill3_api.h"
+#include "engine/recorder.h"
+
+#include <algorithm>
+#include <list>
+#include <mutex>
+#include <string>
+#include <vector>
+
+/// Writes down, in order, what callbacks were given: `N` followed by the values, for a callback made under
+/// the name N. Any thread; it must outlive its callbacks.
+class Notes {
+public:
+  std::vector<std::string> lines () const {
+    std::lock_guard hold (lock_);
+    return lines_;
+  }
+  size_t count () const { return lines ().size (); }
+  size_t count (const std::string &line) const {
+    std::vector<std::string> all = lines ();
+    return static_cast<size_t> (std::count (all.begin (), all.end (), line));
+  }
+  void add (const std::string &line) {
+    std::lock_guard hold (lock_);
+    lines_.push_back (line);
+  }
+  std::vector<std::string> take () {
+    std::lock_guard hold (lock_);
+    return std::exchange (lines_, {});
+  }
+
+  /// A callback of any kind: `notes.make<callback::clipid> ("clip")`.
+  template <class Callback>
+  Callback make (const std::string &name) {
+    return Maker<Callback>::bind (remember (name));
+  }
+  QUILL3::callback::ok ok (const std::string &name = "ok") { return make<QUILL3::callback::ok> (name); }
+  QUILL3::callback::error error (const std::string &name = "error") {
+    return make<QUILL3::callback::error> (name);
+  }
+
+private:
+  struct Named {
+    Notes *notes;
+    std::string name;
+  };
+  template <class Callback>
+  struct Maker;
+  template <class... A>
+  struct Maker<AFunction<void (A...)>> {
+    static AFunction<void (A...)> bind (Named *named) {
+      return AFunction<void (A...)>::with_pointer (&call, named);
+    }
+    static void call (void *given, A... values) {
+      auto *named = static_cast<Named *> (given);
+      std::string line = named->name;
+      ((line += " " + show::text (values)), ...);
+      named->notes->add (line);
+    }
+  };
+
+  Named *remember (const std::string &name) {
+    std::lock_guard hold (lock_);
+    return &names_.emplace_back (Named{this, name});
+  }
+
+  mutable std::mutex lock_;
+  std::vector<std::string> lines_;
+  std::list<Named> names_;
+};
+
+/// The protocol engine on a wire that the test holds in its hands: what is sent is kept, what is received is
+/// fed.
+class WireInHand : public QUILL3::API {
+public:
+  std::string sent;                ///< all bytes
+  std::vector<std::string> pieces; ///< as they were handed over
+  bool link_is_up = true;
+
+  void receive (const std::string &bytes) { feed_bytes (bytes.data (), bytes.size ()); }
+  void reply (const AString &xid, const std::string &body) {
+    receive ("<reply><xid>" + xid.to_std_string () + "</xid>" + body + "</reply>");
+  }
+  std::string take_sent () {
+    pieces.clear ();
+    return std::exchange (sent, {});
+  }
+
+protected:
+  void send_bytes (const void *data, uint64_t length) override {
+    if (!link_is_up) {
+      fail_all_commands ();
+      return;
+    }
+    pieces.emplace_back (static_cast<const char *> (data), length);
+    sent += pieces.back ();
+  }
+};
+
+inline uint64_t number_of (const AString &xid) {
+  uint64_t number = 0;
+  xid.strip_prefix ("none").to_uint64 (&number);
+  return number;
+}
