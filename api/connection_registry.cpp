@@ -1,18 +1,22 @@
 #include "api/connection_registry.h"
 
 #include "base/amutex.h"
-#include "base/atomic_unsigned.h"
 
 #include <map>
+#include <new>
 #include <utility>
 
-uint32_t next_unique_number () {
-  static constinit atomic_unsigned counter;
+uint32_t draw_number (atomic_unsigned &counter) {
   uint32_t drawn;
   do
     drawn = ++counter;
   while (drawn == 0);
   return drawn;
+}
+
+uint32_t next_unique_number () {
+  static constinit atomic_unsigned counter;
+  return draw_number (counter);
 }
 
 struct ConnectionRegistry::Implementation {
@@ -25,7 +29,10 @@ ConnectionRegistry &ConnectionRegistry::instance () {
   return registry;
 }
 
-ConnectionRegistry::ConnectionRegistry () : implementation_ (std::make_unique<Implementation> ()) {}
+ConnectionRegistry::ConnectionRegistry () : implementation_ (std::make_unique<Implementation> ()) {
+  if (!implementation_->lock.is_valid ())
+    throw std::bad_alloc ();
+}
 
 ConnectionRegistry::~ConnectionRegistry () = default;
 

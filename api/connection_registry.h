@@ -3,9 +3,13 @@
 #include "api/conn_object.h"
 #include "api/results.h"
 #include "base/aref.h"
+#include "base/atomic_unsigned.h"
 
 #include <cstdint>
 #include <memory>
+
+/// Counts up by one, passing over 0. @return the new value. Any thread.
+uint32_t draw_number (atomic_unsigned &counter);
 
 /// Draws the next of the numbers that connections, list handles and metadata handles share, so that no two of
 /// them coincide until the counter wraps around. Never 0. Any thread.
@@ -18,6 +22,7 @@ class ConnectionRegistry {
 public:
   static ConnectionRegistry &instance ();
 
+  /// Throws std::bad_alloc when there is no lock to be had.
   ConnectionRegistry ();
   ConnectionRegistry (const ConnectionRegistry &) = delete;
   ConnectionRegistry &operator= (const ConnectionRegistry &) = delete;

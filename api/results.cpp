@@ -2,6 +2,8 @@
 
 #include "platform/threads.h"
 
+#include <new>
+
 namespace {
 
 /// The texts of the codes, made once so that recording one of them allocates nothing.
@@ -23,6 +25,11 @@ ResultCode fixed_result (ResultCode code) {
 }
 
 } // namespace
+
+LastErrorTable::LastErrorTable () {
+  if (!lock_.is_valid ())
+    throw std::bad_alloc ();
+}
 
 LastErrorTable &LastErrorTable::instance () {
   static LastErrorTable &table = *new LastErrorTable;

@@ -17,7 +17,8 @@ class LastErrorTable {
 public:
   static LastErrorTable &instance ();
 
-  LastErrorTable () = default;
+  /// Throws std::bad_alloc when there is no lock to be had.
+  LastErrorTable ();
   LastErrorTable (const LastErrorTable &) = delete;
   LastErrorTable &operator= (const LastErrorTable &) = delete;
 

@@ -17,6 +17,9 @@ public:
   /// Nobody holds it any more.
   ~AMutex () { platform::mutex_close (handle_); }
 
+  /// Whether the system had a mutex to give.
+  bool is_valid () const noexcept { return handle_ != nullptr; }
+
   /// Waits without limit. @return true when the mutex is held now.
   bool lock () noexcept KELVANE_ACQUIRE () KELVANE_NO_THREAD_SAFETY_ANALYSIS {
     return platform::mutex_lock (handle_);

@@ -3,9 +3,14 @@
 #include "base/abuffer.h"
 #include "base/amethod.h"
 
+#include <new>
+
 namespace QUILL3 {
 
-APICommand::APICommand () : send_lock_ (new AMutex) {}
+APICommand::APICommand () : send_lock_ (new AMutex) {
+  if (!send_lock_->is_valid ())
+    throw std::bad_alloc ();
+}
 
 APICommand::~APICommand () = default;
 

@@ -27,6 +27,9 @@ struct Client::StartBlock {
 Client::Client () : Client (default_server_address) {}
 
 Client::Client (uint32_t server_address) : server_address_ (server_address), stop_signal_ (false) {
+  // Without these its thread could neither run nor be ended: then there is no connection at all.
+  if (!link_lock_.is_valid () || !stop_signal_.is_valid ())
+    throw std::bad_alloc ();
   platform::sockets_start ();
 }
 

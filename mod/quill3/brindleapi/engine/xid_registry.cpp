@@ -2,6 +2,8 @@
 
 #include "base/atomic_unsigned.h"
 
+#include <new>
+
 namespace QUILL3 {
 
 namespace {
@@ -68,6 +70,8 @@ bool XIDRegistryEntry::end_item () {
 }
 
 XIDRegistry::XIDRegistry () {
+  if (!lock_.is_valid ())
+    throw std::bad_alloc ();
   failure_text ();
   fault_text ();
 }

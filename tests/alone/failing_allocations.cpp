@@ -1,0 +1,149 @@
+// Memory runs out at each allocation of a call in turn: the call fails with a code, nothing of it is left
+// behind, and the connection goes on.
+#include "orva.h"
+#include "support/fake_server.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+// Allocations of this thread that still succeed while armed.
+thread_local bool armed = false;
+thread_local bool failed = false;
+thread_local unsigned left = 0;
+
+void *allocate (std::size_t size) noexcept {
+  if (armed && left-- == 0) {
+    armed = false;
+    failed = true;
+    return nullptr;
+  }
+  return std::malloc (size != 0 ? size : 1);
+}
+
+} // namespace
+
+void *operator new (std::size_t size) {
+  void *const memory = allocate (size);
+  if (memory == nullptr)
+    throw std::bad_alloc ();
+  return memory;
+}
+void *operator new (std::size_t size, const std::nothrow_t &) noexcept {
+  return allocate (size);
+}
+void operator delete (void *memory) noexcept {
+  std::free (memory);
+}
+void operator delete (void *memory, std::size_t) noexcept {
+  std::free (memory);
+}
+void operator delete (void *memory, const std::nothrow_t &) noexcept {
+  std::free (memory);
+}
+
+namespace {
+
+/// Makes the call with its n-th allocation failing, for n from 0 up, until it needs no more of them. After
+/// each failure calls `check` with what the call gave. @return how many allocations there were to fail.
+template <class Call, class Check>
+unsigned fail_each_allocation (Call call, Check check) {
+  for (unsigned n = 0;; ++n) {
+    left = n;
+    failed = false;
+    armed = true;
+    const uint32_t result = call ();
+    armed = false;
+    if (!failed)
+      return n;
+    SCOPED_TRACE (n);
+    check (result);
+  }
+}
+
+std::string last_error () {
+  orva_char units[64];
+  orva_get_last_error (OrvaStringBuffer{units, 64});
+  std::string ascii;
+  for (const orva_char *unit = units; *unit != 0; ++unit)
+    ascii += char (*unit);
+  return ascii;
+}
+
+class FailingAllocations : public testing::Test {
+protected:
+  FailingAllocations () : connection_ (orva_connect (server_.address ())) {
+    server_.answer_any ("<ok />");
+    server_.answer ("get_computer_name", "<computername><ComputerName>STUDIO1</ComputerName></computername>");
+    orva_wait_until_connected (connection_);
+    orva_cmd_stop1 (connection_, 0);
+  }
+  ~FailingAllocations () override {
+    orva_close (connection_);
+    // The object is gone, so no reference to it was lost.
+    EXPECT_TRUE (server_.wait_until_left ());
+  }
+
+  void expect_usable () {
+    orva_sync (connection_);
+    EXPECT_TRUE (support::wait_until ([this] { return orva_cmd_stop1 (connection_, 0) == ORVA_OK; }));
+  }
+
+  support::FakeServer server_;
+  const uint32_t connection_;
+};
+
+TEST_F (FailingAllocations, OfACommand) {
+  const orva_char clip[] = {'N', 'E', 'W', 'S', 0};
+  const auto call = [&] { return orva_cmd_loadclip3 (connection_, 0, clip, ORVA_REPEAT_LOOP, 5); };
+  const unsigned count = fail_each_allocation (call, [&] (uint32_t code) {
+    EXPECT_EQ (code, ORVA_ERROR);
+    EXPECT_EQ (last_error (), "Internal software error");
+    expect_usable ();
+  });
+  EXPECT_GT (count, 10u);
+}
+
+TEST_F (FailingAllocations, OfAnAsynchronousCommand) {
+  const auto call = [&] {
+    orva_synchronous (connection_, 1);
+    return orva_cmd_play2 (connection_, 0, 1.0);
+  };
+  const unsigned count = fail_each_allocation (call, [&] (uint32_t code) {
+    EXPECT_TRUE (code == ORVA_ERROR || code == ORVA_OK) << "the outcome of what was opened is never seen";
+    orva_synchronous (connection_, 0);
+    expect_usable ();
+  });
+  EXPECT_GT (count, 10u);
+}
+
+TEST_F (FailingAllocations, OfAQuery) {
+  orva_char name[8] = {0};
+  const auto call = [&] { return orva_server_name (connection_, OrvaStringBuffer{name, 8}); };
+  const unsigned count = fail_each_allocation (call, [&] (uint32_t code) {
+    EXPECT_EQ (code, ORVA_ERROR);
+    EXPECT_EQ (name[0], orva_char (0));
+    expect_usable ();
+  });
+  EXPECT_GT (count, 5u);
+  EXPECT_EQ (name[0], orva_char ('S'));
+}
+
+TEST_F (FailingAllocations, OfOpeningAConnection) {
+  uint32_t opened = 0;
+  const auto call = [&] { return opened = orva_connect (server_.address ()); };
+  const unsigned count = fail_each_allocation (call, [&] (uint32_t number) {
+    // 0, which no connection ever has; or, where only its thread could not be had, a connection that stays
+    // down.
+    orva_close (number);
+    expect_usable ();
+  });
+  EXPECT_GT (count, 3u);
+  EXPECT_NE (opened, 0u);
+  orva_close (opened);
+}
+
+} // namespace
