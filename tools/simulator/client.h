@@ -1,10 +1,28 @@
 #pragma once
 
+#include "items.h"
+
+#include <array>
+#include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace sim {
+
+/// A list on its way to the server, item by item.
+struct ListDraft {
+  std::string id;
+  std::vector<Item> items;
+};
+
+/// Items of a loaded list that are about to be moved.
+struct ReorderDraft {
+  int channel = 0;
+  std::vector<std::size_t> items;
+};
 
 /// One connection, as the rest of the server sees it: where answers go, and what the client has asked for.
 /// What is kept here is lost with the connection.
@@ -24,6 +42,14 @@ public:
   const int number;                              ///< for the log
   std::set<int> reports;                         ///< numbers of `ReportType`
   std::set<std::pair<int, int>> channel_reports; ///< channel, number of `ChannelReportType`
+  std::set<int> owed_positions;                  ///< channels whose last position was left out
+  std::map<std::string, std::string> watched;    ///< metadata databases, with the prefix of interest
+  std::set<std::string> watched_keys;            ///< of the user dictionary
+
+  // Commands that go on from the one before, for playlists and chase lists.
+  std::array<std::optional<ListDraft>, 2> list_drafts;
+  std::array<std::optional<ReorderDraft>, 2> reorder_drafts;
+  bool exporting = false;
 };
 
 } // namespace sim

@@ -19,7 +19,14 @@ Handlers all_handlers () {
   Handlers handlers;
   add_server_commands (handlers);
   add_report_commands (handlers);
-  add_channel_commands (handlers);
+  add_transport_commands (handlers);
+  add_cue_commands (handlers);
+  add_clip_commands (handlers);
+  add_vclip_commands (handlers);
+  add_list_commands (handlers);
+  add_listplay_commands (handlers);
+  add_metadata_commands (handlers);
+  add_dictionary_commands (handlers);
   return handlers;
 }
 

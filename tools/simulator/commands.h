@@ -11,12 +11,22 @@ using Handlers = std::unordered_map<std::string_view, Handler>;
 
 void add_server_commands (Handlers &handlers);
 void add_report_commands (Handlers &handlers);
-void add_channel_commands (Handlers &handlers);
+void add_transport_commands (Handlers &handlers);
+void add_cue_commands (Handlers &handlers);
+void add_clip_commands (Handlers &handlers);
+void add_vclip_commands (Handlers &handlers);
+void add_list_commands (Handlers &handlers);
+void add_listplay_commands (Handlers &handlers);
+void add_metadata_commands (Handlers &handlers);
+void add_dictionary_commands (Handlers &handlers);
 
 /// The number of a channel the server has. @throws Refusal for the others.
 int channel_of (const Arguments &arguments);
 
 /// The numbers of all channels in the set. @throws Refusal when the server lacks one of them.
 std::set<int> channels_of (const Arguments &arguments);
+
+/// Tells everyone who watches a key of the user dictionary what it holds now.
+void report_key (World &world, const std::string &key, const std::string &value);
 
 } // namespace sim

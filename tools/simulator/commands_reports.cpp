@@ -6,8 +6,39 @@ namespace sim {
 
 namespace {
 
+// Kinds that have a present value; the others are told of when something happens.
+std::string present_value (const World &world, std::string_view kind) {
+  if (kind == "disk_space")
+    return world.disk_space_body ();
+  if (kind == "temperature")
+    return Writer ().open ("temperature").number ("Temperature10", 415).close ("temperature").take ();
+  Writer out;
+  if (kind == "chase_ltc_timecode" && world.chase_field >= 0) {
+    out.open ("chase_ltc_timecode");
+    write_timecode (out, "Timecode", world, world.chase_field, world.standard.drop_frame);
+    out.close ("chase_ltc_timecode");
+  }
+  if (kind == "ltc_input") // no timecode is plugged in
+    out.open ("ltc_timecode")
+        .open ("Timecode")
+        .boolean ("Valid", false)
+        .close ("Timecode")
+        .close ("ltc_timecode");
+  return out.take ();
+}
+
+// The answer goes first, so that the present values are reports of a registration that stands.
+void register_kinds (Call &call, const std::set<int> &kinds) {
+  call.answer (empty_body ("ok"));
+  for (const int kind : kinds) {
+    call.client.reports.insert (kind);
+    if (const std::string body = present_value (call.world, word_at ("ReportType", kind)); !body.empty ())
+      call.world.send_report (call.client, body);
+  }
+}
+
 void report_register (Call &call) {
-  call.client.reports.insert (call.arguments.word ("ReportType"));
+  register_kinds (call, {call.arguments.word ("ReportType")});
 }
 
 void report_unregister (Call &call) {
@@ -15,7 +46,7 @@ void report_unregister (Call &call) {
 }
 
 void reports_register (Call &call) {
-  call.client.reports.merge (call.arguments.words ("ReportSet"));
+  register_kinds (call, call.arguments.words ("ReportSet"));
 }
 
 void reports_unregister (Call &call) {
@@ -23,7 +54,6 @@ void reports_unregister (Call &call) {
     call.client.reports.erase (kind);
 }
 
-// The answer goes first, so that the present values are reports of a registration that stands.
 void register_channels (Call &call, const std::set<int> &channels, const std::set<int> &kinds) {
   call.answer (empty_body ("ok"));
   for (const int channel : channels)

@@ -11,6 +11,14 @@ int main (int argc, char **argv) {
   app.add_option ("--address", options.address, "IPv4 address to listen on")->capture_default_str ();
   app.add_option ("--name", options.name, "computer name the server gives")->capture_default_str ();
   app.add_option ("--standard", options.standard, "video standard, such as 1080_50i")->capture_default_str ();
+  app.add_option ("--clips", options.clips, "text file of clips and directories");
+  app.add_option ("--generate", options.generate, "add so many generated clips");
+  app.add_option ("--database", options.database, "file to keep everything in, for the next start");
+  app.add_option ("--report-rate", options.report_rate,
+                  "most positions of a channel in a second, 0 for each field");
+  app.add_option ("--refuse-metadata", options.refuse_metadata,
+                  "refuse every so manyth change of metadata, 0 for none");
+  app.add_flag ("--empty", options.empty, "load nothing on the channels");
   app.add_flag ("--verbose", options.verbose, "log reports and raw documents too");
   app.add_flag ("--quiet", options.quiet, "log no commands");
   app.add_flag ("--strict", options.strict, "refuse documents that differ by a byte from the expected form");

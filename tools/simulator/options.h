@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace sim {
@@ -9,9 +10,15 @@ struct Options {
   std::string address = "127.0.0.1";
   std::string name = "SIMULATOR";
   std::string standard = "1080_59_94i";
-  bool verbose = false; ///< log reports and raw documents too
-  bool quiet = false;   ///< log nothing but faults
-  bool strict = false;  ///< refuse documents that are not written byte for byte as expected
+  std::string clips;                 ///< file of clips; empty: a few of its own
+  std::string database;              ///< file to keep everything in; empty: in memory
+  std::uint32_t generate = 0;        ///< so many more clips
+  std::uint32_t report_rate = 0;     ///< most positions in a second; 0: one each field
+  std::uint32_t refuse_metadata = 0; ///< every so manyth change of metadata is refused; 0: none
+  bool empty = false;                ///< nothing is loaded at the start
+  bool verbose = false;              ///< log reports and raw documents too
+  bool quiet = false;                ///< log no commands
+  bool strict = false;               ///< refuse documents that are not written byte for byte as expected
 };
 
 } // namespace sim

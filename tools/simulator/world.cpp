@@ -1,11 +1,14 @@
 #include "world.h"
 
+#include "clip_file.h"
+#include "commands.h"
 #include "log.h"
 #include "vocabulary.h"
 #include "wire.h"
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <utility>
 
 namespace sim {
 
@@ -75,10 +78,31 @@ const std::string &identifier_of (const Element &root) {
   return xid->text;
 }
 
+void report_position (World &world, Client &client, int channel) {
+  for (const int kind : {report_timecode, report_aux_audio})
+    if (client.channel_reports.contains ({channel, kind}))
+      world.report_present (client, channel, kind);
+}
+
 } // namespace
 
 World::World (const Options &given)
-    : options (given), standard (find_standard (given.standard).value ()), channels (standard) {}
+    : options (given), standard (find_standard (given.standard).value ()), database (given.database),
+      clips (database), lists (database), metadata (database), configuration (given) {
+  take_clips (*this);
+  constexpr std::uint64_t usual_space = 20'000'000'000'000;
+  total_space_ = std::max (usual_space, 2 * field_size * static_cast<std::uint64_t> (clips.fields ()));
+  if (!options.empty)
+    load_first_clip ();
+}
+
+void World::load_first_clip () {
+  const std::vector<std::string> names = clips.names_in ("");
+  if (names.empty ())
+    return;
+  for (int channel = 0; channel < channel_count; ++channel)
+    load (*this, channel, whole_cue (clip_content (*this, names.front ())));
+}
 
 void World::join (Client &client) {
   clients_.push_back (&client);
@@ -86,6 +110,55 @@ void World::join (Client &client) {
 
 void World::leave (Client &client) {
   clients_.erase (std::remove (clients_.begin (), clients_.end (), &client), clients_.end ());
+  release (client);
+  flush_reports ();
+  report_decks ();
+}
+
+void World::release (const Client &client) {
+  for (int channel = 0; channel < channel_count; ++channel)
+    if (seen (channel).steal.client == client.number)
+      deck (channel).steal = {};
+  std::erase_if (dictionary, [&] (const auto &entry) {
+    if (entry.second.owner != client.number)
+      return false;
+    report_key (*this, entry.first, "");
+    return true;
+  });
+}
+
+Deck &World::deck (int channel) {
+  touched_.insert (channel);
+  moved_.insert (channel);
+  return decks_[static_cast<std::size_t> (channel)];
+}
+
+void World::gang (const std::set<int> &channels, const std::function<void (int)> &action) {
+  const std::array<Deck, channel_count> before = decks_;
+  try {
+    for (const int channel : channels)
+      action (channel);
+  } catch (const Refusal &) {
+    decks_ = before;
+    throw;
+  }
+}
+
+void World::renew_clip (const std::string &from, const std::string &to) {
+  for (int channel = 0; channel < channel_count; ++channel)
+    if (seen (channel).cue.content.source == Source::clip && seen (channel).cue.content.name == from)
+      deck (channel).renew (clip_content (*this, to));
+}
+
+void World::check_unloaded (Source source, const std::string &name) const {
+  for (int channel = 0; channel < channel_count; ++channel)
+    if (seen (channel).cue.content.source == source && seen (channel).cue.content.name == name)
+      throw Refusal (fmt::format ("'{}' is loaded on channel {}", name, word_at ("Channel", channel)));
+}
+
+std::uint64_t World::available_space () const {
+  const std::uint64_t used = static_cast<std::uint64_t> (clips.fields ()) * field_size;
+  return total_space_ - std::min (used, total_space_);
 }
 
 void World::receive (Client &client, const std::string &document) {
@@ -111,43 +184,113 @@ void World::receive (Client &client, const std::string &document) {
   }
   if (!options.quiet)
     log_line (fmt::format ("#{} {} {}: {}", client.number, xid, line, outcome));
-  report_channels ();
+  flush_reports ();
+  report_decks ();
 }
 
 void World::pass_fields (int count) {
-  for (int field = 0; field < count; ++field)
-    channels.pass_field ();
-  report_channels ();
+  for (int passed = 0; passed < count; ++passed, ++field_)
+    for (int channel = 0; channel < channel_count; ++channel) {
+      const Deck &standing = seen (channel);
+      if (standing.status () == status_stop && !standing.in_transition ())
+        continue;
+      if (deck (channel).pass_field ())
+        reach_end (*this, channel);
+    }
+  flush_reports ();
+  report_decks ();
+  report_positions ();
 }
 
 void World::send_report (Client &client, const std::string &body) {
+  if (options.verbose)
+    log_line (fmt::format ("#{} is told {}", client.number, body));
   client.send (report_text (body));
 }
 
-void World::report (std::string_view report_type, const std::string &body) {
+void World::each_client (const std::function<void (const Client &)> &visit) const {
+  for (const Client *client : clients_)
+    visit (*client);
+}
+
+void World::report_if (std::function<bool (const Client &)> wanted, std::string body) {
+  pending_.push_back ({std::move (wanted), std::move (body)});
+}
+
+void World::report (std::string_view report_type, std::string body) {
   const int kind = word_number ("ReportType", report_type);
-  for (Client *client : clients_)
-    if (client->reports.contains (kind))
-      send_report (*client, body);
+  report_if ([=] (const Client &client) { return client.reports.contains (kind); }, std::move (body));
+}
+
+void World::report_channel (int channel, int kind, std::string body) {
+  report_if (
+      [=] (const Client &client) {
+        return client.channel_reports.contains ({channel, kind});
+      },
+      std::move (body));
+}
+
+void World::report_clip (std::string_view body_name, const std::string &clip) {
+  report ("clip_change", Writer ().open (body_name).text ("ClipID", clip).close (body_name).take ());
+}
+
+void World::report_directory (std::string_view body_name, const std::string &directory) {
+  report ("directory_change",
+          Writer ().open (body_name).text ("DirectoryName", directory).close (body_name).take ());
+}
+
+std::string World::disk_space_body () const {
+  Writer out;
+  out.open ("disk_space_changed").open ("DiskSpaceChange").number ("TotalDiskSpace", total_space_);
+  out.number ("AvailableDiskSpace", available_space ())
+      .close ("DiskSpaceChange")
+      .close ("disk_space_changed");
+  return out.take ();
+}
+
+void World::report_disk_space () {
+  report ("disk_space", disk_space_body ());
 }
 
 void World::report_present (Client &client, int channel, int kind) {
-  if (const std::string body = channels.report_body (channel, kind); !body.empty ())
+  for (const std::string &body : present_bodies (*this, channel, kind))
     send_report (client, body);
 }
 
-void World::report_channels () {
-  for (int channel = 0; channel < channel_count; ++channel)
-    for (int kind = 0; kind < 8; ++kind) {
-      std::string &last = reported_[static_cast<std::size_t> (channel)][static_cast<std::size_t> (kind)];
-      std::string body = channels.report_body (channel, kind);
-      if (body == last)
-        continue;
-      last = std::move (body);
-      for (Client *client : clients_)
-        if (client->channel_reports.contains ({channel, kind}))
-          send_report (*client, last);
-    }
+void World::flush_reports () {
+  for (const Report &entry : std::exchange (pending_, {}))
+    for (Client *client : clients_)
+      if (entry.wanted (*client))
+        send_report (*client, entry.body);
+}
+
+void World::report_decks () {
+  for (const int channel : std::exchange (touched_, {})) {
+    close_recording (*this, channel);
+    for (auto &[kind, body] : reporter_.news (*this, channel))
+      report_channel (channel, kind, std::move (body));
+  }
+  flush_reports ();
+}
+
+// Positions wait for the field clock, so that none goes out twice in a field. A client that does not keep up
+// gets the last of them when it does.
+void World::report_positions () {
+  if (field_ < next_positions_)
+    return;
+  const std::int64_t rate = options.report_rate;
+  next_positions_ =
+      field_ + (rate == 0 ? 1 : std::max<std::int64_t> (standard.fields / standard.seconds / rate, 1));
+  std::set<int> news;
+  for (const int channel : std::exchange (moved_, {}))
+    if (reporter_.position_is_news (*this, channel))
+      news.insert (channel);
+  for (Client *client : clients_) {
+    client->owed_positions.insert (news.begin (), news.end ());
+    if (!client->lags ())
+      for (const int channel : std::exchange (client->owed_positions, {}))
+        report_position (*this, *client, channel);
+  }
 }
 
 void Call::row (const std::string &body) {

@@ -1,16 +1,32 @@
 #pragma once
 
-#include "channels.h"
+#include "channel_reports.h"
 #include "client.h"
+#include "clips.h"
+#include "configuration.h"
+#include "database.h"
+#include "deck.h"
+#include "lists.h"
+#include "metadata.h"
 #include "options.h"
 #include "standard.h"
 #include "values.h"
+#include "vclips.h"
 #include "writer.h"
 
+#include <array>
+#include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
 namespace sim {
+
+/// An entry of the user dictionary. Owned ones go with their client.
+struct DictionaryEntry {
+  std::string value;
+  int owner = 0; ///< client number; 0: nobody
+};
 
 /// The simulated server without its sockets: everything it knows, and who is connected. One thread.
 class World {
@@ -26,25 +42,72 @@ public:
   /// So many fields have gone by.
   void pass_fields (int count);
 
-  /// Sends a report to everyone registered for that kind.
-  void report (std::string_view report_type, const std::string &body);
+  /// A channel that may be changed: what has changed will be reported.
+  Deck &deck (int channel);
+  const Deck &seen (int channel) const { return decks_[static_cast<std::size_t> (channel)]; }
+  /// Does the same to several channels, to all of them or, when one refuses, to none.
+  void gang (const std::set<int> &channels, const std::function<void (int)> &action);
+  /// The channels that have this clip loaded know it anew.
+  void renew_clip (const std::string &from, const std::string &to);
+  /// @throws Refusal when a channel has it loaded
+  void check_unloaded (Source source, const std::string &name) const;
 
-  /// Sends one client the present value of a kind of channel report.
+  /// Fields since the start.
+  std::int64_t field () const { return field_; }
+  std::uint64_t total_space () const { return total_space_; }
+  std::uint64_t available_space () const;
+  std::string disk_space_body () const;
+
+  // Reports go out behind the answer of the command that has caused them.
+  void report (std::string_view report_type, std::string body);
+  void report_channel (int channel, int kind, std::string body);
+  void each_client (const std::function<void (const Client &)> &visit) const;
+  void report_if (std::function<bool (const Client &)> wanted, std::string body);
+  /// `clip_created` and the like, with what else they change.
+  void report_clip (std::string_view body_name, const std::string &clip);
+  void report_directory (std::string_view body_name, const std::string &directory);
+  void report_disk_space ();
+
+  /// Sends one client the present values of a kind of channel report.
   void report_present (Client &client, int channel, int kind);
-
-  /// Sends the channel reports whose values have changed.
-  void report_channels ();
+  void send_report (Client &client, const std::string &body);
 
   const Options options;
   const Standard standard;
-  Channels channels;
+  Database database;
+  Clips clips;
+  VirtualClips vclips;
+  Lists lists;
+  MetadataDatabases metadata;
+  Configuration configuration;
+  std::map<std::string, DictionaryEntry> dictionary;
+  std::int64_t chase_field = -1; ///< the last chase timecode; negative: none yet
+  std::uint32_t metadata_changes = 0;
 
 private:
-  void send_report (Client &client, const std::string &body);
+  struct Report {
+    std::function<bool (const Client &)> wanted;
+    std::string body;
+  };
+  void load_first_clip ();
+  void release (const Client &client);
+  void flush_reports ();
+  void report_decks ();
+  void report_positions ();
 
+  std::array<Deck, channel_count> decks_;
+  std::set<int> touched_; ///< channels that may have news
+  std::set<int> moved_;   ///< channels whose position may be news
+  ChannelReporter reporter_;
+  std::vector<Report> pending_;
   std::vector<Client *> clients_;
-  std::array<std::array<std::string, 8>, channel_count> reported_; ///< last body of each channel and kind
+  std::int64_t field_ = 0;
+  std::int64_t next_positions_ = 0; ///< the field from which positions may be reported again
+  std::uint64_t total_space_ = 0;
 };
+
+/// Bytes of one field of pictures on the disk.
+inline constexpr std::uint32_t field_size = 262144;
 
 /// A command on its way through its handler. A handler that returns without an answer has said `ok`; one
 /// that throws a Refusal has said `error`.

@@ -1,0 +1,172 @@
+#include "channel.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace sim {
+
+namespace {
+
+constexpr int every_track = 0x3FF;
+
+} // namespace
+
+std::uint32_t Channel::last_field () const {
+  return cue.content.length == 0 ? 0 : cue.content.length - 1;
+}
+
+bool Channel::recording () const {
+  return playing_ && edit_mask != 0 && cue.content.source == Source::clip;
+}
+
+int Channel::status () const {
+  if (!loaded ())
+    return status_idle;
+  if (cueing_left_ > 0)
+    return status_cueing;
+  if (recording ())
+    return edit_mask == every_track ? status_record : status_insert;
+  if (!playing_)
+    return status_stop;
+  return cue.content.source == Source::live ? status_timedelay : status_play;
+}
+
+Fixed Channel::speed () const {
+  if (!playing_ || cueing_left_ > 0)
+    return 0;
+  return backwards_ && speed_ != std::numeric_limits<Fixed>::min () ? -speed_ : speed_;
+}
+
+void Channel::load (const Cue &what) {
+  cue = what;
+  place_ = std::int64_t{cue.in} << 16;
+  playing_ = false;
+  backwards_ = false;
+  speed_ = fixed_one;
+  cueing_left_ = 1;
+}
+
+void Channel::unload () {
+  cue = {};
+  place_ = 0;
+  playing_ = false;
+  cueing_left_ = 0;
+  transition_left_ = 0;
+  precued.clear ();
+}
+
+void Channel::renew (const Content &content) {
+  cue.content = content;
+  place_ = std::min (place_, std::int64_t{last_field ()} << 16);
+}
+
+void Channel::play (Fixed speed) {
+  playing_ = true;
+  backwards_ = false;
+  speed_ = speed;
+}
+
+void Channel::stop () {
+  playing_ = false;
+}
+
+void Channel::go_to (std::uint32_t field) {
+  playing_ = false;
+  place_ = std::int64_t{field} << 16;
+}
+
+void Channel::jog (std::int32_t distance) {
+  const std::int64_t field =
+      std::clamp<std::int64_t> (std::int64_t{position ()} + distance, 0, last_field ());
+  go_to (static_cast<std::uint32_t> (field));
+}
+
+Channel::Range Channel::fields (std::uint32_t first, std::uint32_t last) const {
+  last = std::min (last, last_field ());
+  return {std::int64_t{std::min (first, last)} << 16, (std::int64_t{last} + 1) << 16};
+}
+
+Channel::Range Channel::loop_range () const {
+  const std::uint32_t out = cue.loop_out.value_or (last_field ());
+  return cue.loop_in <= out ? fields (cue.loop_in, out) : fields (0, last_field ());
+}
+
+bool Channel::pass_field () {
+  if (transition_left_ > 0)
+    --transition_left_;
+  if (cueing_left_ > 0) {
+    --cueing_left_;
+    return false;
+  }
+  return playing_ && move ();
+}
+
+bool Channel::move () {
+  const std::int64_t next = place_ + speed ();
+  if (recording () && record (next))
+    return false;
+  const bool before_out = !cue.out || place_ < (std::int64_t{*cue.out} + 1) << 16;
+  const Range whole = fields (0, before_out ? cue.out.value_or (last_field ()) : last_field ());
+  if (loops ())
+    return move_in_loop (next, fields (0, last_field ()));
+  if (next >= whole.low && next < whole.high) {
+    place_ = next;
+    return false;
+  }
+  place_ = next < whole.low ? whole.low : whole.high - fixed_one;
+  return true;
+}
+
+// A clip precued for the end of this one whatever happens ends the loop.
+bool Channel::loops () const {
+  const bool awaited = !precued.empty () && precued.front ().condition == precue_end_of_clip2;
+  return cue.loop != loop_off && cue.loop != loop_auto && !awaited;
+}
+
+// What lies outside the loop is played up to the loop in these modes, and skipped in the others.
+bool Channel::enters_freely () const {
+  return cue.loop == loop_to || cue.loop == loop_pingpong_to;
+}
+
+bool Channel::move_in_loop (std::int64_t next, Range whole) {
+  const Range range = loop_range ();
+  const bool inside = place_ >= range.low && place_ < range.high;
+  if (!inside && !enters_freely ()) {
+    place_ = speed () < 0 ? range.high - fixed_one : range.low;
+    return false;
+  }
+  const bool leaves =
+      inside ? next < range.low || next >= range.high : next < whole.low || next >= whole.high;
+  if (!leaves)
+    place_ = next;
+  else if (cue.loop == loop_pingpong || cue.loop == loop_pingpong_to)
+    reflect (next, range);
+  else
+    wrap (next, range);
+  return false;
+}
+
+void Channel::wrap (std::int64_t next, Range range) {
+  const std::int64_t span = range.high - range.low;
+  const std::int64_t beyond = (next - range.low) % span;
+  place_ = range.low + (beyond < 0 ? beyond + span : beyond);
+}
+
+void Channel::reflect (std::int64_t next, Range range) {
+  const std::int64_t last = range.high - fixed_one;
+  backwards_ = !backwards_;
+  place_ = std::clamp (next < range.low ? 2 * range.low - next : 2 * last - next, range.low, last);
+}
+
+// A clip that is recorded into grows at its end. Everything else moves as when it plays.
+bool Channel::record (std::int64_t next) {
+  const bool grows = next >= std::int64_t{cue.content.length} << 16;
+  if (grows)
+    cue.content.length = static_cast<std::uint32_t> (std::min<std::int64_t> ((next >> 16) + 1, 0xFFFFFFFF));
+  recording_done = Recording{cue.content.name, cue.content.length};
+  if (grows)
+    place_ = next;
+  return grows;
+}
+
+} // namespace sim

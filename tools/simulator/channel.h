@@ -1,0 +1,117 @@
+#pragma once
+
+#include "values.h"
+#include "words.h"
+
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sim {
+
+enum class Source { nothing, clip, vclip, live };
+
+/// What can be loaded on a channel: a length of pictures with a name.
+struct Content {
+  Source source = Source::nothing;
+  std::string name;
+  std::uint32_t length = 0; ///< fields
+  int angles = 1;
+  int audio_tracks = 0;
+  int interp = 0;
+  int playback = 0;
+  int loop = loop_off;
+  std::uint32_t loop_in = 0;
+  std::uint32_t loop_out = 0;
+  std::int64_t first_field = 0; ///< timecode of its first field
+  bool drop_frame = false;
+};
+
+/// Content with all that was said about how to show it.
+struct Cue {
+  Content content;
+  std::uint32_t in = 0;
+  std::optional<std::uint32_t> out; ///< the last field to show; absent: the last there is
+  int angle = 0;
+  int loop = loop_off;
+  int playback = 0;
+  std::uint32_t loop_in = 0;
+  std::optional<std::uint32_t> loop_out; ///< the last field of the loop; absent: the last there is
+};
+
+struct Precued {
+  Cue cue;
+  int condition = precue_explicit;
+};
+
+/// A clip that has been recorded into and not yet been closed.
+struct Recording {
+  std::string clip;
+  std::uint32_t length = 0;
+};
+
+/// The motion of one channel: where it is, where it goes, what waits behind. It knows no other channel and no
+/// clip but what is loaded; positions are fields, both ends of a range belong to it.
+class Channel {
+public:
+  bool loaded () const { return cue.content.source != Source::nothing; }
+  std::uint32_t position () const { return static_cast<std::uint32_t> (place_ >> 16); }
+  /// The last field of what is loaded; 0 when it is empty.
+  std::uint32_t last_field () const;
+  bool playing () const { return playing_; }
+  bool recording () const;
+  int status () const;
+  /// The speed the channel goes at now, with the direction of a ping-pong; 0 when it stands.
+  Fixed speed () const;
+  bool in_transition () const { return transition_left_ > 0; }
+
+  /// Stands on the first field of the cue one field later.
+  void load (const Cue &what);
+  /// The cue that is about to stand is there at once, as after a change of clips on the air.
+  void skip_cueing () { cueing_left_ = 0; }
+  void unload ();
+  /// What is loaded has changed by itself, in length for example.
+  void renew (const Content &content);
+  void play (Fixed speed);
+  void stop ();
+  /// Goes to a field and stands there; a jog goes no further than the ends.
+  void go_to (std::uint32_t field);
+  void jog (std::int32_t distance);
+  void start_transition (std::uint32_t fields) { transition_left_ = fields; }
+
+  /// One field goes by. @return whether the end of what is loaded was reached in this field
+  bool pass_field ();
+
+  Cue cue;
+  std::deque<Precued> precued;
+  int edit_mask = 0;
+  int ee_mask = 0;
+  bool auto_ee = true;
+  std::optional<Recording> recording_done; ///< what has been recorded since it was last asked for
+
+private:
+  struct Range {
+    std::int64_t low;  ///< the first place
+    std::int64_t high; ///< the place behind the last
+  };
+  Range fields (std::uint32_t first, std::uint32_t last) const;
+  Range loop_range () const;
+  bool move ();
+  bool move_in_loop (std::int64_t next, Range whole);
+  bool loops () const;
+  bool enters_freely () const;
+  void wrap (std::int64_t next, Range range);
+  void reflect (std::int64_t next, Range range);
+  bool record (std::int64_t next);
+
+  std::int64_t place_ = 0; ///< 16 bits behind the point
+  Fixed speed_ = fixed_one;
+  bool playing_ = false;
+  bool backwards_ = false; ///< the way back of a ping-pong
+  int cueing_left_ = 0;    ///< fields until the picture stands
+  std::uint32_t transition_left_ = 0;
+};
+
+} // namespace sim

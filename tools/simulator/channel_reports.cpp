@@ -1,0 +1,151 @@
+#include "channel_reports.h"
+
+#include "listplay.h"
+#include "vocabulary.h"
+#include "world.h"
+
+namespace sim {
+
+namespace {
+
+Writer started (const char *body, int channel) {
+  Writer out;
+  out.open (body).word ("Channel", channel);
+  return out;
+}
+
+std::string status_body (const Deck &deck, int channel) {
+  Writer out = started ("channel_status", channel);
+  out.word ("ChannelStatus", deck.status ());
+  if (deck.loaded ())
+    out.text ("ClipID", deck.cue.content.name);
+  return out.close ("channel_status").take ();
+}
+
+std::string clipid_body (const Deck &deck, int channel) {
+  return started ("channel_clipid", channel)
+      .text ("ClipID", deck.cue.content.name)
+      .close ("channel_clipid")
+      .take ();
+}
+
+std::string speed_body (const Deck &deck, int channel) {
+  return started ("channel_speed", channel).fixed ("Speed", deck.speed ()).close ("channel_speed").take ();
+}
+
+std::string timecode_body (const World &world, int channel) {
+  Writer out = started ("channel_timecode", channel);
+  out.number ("ClipPosition", world.seen (channel).position ());
+  write_display_timecode (out, world, channel);
+  // No timecode is plugged in.
+  out.open ("InputTimecode").boolean ("Valid", false).close ("InputTimecode");
+  return out.close ("channel_timecode").take ();
+}
+
+std::string aux_audio_body (const Deck &deck, int channel) {
+  Writer out = started ("channel_aux_audio_timecode", channel);
+  return out.number ("ClipPosition", deck.position ()).close ("channel_aux_audio_timecode").take ();
+}
+
+void write_loaded (Writer &out, const Deck &deck) {
+  const Cue &cue = deck.cue;
+  if (cue.content.source != Source::live)
+    out.number ("ClipLength", cue.content.length);
+  out.word ("Interp", cue.content.interp).word ("Loop", cue.loop).number ("LoopIn", cue.loop_in);
+  out.number ("LoopOut", cue.loop_out.value_or (deck.last_field ())).word ("Playback", cue.playback);
+  out.number ("AngleCount", static_cast<std::uint64_t> (cue.content.angles));
+  out.number ("Angle", static_cast<std::uint64_t> (cue.angle));
+  out.number ("AudioTrackCount", static_cast<std::uint64_t> (cue.content.audio_tracks));
+}
+
+std::string info_body (const Deck &deck, int channel) {
+  Writer out = started ("channel_info", channel);
+  out.open ("ChannelInformation").text ("ClipID", deck.cue.content.name);
+  if (deck.loaded ())
+    write_loaded (out, deck);
+  out.open ("EEStatus").number ("SonyEditMask", static_cast<std::uint64_t> (deck.ee_mask));
+  out.boolean ("AutoEE", deck.auto_ee).close ("EEStatus");
+  if (deck.preview)
+    out.word ("ProgramChannel", channel).word ("PreviewChannel", *deck.preview);
+  out.number ("PrecueCount", deck.precued.size ()).word ("StealStatus", deck.steal.status);
+  out.boolean ("TransitionInProgress", deck.in_transition ());
+  if (deck.loaded ())
+    out.fixed ("NaturalSpeed", fixed_one);
+  return out.close ("ChannelInformation").close ("channel_info").take ();
+}
+
+// What is compared to find news. Contents of lists are told of as they change.
+std::vector<std::string> watched_bodies (const World &world, int channel, int kind) {
+  if (kind == report_listplay)
+    return air_bodies (world, channel, playlists);
+  if (kind == report_chaseplay)
+    return air_bodies (world, channel, chases);
+  if (kind == report_timecode || kind == report_aux_audio)
+    return {};
+  return present_bodies (world, channel, kind);
+}
+
+} // namespace
+
+std::vector<std::string> present_bodies (const World &world, int channel, int kind) {
+  const Deck &deck = world.seen (channel);
+  switch (kind) {
+  case report_status:
+    return {status_body (deck, channel)};
+  case report_clipid:
+    return {clipid_body (deck, channel)};
+  case report_speed:
+    return {speed_body (deck, channel)};
+  case report_timecode:
+    return {timecode_body (world, channel)};
+  case report_info:
+    return {info_body (deck, channel)};
+  case report_listplay:
+    return list_bodies (world, channel, playlists);
+  case report_chaseplay:
+    return list_bodies (world, channel, chases);
+  default:
+    return {aux_audio_body (deck, channel)};
+  }
+}
+
+void write_timecode (Writer &out, std::string_view tag, const World &world, std::int64_t field,
+                     bool drop_frame) {
+  out.open (tag).boolean ("Valid", true).text ("VideoStandard", world.standard.name);
+  out.distance ("FieldNumber", field).text ("DropFrameFlag", drop_frame ? "df" : "ndf").close (tag);
+}
+
+void write_display_timecode (Writer &out, const World &world, int channel) {
+  const Deck &deck = world.seen (channel);
+  const Content &content = deck.cue.content;
+  if (deck.loaded ())
+    write_timecode (out, "DisplayTimecode", world, content.first_field + deck.position (),
+                    content.drop_frame);
+  else
+    out.open ("DisplayTimecode").boolean ("Valid", false).close ("DisplayTimecode");
+}
+
+std::vector<std::pair<int, std::string>> ChannelReporter::news (const World &world, int channel) {
+  std::vector<std::pair<int, std::string>> news;
+  for (int kind = 0; kind < channel_report_count; ++kind) {
+    std::vector<std::string> now = watched_bodies (world, channel, kind);
+    std::vector<std::string> &last =
+        reported_[static_cast<std::size_t> (channel)].bodies[static_cast<std::size_t> (kind)];
+    for (std::size_t i = 0; i < now.size (); ++i)
+      if (i >= last.size () || last[i] != now[i])
+        news.emplace_back (kind, now[i]);
+    last = std::move (now);
+  }
+  return news;
+}
+
+bool ChannelReporter::position_is_news (const World &world, int channel) {
+  std::string now = timecode_body (world, channel);
+  std::string &last = reported_[static_cast<std::size_t> (channel)].position;
+  if (now == last)
+    return false;
+  last = std::move (now);
+  return true;
+}
+
+} // namespace sim

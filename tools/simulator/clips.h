@@ -1,0 +1,62 @@
+#pragma once
+
+#include "clip.h"
+#include "database.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sim {
+
+/// The clips and directories of the server. A clip named `dir/name` stands in the directory `dir`.
+class Clips {
+public:
+  explicit Clips (Database &database);
+
+  bool exists (const std::string &id) const;
+  bool directory_exists (const std::string &name) const;
+  std::int64_t count () const;
+
+  /// The clip. @throws Refusal with the code `clipnotfound`.
+  Clip find (const std::string &id) const;
+
+  /// All names, or those that stand in a directory, in order.
+  std::vector<std::string> names () const;
+  std::vector<std::string> names_in (const std::string &directory) const;
+  std::vector<std::string> directories () const;
+  std::vector<std::string> directories_in (const std::string &directory) const;
+
+  /// Fields that all clips take together.
+  std::int64_t fields () const;
+
+  /// Takes a new clip in and gives it an identifier and stamps. @throws Refusal for a bad or taken name.
+  void add (Clip clip);
+  /// Writes a changed clip back.
+  void store (const Clip &clip);
+  void remove (const std::string &id);
+  /// @throws Refusal when a name is unknown, bad or taken.
+  void rename (const std::string &from, const std::string &to);
+  void add_directory (const std::string &name);
+  void rename_directory (const std::string &from, const std::string &to);
+
+  /// Moves one of the stamps (a column's name) to now, where the clip still exists.
+  void touch (const std::string &id, std::string_view column);
+
+  /// Milliseconds since 1970, never the same twice.
+  std::int64_t stamp ();
+
+private:
+  void check_new_name (const std::string &name) const;
+  void insert (const Clip &clip);
+  std::vector<std::string> column (Rows rows) const;
+
+  Database &database_;
+  std::int64_t last_stamp_ = 0;
+};
+
+/// A new universally unique identifier, as text.
+std::string new_uuid ();
+
+} // namespace sim

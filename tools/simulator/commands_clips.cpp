@@ -1,0 +1,193 @@
+#include "commands.h"
+
+#include "vocabulary.h"
+
+#include <fmt/format.h>
+
+namespace sim {
+
+namespace {
+
+void check_meta (const Clip &clip) {
+  if (clip.read_only_meta)
+    throw Refusal (fmt::format ("Clip '{}' is read-only", clip.id));
+}
+
+void check_content (const Clip &clip) {
+  if (clip.read_only_content)
+    throw Refusal (fmt::format ("Clip '{}' is read-only", clip.id));
+}
+
+void send_names (Call &call, const char *body, const char *tag, const std::vector<std::string> &names) {
+  for (const std::string &name : names)
+    call.row (Writer ().open (body).text (tag, name).close (body).take ());
+}
+
+std::string directory_wanted (const Call &call) {
+  const std::string &name = call.arguments.text ("DirectoryName");
+  if (!call.world.clips.directory_exists (name))
+    throw Refusal (fmt::format ("Directory '{}' does not exist", name));
+  return name;
+}
+
+void download_clipids (Call &call) {
+  const Clips &clips = call.world.clips;
+  const bool one = call.arguments.has ("DirectoryName");
+  send_names (call, "clipid", "ClipID", one ? clips.names_in (directory_wanted (call)) : clips.names ());
+}
+
+void download_directory_names (Call &call) {
+  const Clips &clips = call.world.clips;
+  const bool one = call.arguments.has ("DirectoryName");
+  send_names (call, "directory_name", "DirectoryName",
+              one ? clips.directories_in (directory_wanted (call)) : clips.directories ());
+}
+
+void get_clip_info (Call &call) {
+  Writer out;
+  out.open ("clipinfo");
+  write_clip_info (out, call.world.clips.find (call.arguments.text ("ClipID")));
+  call.answer (out.close ("clipinfo").take ());
+}
+
+void clip_exists (Call &call) {
+  const std::string &id = call.arguments.text ("ClipID");
+  Writer out;
+  out.open ("clipexists").text ("ClipID", id).boolean ("Exists", call.world.clips.exists (id));
+  call.answer (out.close ("clipexists").take ());
+}
+
+void modify_clip_attributes (Call &call) {
+  Clip clip = call.world.clips.find (call.arguments.text ("ClipID"));
+  check_meta (clip);
+  change_clip (clip, call.arguments.record ("ClipAttrChange"));
+  clip.meta_stamp = call.world.clips.stamp ();
+  call.world.clips.store (clip);
+  call.world.renew_clip (clip.id, clip.id);
+  call.world.report_clip ("clip_changed", clip.id);
+}
+
+void delete_clip (Call &call) {
+  const Clip clip = call.world.clips.find (call.arguments.text ("ClipID"));
+  check_content (clip);
+  call.world.check_unloaded (Source::clip, clip.id);
+  call.world.clips.remove (clip.id);
+  call.world.report_clip ("clip_deleted", clip.id);
+  call.world.report_disk_space ();
+}
+
+void rename_one (World &world, const std::string &from, const std::string &to) {
+  world.clips.rename (from, to);
+  world.renew_clip (from, to);
+  world.report_clip ("clip_deleted", from);
+  world.report_clip ("clip_created", to);
+}
+
+void rename_clip (Call &call) {
+  const Clip clip = call.world.clips.find (call.arguments.text ("FromID"));
+  check_meta (clip);
+  check_content (clip);
+  rename_one (call.world, clip.id, call.arguments.text ("ToID"));
+}
+
+void take_in (World &world, const Clip &clip) {
+  if (static_cast<std::uint64_t> (clip.untrimmed) * field_size > world.available_space ())
+    throw Refusal ("The disk is full");
+  world.clips.add (clip);
+  world.report_clip ("clip_created", clip.id);
+  world.report_disk_space ();
+}
+
+// A clip that is made for a channel is loaded there, ready to be recorded.
+void create_clip (Call &call) {
+  const std::set<int> types = call.arguments.words ("TrackSet");
+  if (types.empty ())
+    throw Refusal ("A clip needs a track");
+  const std::optional<int> channel =
+      call.arguments.has ("Channel") ? std::optional (channel_of (call.arguments)) : std::nullopt;
+  Clip clip;
+  clip.id = call.arguments.text ("ClipID");
+  clip.standard = call.world.standard.name;
+  clip.untrimmed = call.arguments.maybe_number ("ClipLength").value_or (0);
+  clip.loop_out = clip.untrimmed == 0 ? 0 : clip.untrimmed - 1;
+  for (const int type : types)
+    clip.tracks.push_back ({type, {}});
+  take_in (call.world, clip);
+  if (channel)
+    load (call.world, *channel, whole_cue (clip_content (call.world, clip.id)));
+}
+
+void create_child_clip (Call &call) {
+  Clip clip = call.world.clips.find (call.arguments.text ("ParentClipID"));
+  const std::uint32_t angle = call.arguments.maybe_number ("Angle").value_or (0);
+  if (angle >= clip.angles)
+    throw Refusal (fmt::format ("'{}' has no angle {}", clip.id, angle));
+  clip.parent_uuid = std::exchange (clip.uuid, {});
+  clip.id = call.arguments.text ("ClipID");
+  clip.angle = angle;
+  clip.loaded_stamp = clip.unloaded_stamp = clip.played_stamp = 0;
+  clip.read_only_meta = clip.read_only_content = 0;
+  take_in (call.world, clip);
+}
+
+void create_directory (Call &call) {
+  const std::string &name = call.arguments.text ("DirectoryName");
+  call.world.clips.add_directory (name);
+  call.world.report_directory ("directory_created", name);
+}
+
+// Everything that stands in the directory, however deep, goes with it.
+void rename_dir (Call &call) {
+  World &world = call.world;
+  const std::string &from = call.arguments.text ("FromDir"), &to = call.arguments.text ("ToDir");
+  const std::vector<std::string> directories = world.clips.directories ();
+  world.clips.rename_directory (from, to);
+  world.report_directory ("directory_deleted", from);
+  world.report_directory ("directory_created", to);
+  for (const std::string &name : directories)
+    if (name.starts_with (from + '/')) {
+      world.clips.rename_directory (name, to + name.substr (from.size ()));
+      world.report_directory ("directory_deleted", name);
+      world.report_directory ("directory_created", to + name.substr (from.size ()));
+    }
+  for (const std::string &name : world.clips.names ())
+    if (name.starts_with (from + '/'))
+      rename_one (world, name, to + name.substr (from.size ()));
+}
+
+// What lies behind the clip: its file, or the segments of a virtual clip.
+void get_volatile_file_info (Call &call) {
+  const std::string &id = call.arguments.text ("ClipID");
+  std::vector<std::string> lines;
+  if (call.world.vclips.exists (id)) {
+    lines = call.world.vclips.find (id).lines ();
+  } else {
+    const Clip clip = call.world.clips.find (id);
+    lines = {fmt::format ("fields {}", clip.untrimmed),
+             fmt::format ("bytes {}", clip.untrimmed * field_size)};
+  }
+  Writer out;
+  out.open ("volatile_file_info").open ("KeyList");
+  for (const std::string &line : lines)
+    out.text ("Key", line);
+  call.row (out.close ("KeyList").close ("volatile_file_info").take ());
+}
+
+} // namespace
+
+void add_clip_commands (Handlers &handlers) {
+  handlers["download_clipids"] = download_clipids;
+  handlers["download_directory_names"] = download_directory_names;
+  handlers["get_clip_info"] = get_clip_info;
+  handlers["clip_exists"] = clip_exists;
+  handlers["modify_clip_attributes"] = modify_clip_attributes;
+  handlers["delete_clip"] = delete_clip;
+  handlers["rename_clip"] = rename_clip;
+  handlers["create_clip"] = create_clip;
+  handlers["create_child_clip"] = create_child_clip;
+  handlers["create_directory"] = create_directory;
+  handlers["rename_dir"] = rename_dir;
+  handlers["get_volatile_file_info"] = get_volatile_file_info;
+}
+
+} // namespace sim

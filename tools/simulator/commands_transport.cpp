@@ -1,0 +1,171 @@
+#include "commands.h"
+
+#include "vocabulary.h"
+
+#include <fmt/format.h>
+
+namespace sim {
+
+namespace {
+
+constexpr std::uint32_t every_track = 0x3FF;
+
+// Each command of this family has a twin for several channels that does the same on one field.
+using Action = void (*) (World &, int, const Arguments &);
+
+template <Action action>
+void on_one (Call &call) {
+  action (call.world, channel_of (call.arguments), call.arguments);
+}
+
+template <Action action>
+void on_gang (Call &call) {
+  call.world.gang (channels_of (call.arguments),
+                   [&] (int channel) { action (call.world, channel, call.arguments); });
+}
+
+Deck &loaded_deck (World &world, int channel) {
+  Deck &deck = world.deck (channel);
+  if (!deck.loaded ())
+    throw Refusal (fmt::format ("Nothing is loaded on channel {}", word_at ("Channel", channel)));
+  return deck;
+}
+
+void play_one (World &world, int channel, const Arguments &arguments) {
+  play (world, channel, arguments.maybe_fixed ("Speed").value_or (fixed_one));
+}
+
+void stop_one (World &world, int channel, const Arguments &) {
+  stop (world, channel);
+}
+
+void jog_one (World &world, int channel, const Arguments &arguments) {
+  loaded_deck (world, channel).jog (arguments.distance ("JogDistance"));
+}
+
+void goto_one (World &world, int channel, const Arguments &arguments) {
+  Deck &deck = loaded_deck (world, channel);
+  const std::uint32_t field = arguments.number ("GotoPosition");
+  if (field > deck.last_field ())
+    throw Refusal (fmt::format ("Position {} lies beyond the end of '{}', which has {} fields", field,
+                                deck.cue.content.name, deck.cue.content.length));
+  deck.go_to (field);
+}
+
+// Without a speed the channel goes on as it went, or at normal speed when it stood.
+void go_at_one (World &world, int channel, const Arguments &arguments) {
+  const Fixed now = world.seen (channel).playing () ? world.seen (channel).speed () : fixed_one;
+  goto_one (world, channel, arguments);
+  play (world, channel, arguments.maybe_fixed ("Speed").value_or (now));
+}
+
+int mask_of (const Arguments &arguments) {
+  const std::uint32_t mask = arguments.number ("SonyEditMask");
+  if (mask > every_track)
+    throw Refusal (fmt::format ("Edit mask {} names tracks that do not exist", mask));
+  return static_cast<int> (mask);
+}
+
+void insert_edit_one (World &world, int channel, const Arguments &arguments) {
+  const int mask = mask_of (arguments);
+  Deck &deck = world.deck (channel);
+  const Content &content = deck.cue.content;
+  if (mask != 0 && content.source == Source::vclip)
+    throw Refusal (fmt::format ("Virtual clip '{}' cannot be recorded into", content.name));
+  if (mask != 0 && content.source == Source::clip && world.clips.find (content.name).read_only_content)
+    throw Refusal (fmt::format ("Clip '{}' is read-only", content.name));
+  deck.edit_mask = mask;
+}
+
+void ee_one (World &world, int channel, const Arguments &arguments) {
+  const int mask = mask_of (arguments);
+  Deck &deck = world.deck (channel);
+  deck.ee_mask = mask;
+  deck.auto_ee = arguments.boolean ("AutoEE");
+}
+
+void precue_activate_one (World &world, int channel, const Arguments &) {
+  switch_to_precued (world, channel);
+}
+
+void set_loop (World &world, int channel, const Arguments &arguments) {
+  Deck &deck = loaded_deck (world, channel);
+  const int loop = arguments.word ("Loop");
+  const int own = deck.cue.content.loop == loop_auto ? int{loop_off} : deck.cue.content.loop;
+  deck.cue.loop = loop == loop_auto ? own : loop;
+}
+
+std::uint32_t place_in (const Deck &deck, std::uint32_t place) {
+  if (place > deck.last_field ())
+    throw Refusal (fmt::format ("Position {} lies beyond the end of '{}', which has {} fields", place,
+                                deck.cue.content.name, deck.cue.content.length));
+  return place;
+}
+
+void set_loop_in (World &world, int channel, const Arguments &arguments) {
+  Deck &deck = loaded_deck (world, channel);
+  deck.cue.loop_in = place_in (deck, arguments.number ("LoopIn"));
+}
+
+void clear_loop_in (World &world, int channel, const Arguments &) {
+  loaded_deck (world, channel).cue.loop_in = 0;
+}
+
+void set_loop_out (World &world, int channel, const Arguments &arguments) {
+  Deck &deck = loaded_deck (world, channel);
+  deck.cue.loop_out = place_in (deck, arguments.number ("LoopOut"));
+}
+
+void clear_loop_out (World &world, int channel, const Arguments &) {
+  loaded_deck (world, channel).cue.loop_out.reset ();
+}
+
+void set_out_point (World &world, int channel, const Arguments &arguments) {
+  Deck &deck = loaded_deck (world, channel);
+  deck.cue.out = place_in (deck, arguments.number ("ClipPosition"));
+}
+
+void clear_out_point (World &world, int channel, const Arguments &) {
+  loaded_deck (world, channel).cue.out.reset ();
+}
+
+void iso_angle (World &world, int channel, const Arguments &arguments) {
+  Deck &deck = loaded_deck (world, channel);
+  Cue changed = deck.cue;
+  changed.in = 0;
+  changed.angle = static_cast<int> (arguments.number ("Angle"));
+  if (changed.angle >= changed.content.angles)
+    throw Refusal (fmt::format ("'{}' has no angle {}", changed.content.name, changed.angle));
+  deck.cue.angle = changed.angle;
+}
+
+} // namespace
+
+void add_transport_commands (Handlers &handlers) {
+  handlers["play"] = on_one<play_one>;
+  handlers["gang_play"] = on_gang<play_one>;
+  handlers["stop"] = on_one<stop_one>;
+  handlers["gang_stop"] = on_gang<stop_one>;
+  handlers["jog"] = on_one<jog_one>;
+  handlers["gang_jog"] = on_gang<jog_one>;
+  handlers["gotocmd"] = on_one<goto_one>;
+  handlers["gang_gotocmd"] = on_gang<goto_one>;
+  handlers["go_at"] = on_one<go_at_one>;
+  handlers["gang_go_at"] = on_gang<go_at_one>;
+  handlers["insert_edit"] = on_one<insert_edit_one>;
+  handlers["gang_insert_edit"] = on_gang<insert_edit_one>;
+  handlers["ee"] = on_one<ee_one>;
+  handlers["gang_ee"] = on_gang<ee_one>;
+  handlers["precue_activate"] = on_one<precue_activate_one>;
+  handlers["gang_precue_activate"] = on_gang<precue_activate_one>;
+  handlers["set_loop"] = on_one<set_loop>;
+  handlers["set_loop_in"] = on_one<set_loop_in>;
+  handlers["clear_loop_in"] = on_one<clear_loop_in>;
+  handlers["set_loop_out"] = on_one<set_loop_out>;
+  handlers["clear_loop_out"] = on_one<clear_loop_out>;
+  handlers["set_out_point"] = on_one<set_out_point>;
+  handlers["clear_out_point"] = on_one<clear_out_point>;
+  handlers["iso_angle"] = on_one<iso_angle>;
+}
+
+} // namespace sim

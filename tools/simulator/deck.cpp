@@ -1,0 +1,198 @@
+#include "deck.h"
+
+#include "listplay.h"
+#include "vocabulary.h"
+#include "world.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+
+namespace sim {
+
+namespace {
+
+constexpr std::uint32_t usual_dissolve = 50; // fields
+
+void check_place (const Cue &cue, std::optional<std::uint32_t> place) {
+  const std::uint32_t last = cue.content.length == 0 ? 0 : cue.content.length - 1;
+  if (place && *place > last)
+    throw Refusal (fmt::format ("Position {} lies beyond the end of '{}', which has {} fields", *place,
+                                cue.content.name, cue.content.length));
+}
+
+int audio_tracks_of (const Clip &clip) {
+  return static_cast<int> (std::count_if (clip.tracks.begin (), clip.tracks.end (),
+                                          [] (const Track &track) { return track.type == track_audio; }));
+}
+
+// The first field's timecode, by the clip's own rule.
+std::int64_t first_field_of (const Clip &clip) {
+  if (clip.timecode_source == 1 && clip.stripe_valid)
+    return clip.stripe_field;
+  return clip.timecode_source >= 2 && clip.frame0_valid ? clip.frame0_field : 0;
+}
+
+bool is_drop_frame (const Clip &clip) {
+  const auto standard = find_standard (clip.standard);
+  const bool wanted = clip.timecode_source == 1 && clip.stripe_valid   ? clip.stripe_drop != 0
+                      : clip.timecode_source >= 2 && clip.frame0_valid ? clip.frame0_drop != 0
+                                                                       : true;
+  return standard && standard->drop_frame && wanted;
+}
+
+void go_on (World &world, int channel, int follow, bool played, Fixed speed) {
+  if (follow == follow_one || (follow == follow_smart && played))
+    play (world, channel, fixed_one);
+  else if (follow == follow_follow && played)
+    play (world, channel, speed);
+}
+
+} // namespace
+
+Content clip_content (World &world, const std::string &name) {
+  const Clip clip = world.clips.find (name);
+  Content content;
+  content.source = Source::clip;
+  content.name = clip.id;
+  content.length = clip.length ();
+  content.angles = static_cast<int> (clip.angles);
+  content.audio_tracks = audio_tracks_of (clip);
+  content.interp = static_cast<int> (clip.interp);
+  content.playback = static_cast<int> (clip.playback);
+  content.loop = static_cast<int> (clip.loop);
+  content.loop_in = static_cast<std::uint32_t> (clip.loop_in);
+  content.loop_out = static_cast<std::uint32_t> (clip.loop_out);
+  content.first_field = first_field_of (clip);
+  content.drop_frame = is_drop_frame (clip);
+  return content;
+}
+
+Content vclip_content (World &world, const std::string &name) {
+  const VirtualClip &clip = world.vclips.find (name);
+  if (clip.open)
+    throw Refusal (fmt::format ("Virtual clip '{}' is being modified", name));
+  Content content;
+  content.source = Source::vclip;
+  content.name = name;
+  content.length = clip.length;
+  content.audio_tracks = clip.enabled.contains (track_audio) && clip.tracks.contains (track_audio) ? 1 : 0;
+  content.drop_frame = world.standard.drop_frame;
+  return content;
+}
+
+Cue whole_cue (const Content &content) {
+  Cue cue;
+  cue.content = content;
+  cue.playback = content.playback;
+  cue.loop = content.loop == loop_auto ? loop_off : content.loop;
+  cue.loop_in = content.loop_in;
+  if (content.loop_out != 0)
+    cue.loop_out = content.loop_out;
+  return cue;
+}
+
+void check_cue (const Cue &cue) {
+  check_place (cue, cue.in);
+  check_place (cue, cue.out);
+  if (cue.angle >= cue.content.angles)
+    throw Refusal (fmt::format ("'{}' has no angle {}", cue.content.name, cue.angle));
+}
+
+void load (World &world, int channel, const Cue &cue) {
+  check_cue (cue);
+  Deck &deck = world.deck (channel);
+  if (deck.cue.content.source == Source::clip)
+    world.clips.touch (deck.cue.content.name, "unloaded_stamp");
+  deck.load (cue);
+  close_recording (world, channel);
+  if (cue.content.source == Source::clip)
+    world.clips.touch (cue.content.name, "loaded_stamp");
+}
+
+void unload (World &world, int channel) {
+  Deck &deck = world.deck (channel);
+  if (deck.cue.content.source == Source::clip)
+    world.clips.touch (deck.cue.content.name, "unloaded_stamp");
+  deck.unload ();
+  close_recording (world, channel);
+}
+
+void play (World &world, int channel, Fixed speed) {
+  Deck &deck = world.deck (channel);
+  if (!deck.loaded ())
+    throw Refusal (fmt::format ("Nothing is loaded on channel {}", word_at ("Channel", channel)));
+  deck.play (speed);
+  if (deck.cue.content.source == Source::clip)
+    world.clips.touch (deck.cue.content.name, "played_stamp");
+}
+
+void stop (World &world, int channel) {
+  Deck &deck = world.deck (channel);
+  const bool was_playing = deck.playing ();
+  deck.stop ();
+  if (was_playing && !deck.precued.empty () && deck.precued.front ().condition == precue_previous_stops)
+    switch_to_precued (world, channel);
+}
+
+void switch_to_precued (World &world, int channel) {
+  Deck &deck = world.deck (channel);
+  if (deck.precued.empty ())
+    throw Refusal (fmt::format ("Nothing is precued on channel {}", word_at ("Channel", channel)));
+  const Cue cue = deck.precued.front ().cue;
+  deck.precued.pop_front ();
+  const bool was_playing = deck.playing ();
+  const Fixed speed = deck.speed ();
+  load (world, channel, cue);
+  deck.skip_cueing ();
+  if (was_playing)
+    play (world, channel, speed);
+}
+
+void reach_end (World &world, int channel) {
+  Deck &deck = world.deck (channel);
+  if (end_item (world, channel))
+    return;
+  const int condition = deck.precued.empty () ? precue_explicit : deck.precued.front ().condition;
+  if (condition == precue_end_of_clip || condition == precue_end_of_clip2)
+    switch_to_precued (world, channel);
+  else
+    stop (world, channel);
+}
+
+void take (World &world, int channel, const Take &how) {
+  Deck &deck = world.deck (channel);
+  const bool was_playing = deck.playing ();
+  const Fixed speed = deck.speed ();
+  if (deck.list && deck.list->next)
+    take_next (world, channel);
+  else
+    switch_to_precued (world, channel);
+  if (how.follow) {
+    deck.stop ();
+    go_on (world, channel, *how.follow, was_playing, speed);
+  }
+  if (how.transition.type == transition_dissolve)
+    deck.start_transition (how.transition.duration.value_or (usual_dissolve));
+}
+
+void close_recording (World &world, int channel) {
+  const Deck &deck = world.seen (channel);
+  if (!deck.recording_done || (deck.recording () && deck.recording_done->clip == deck.cue.content.name))
+    return;
+  const Recording done = *std::exchange (world.deck (channel).recording_done, std::nullopt);
+  if (!world.clips.exists (done.clip))
+    return;
+  Clip clip = world.clips.find (done.clip);
+  const std::int64_t grown = std::int64_t{done.length} - clip.length ();
+  if (clip.loop_out + 1 >= clip.length () && grown > 0)
+    clip.loop_out = done.length - 1;
+  clip.untrimmed += std::max<std::int64_t> (grown, 0);
+  clip.content_stamp = world.clips.stamp ();
+  world.clips.store (clip);
+  world.renew_clip (clip.id, clip.id);
+  world.report_clip ("clip_changed", clip.id);
+  if (grown > 0)
+    world.report_disk_space ();
+}
+
+} // namespace sim

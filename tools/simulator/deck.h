@@ -1,0 +1,81 @@
+#pragma once
+
+#include "channel.h"
+#include "items.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sim {
+
+inline constexpr int channel_count = 8;
+
+/// A list that is loaded on a channel: a copy of the stored one, which can be changed and played.
+struct LoadedList {
+  std::string id;
+  int mode = list_single;
+  std::optional<Transition> transition; ///< for items that have none of their own
+  std::vector<Item> items;
+  std::optional<std::size_t> now, next;
+  bool next_stands = false; ///< the next item is only to be cued
+  int loop = loop_off;
+  bool modified = false;
+  std::optional<Item> bed; ///< what is shown, over and over, when the list has come to its end
+};
+
+/// Who has taken a channel for transfers.
+struct Steal {
+  int status = steal_available;
+  int client = 0;
+  std::string name;
+};
+
+/// A channel with what is attached to it.
+struct Deck : Channel {
+  std::optional<LoadedList> list;
+  std::optional<LoadedList> chase;
+  std::optional<int> preview; ///< the channel that shows what comes next
+
+  Steal steal;
+
+  std::optional<LoadedList> &loaded_list (const ListKind &kind) { return &kind == &playlists ? list : chase; }
+};
+
+class World;
+
+// What happens to decks, with all that hangs on it: stamps of clips, precued clips, lists.
+
+/// What there is to show under that name. @throws Refusal when there is nothing.
+Content clip_content (World &world, const std::string &name);
+Content vclip_content (World &world, const std::string &name);
+
+/// How to show it from its beginning to its end.
+Cue whole_cue (const Content &content);
+
+/// The same without the places and the angle that the content does not have. @throws Refusal
+void check_cue (const Cue &cue);
+
+void load (World &world, int channel, const Cue &cue);
+void unload (World &world, int channel);
+void play (World &world, int channel, Fixed speed);
+void stop (World &world, int channel);
+
+/// Puts the clip that was precued first on the channel. It goes on as the channel went.
+/// @throws Refusal when nothing is precued.
+void switch_to_precued (World &world, int channel);
+
+/// The channel has come to the end of what it plays.
+void reach_end (World &world, int channel);
+
+/// Brings what waits on the air: the next item of the list, or the precued clip.
+struct Take {
+  Transition transition;
+  std::optional<int> follow; ///< number of `FollowSpeed`; absent: as the content says
+};
+void take (World &world, int channel, const Take &how);
+
+/// Writes clips back whose recording has ended.
+void close_recording (World &world, int channel);
+
+} // namespace sim

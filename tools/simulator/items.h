@@ -1,0 +1,49 @@
+#pragma once
+
+#include "values.h"
+#include "writer.h"
+
+#include <optional>
+#include <string>
+
+namespace sim {
+
+/// The two kinds of lists: playlists, and chase lists that follow a timecode. They differ in their names.
+struct ListKind {
+  std::int64_t number;
+  const char *name; ///< for people
+  const char *id, *from, *to, *index, *item, *change, *at_end;
+  const char *id_row, *item_row;
+  const char *report_type, *report;       ///< `report` goes on with `_created` and the like
+  const char *channel_report, *list_body; ///< `channel_report` goes on with `item_insert` and the like
+  int channel_report_type;
+};
+extern const ListKind playlists;
+extern const ListKind chases;
+
+struct Transition {
+  int type = 0;
+  std::optional<std::uint32_t> duration; ///< fields
+};
+
+/// One element of either kind of list. What the other kind would say stays absent.
+struct Item {
+  std::optional<std::string> clip, vclip;
+  std::optional<std::uint32_t> in, out; ///< the first and the last field to show
+  std::optional<Fixed> speed;
+  std::optional<int> angle, at_start, at_end;
+  std::optional<Transition> transition;
+  std::optional<std::uint32_t> offset, trigger;
+
+  /// Names nothing to show: such an item ends a list.
+  bool empty () const { return !clip && !vclip; }
+};
+
+Transition transition_of (const Arguments &record);
+Item item_of (const Arguments &record, const ListKind &kind);
+void write_item (Writer &out, const Item &item, const ListKind &kind);
+
+/// Changes the item as a `ListElementChange` or `ChaseElementChange` says.
+void change_item (Item &item, const Arguments &change, const ListKind &kind);
+
+} // namespace sim

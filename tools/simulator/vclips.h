@@ -1,0 +1,60 @@
+#pragma once
+
+#include "values.h"
+
+#include <cstdint>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace sim {
+
+/// A part of one track of a virtual clip, taken from a clip.
+struct Segment {
+  std::uint32_t at = 0;     ///< its first field in the virtual clip
+  std::uint32_t length = 0; ///< fields
+  std::string clip;
+  std::uint32_t from = 0; ///< the field of the clip that is shown first
+  Fixed speed = fixed_one;
+
+  std::uint32_t end () const { return at + length; }
+};
+
+/// A clip assembled from segments of others, track by track. The segments of a track are in order and do not
+/// overlap; where there is none, the track is empty.
+struct VirtualClip {
+  std::uint32_t length = 0;
+  std::map<int, std::vector<Segment>> tracks; ///< by number of `TrackType`
+  std::set<int> enabled;
+  bool open = false; ///< between start and end of a modification
+
+  void clear (int track, std::uint32_t at, std::uint32_t fields);
+  void add (int track, const Segment &segment);
+  /// Moves everything from a place on: later by a positive distance, earlier by a negative one, in which case
+  /// what stood in the way is gone. Nothing stays behind the end.
+  void ripple (int track, std::uint32_t at, std::int32_t distance);
+  /// One line for each segment: track, place, length, clip, first field, speed.
+  std::vector<std::string> lines () const;
+
+private:
+  void split (int track, std::uint32_t at);
+};
+
+/// The virtual clips of the server. They live as long as the process.
+class VirtualClips {
+public:
+  bool exists (const std::string &id) const { return clips_.contains (id); }
+  /// @throws Refusal when the name is empty or taken.
+  void create (const std::string &id, std::uint32_t length);
+  /// @throws Refusal when there is none of that name.
+  VirtualClip &find (const std::string &id);
+  void remove (const std::string &id);
+  /// The clip, open for changes. @throws Refusal when it is not.
+  VirtualClip &open (const std::string &id);
+
+private:
+  std::map<std::string, VirtualClip> clips_;
+};
+
+} // namespace sim
