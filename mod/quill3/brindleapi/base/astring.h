@@ -352,7 +352,7 @@ private:
 class AStringIterator {
 public:
   AStringIterator () = default;
-  explicit AStringIterator (const AString *text) : text_ (text), valid_ (text->first (&pos_, &c_)) {}
+  explicit AStringIterator (const AString *text) : text_ (text) { valid_ = text->first (&pos_, &c_); }
 
   /// The current code point, 0 at the end.
   AChar operator* () const { return valid_ ? c_ : AChar (); }
