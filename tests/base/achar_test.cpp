@@ -180,17 +180,20 @@ TEST (Utf8, EncodeRefusesWhatIsBehindTheLastPlane) {
   EXPECT_EQ (nbytes, 77u);
 }
 
+bool comes_back_from_utf8 (uint32_t v) {
+  char buffer[4];
+  unsigned nbytes = 0;
+  unsigned consumed = 0;
+  AChar back;
+  return encode_utf8 (AChar (v), buffer, 4, &nbytes) && decode_utf8 (buffer, nbytes, &back, &consumed) &&
+         back.value () == v && consumed == nbytes;
+}
+
 TEST (Utf8, EveryCodePointComesBack) {
-  for (uint32_t v = 1; v <= 0x10FFFF; ++v) {
-    char buffer[4];
-    unsigned nbytes = 0;
-    unsigned consumed = 0;
-    AChar back;
-    ASSERT_TRUE (encode_utf8 (AChar (v), buffer, 4, &nbytes)) << v;
-    ASSERT_TRUE (decode_utf8 (buffer, nbytes, &back, &consumed)) << v;
-    ASSERT_EQ (back.value (), v);
-    ASSERT_EQ (consumed, nbytes);
-  }
+  uint32_t v = 1;
+  while (v <= 0x10FFFF && comes_back_from_utf8 (v))
+    ++v;
+  EXPECT_EQ (v, 0x110000u);
 }
 
 TEST (Utf16, Decode) {
@@ -260,18 +263,21 @@ TEST (Utf16, Encode) {
   EXPECT_EQ (units[1], 0xDE00);
 }
 
+bool comes_back_from_utf16 (uint32_t v) {
+  char16_t units[2];
+  unsigned count = 0;
+  AChar back;
+  if (v >= 0xD800 && v <= 0xDFFF)
+    return !encode_utf16 (AChar (v), units, 2, &count);
+  return encode_utf16 (AChar (v), units, 2, &count) && decode_utf16 (units, count, &back, nullptr) &&
+         back.value () == v;
+}
+
 TEST (Utf16, EveryCodePointComesBack) {
-  for (uint32_t v = 1; v <= 0x10FFFF; ++v) {
-    char16_t units[2];
-    unsigned count = 0;
-    AChar back;
-    const bool surrogate = v >= 0xD800 && v <= 0xDFFF;
-    ASSERT_EQ (encode_utf16 (AChar (v), units, 2, &count), !surrogate);
-    if (surrogate)
-      continue;
-    ASSERT_TRUE (decode_utf16 (units, count, &back, nullptr));
-    ASSERT_EQ (back.value (), v);
-  }
+  uint32_t v = 1;
+  while (v <= 0x10FFFF && comes_back_from_utf16 (v))
+    ++v;
+  EXPECT_EQ (v, 0x110000u);
 }
 
 } // namespace

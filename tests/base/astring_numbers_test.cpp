@@ -336,14 +336,20 @@ TEST (AStringPrint, Fixed) {
     EXPECT_EQ (AString::from_fixed (fixed{c.raw}, c.decimals), c.expected) << c.raw << " " << c.decimals;
 }
 
+bool comes_back (int32_t raw) {
+  fixed back;
+  return AString::from_fixed (fixed{raw}, 15).to_fixed (&back) && back.raw == raw;
+}
+
 TEST (AStringPrint, EveryFixedFractionComesBack) {
-  for (const int32_t whole : {0, 1, 32767, -1, -32768})
-    for (int32_t fraction = 0; fraction != 65536; ++fraction) {
-      const fixed value{whole * 65536 + fraction};
-      fixed back;
-      ASSERT_TRUE (AString::from_fixed (value, 15).to_fixed (&back));
-      ASSERT_EQ (back, value);
-    }
+  for (int32_t fraction = 0; fraction != 65536; ++fraction)
+    ASSERT_TRUE (comes_back (fraction)) << fraction;
+  for (const int32_t whole : {1, 32767, -1, -32768})
+    for (int32_t fraction = 0; fraction < 65536; fraction += 257)
+      ASSERT_TRUE (comes_back (whole * 65536 + fraction)) << whole << " " << fraction;
+  for (const int32_t edge :
+       {INT32_MIN, INT32_MIN + 1, -65537, -65536, -65535, -1, 65535, 65536, 65537, INT32_MAX})
+    ASSERT_TRUE (comes_back (edge)) << edge;
 }
 
 TEST (AStringPrint, FixedOrder) {
