@@ -3,6 +3,7 @@
 #include "base/bsem.h"
 #include "base/csem.h"
 #include "platform/clocks.h"
+#include "platform/sanitizers.h"
 #include "support/assert_counter.h"
 
 #include <gtest/gtest.h>
@@ -15,6 +16,14 @@
 namespace {
 
 constexpr unsigned long_wait = 20000;
+
+// clang's analysis takes every mutex for one that is not recursive; these are called behind its back.
+bool lock (AMutex &mutex) KELVANE_NO_THREAD_SAFETY_ANALYSIS {
+  return mutex.lock ();
+}
+bool unlock (AMutex &mutex) KELVANE_NO_THREAD_SAFETY_ANALYSIS {
+  return mutex.unlock ();
+}
 
 // Takes and gives back the mutex on a thread of its own and tells when it has.
 class Contender {
@@ -124,32 +133,34 @@ TEST (Csem, OneThatCouldNotBeMadeShowsItAtItsFirstWait) {
 
 TEST (AMutex, IsRecursive) {
   AMutex mutex;
-  EXPECT_TRUE (mutex.lock ());
-  EXPECT_TRUE (mutex.lock ());
-  EXPECT_TRUE (mutex.unlock ());
+  EXPECT_TRUE (lock (mutex));
+  EXPECT_TRUE (lock (mutex));
+  EXPECT_TRUE (unlock (mutex));
   {
     Contender other (mutex);
     EXPECT_FALSE (other.got_within (30));
-    EXPECT_TRUE (mutex.unlock ());
+    EXPECT_TRUE (unlock (mutex));
     EXPECT_TRUE (other.got_within (long_wait));
   }
-  EXPECT_FALSE (mutex.unlock ());
+  if (!platform::under_thread_sanitizer) { // which reports it
+    EXPECT_FALSE (unlock (mutex));
+  }
 }
 
 TEST (AMutex, WithoutAMutexEverythingFails) {
   AMutex none (nullptr);
-  EXPECT_FALSE (none.lock ());
-  EXPECT_FALSE (none.unlock ());
+  EXPECT_FALSE (lock (none));
+  EXPECT_FALSE (unlock (none));
   EXPECT_FALSE (AMutexLock (&none).is_locked ());
 }
 
 TEST (AMutex, AnAbandonedOneFailsOnceAndIsFree) {
   AMutex mutex;
-  std::thread ([&] { EXPECT_TRUE (mutex.lock ()); }).join ();
-  EXPECT_FALSE (mutex.lock ());
+  std::thread ([&] { EXPECT_TRUE (lock (mutex)); }).join ();
+  EXPECT_FALSE (lock (mutex));
   std::thread ([&] {
-    EXPECT_TRUE (mutex.lock ());
-    EXPECT_TRUE (mutex.unlock ());
+    EXPECT_TRUE (lock (mutex));
+    EXPECT_TRUE (unlock (mutex));
   }).join ();
 }
 
@@ -168,6 +179,15 @@ TEST (AMutexLock, IsHeldUntilTheLastCopyGoes) {
   first.reset ();
   EXPECT_FALSE (other.got_within (30));
   second.reset ();
+  EXPECT_TRUE (other.got_within (long_wait));
+}
+
+TEST (AMutexScope, IsHeldUntilItsEnd) {
+  AMutex mutex;
+  auto scope = std::make_unique<AMutexScope> (mutex);
+  Contender other (mutex);
+  EXPECT_FALSE (other.got_within (30));
+  scope.reset ();
   EXPECT_TRUE (other.got_within (long_wait));
 }
 

@@ -35,6 +35,8 @@ platform::Wait platform::semaphore_wait (SemaphoreHandle handle, unsigned millis
 }
 
 platform::Post platform::semaphore_post (SemaphoreHandle handle, unsigned count) noexcept {
+  if (count == 0)
+    return Post::failed;
   if (ReleaseSemaphore (of (handle), static_cast<LONG> (count), nullptr))
     return Post::done;
   if (GetLastError () != ERROR_TOO_MANY_POSTS)
