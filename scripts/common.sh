@@ -5,20 +5,19 @@ cd "$root" || exit 1
 export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8
 jobs=$(nproc)
 
-packages () {
-  sed 's/#.*//' "$root/scripts/packages" | xargs -n 1
-}
-
-missing_packages () {
-  packages | while read -r package; do
+missing_packages () { # <purpose>...
+  local purpose package
+  for purpose; do
+    sed -n "s/^$purpose //p" scripts/packages
+  done | while read -r package; do
     dpkg-query -W -f '${db:Status-Status}\n' "$package" 2>/dev/null | grep -qx installed || echo "$package"
   done
 }
 
 # Installs what is missing, or says what to do.
-install_missing () {
+install_missing () { # <purpose>...
   local missing as_root="" log
-  missing=$(missing_packages | xargs)
+  missing=$(missing_packages "$@" | xargs)
   [ -n "$missing" ] || return 0
   if ! command -v apt-get >/dev/null; then
     echo "This needs Debian packages, and there is no apt-get here: $missing" >&2
