@@ -57,6 +57,7 @@ void OrvaConnObject::synchronous (ARef<OrvaConnObject> self, uint32_t flag) {
 }
 
 void OrvaConnObject::sync (ARef<OrvaConnObject> self) {
-  while (self->pending_commands_.load () != 0)
+  OrvaConnObject &connection = *self;
+  while (connection.pending_commands_.load () != 0)
     platform::sleep_milliseconds (sync_poll_milliseconds);
 }
