@@ -214,7 +214,3 @@ class EveryCommand(support.Case):
                 text = client.ask("<%s>text</%s>" % (name, name))
                 self.assertEqual(text, ["<error><ErrorMessage>%s holds text instead of elements</ErrorMessage>"
                                         "<ErrorCode>general</ErrorCode></error>" % name])
-
-
-if __name__ == "__main__":
-    support.main()

@@ -154,7 +154,63 @@ def tag(report, name):
     return re.search("<%s>(.*?)</%s>" % (name, name), report).group(1)
 
 
-def main():
+class Result(unittest.TestResult):
+    """Prints what the other test programs print, so that results can be counted in the same way."""
+
+    def startTest(self, test):
+        super().startTest(test)
+        self.began = time.monotonic()
+        self.problems = 0
+        print("[ RUN      ] " + test.id(), flush=True)
+
+    def note(self, test, problem):
+        self.problems += 1
+        print("%s\n%s" % (test.id(), self._exc_info_to_string(problem, test)))
+
+    def addError(self, test, err):
+        super().addError(test, err)
+        if isinstance(test, unittest.TestCase):
+            self.note(test, err)
+        else:  # a server that could not be started, or ended badly
+            print("[  FAILED  ] %s (0 ms)\n%s" % (test.id(), self._exc_info_to_string(err, test)))
+
+    def addFailure(self, test, err):
+        super().addFailure(test, err)
+        self.note(test, err)
+
+    def addSubTest(self, test, subtest, err):
+        super().addSubTest(test, subtest, err)
+        if err is not None:
+            self.note(subtest, err)
+
+    def stopTest(self, test):
+        super().stopTest(test)
+        word = "[  FAILED  ]" if self.problems else "[       OK ]"
+        print("%s %s (%d ms)" % (word, test.id(), (time.monotonic() - self.began) * 1000), flush=True)
+
+
+def flat(suite):
+    for test in suite:
+        if isinstance(test, unittest.TestSuite):
+            yield from flat(test)
+        else:
+            yield test
+
+
+def chosen_tests():
+    """All tests, or those of this part when the environment asks for a part; arguments are parts of names."""
+    tests = list(flat(unittest.defaultTestLoader.discover(os.path.dirname(os.path.abspath(__file__)), "*_test.py")))
+    wanted = [test for test in tests if not sys.argv[1:] or any(word in test.id() for word in sys.argv[1:])]
+    parts = int(os.environ.get("GTEST_TOTAL_SHARDS", "1"))
+    return wanted[int(os.environ.get("GTEST_SHARD_INDEX", "0"))::parts]
+
+
+def run_all(program):
     global PROGRAM
-    PROGRAM = sys.argv.pop(1)
-    unittest.main(module="__main__")
+    PROGRAM = program
+    suite = unittest.TestSuite(chosen_tests())
+    result = Result()
+    result.failfast = False
+    suite.run(result)
+    print("[==========] %d tests ran." % result.testsRun)
+    return 0 if result.wasSuccessful() else 1

@@ -146,7 +146,3 @@ class Process(unittest.TestCase):
             self.assertEqual(simulator.stop(), 0)
             self.assertIsNone(client.message())
             client.close()
-
-
-if __name__ == "__main__":
-    support.main()

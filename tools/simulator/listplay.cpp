@@ -118,6 +118,7 @@ void finish (World &world, int channel) {
   Cue cue = item_cue (world, *deck.list->bed);
   cue.loop = loop_loop;
   load (world, channel, cue);
+  deck.skip_cueing ();
   deck.list->now.reset ();
   start_item (world, channel, *deck.list->bed, true);
 }
