@@ -1,5 +1,7 @@
 #pragma once
 
+#include "api/channel_cache.h"
+#include "api/notify.h"
 #include "api/results.h"
 #include "base/aref.h"
 #include "base/atomic_unsigned.h"
@@ -7,7 +9,10 @@
 #include "engine/quill3_client.h"
 #include "orva.h"
 
+#include <array>
 #include <atomic>
+#include <initializer_list>
+#include <memory>
 
 /// The library's view of one server: the protocol's client, with one operation for each exported function,
 /// and the completion objects that turn the protocol's callbacks into blocking calls.
@@ -173,12 +178,64 @@ public:
   static ResultCode disk_usage1 (ARef<OrvaConnObject> self, uint64_t *total, uint64_t *available,
                                  uint32_t *field_size);
 
+  // --- State of channels, notices (orva_channels.cpp)
+
+  static ResultCode channel_clip (ARef<OrvaConnObject> self, uint32_t channel, OrvaStringBuffer clip);
+  static ResultCode channel_clip_length (ARef<OrvaConnObject> self, uint32_t channel, uint32_t *length);
+  static ResultCode channel_position (ARef<OrvaConnObject> self, uint32_t channel, uint32_t *position);
+  static ResultCode channel_precue_count (ARef<OrvaConnObject> self, uint32_t channel, uint32_t *count);
+  static ResultCode channel_status (ARef<OrvaConnObject> self, uint32_t channel, uint32_t *status);
+  static ResultCode channel_repeat (ARef<OrvaConnObject> self, uint32_t channel, uint32_t *repeat);
+  static ResultCode channel_speed (ARef<OrvaConnObject> self, uint32_t channel, double *speed);
+  static ResultCode channel_angle (ARef<OrvaConnObject> self, uint32_t channel, uint32_t *angle,
+                                   uint32_t *angle_count);
+  static ResultCode channel_ee (ARef<OrvaConnObject> self, uint32_t channel, uint32_t *edit_bits,
+                                uint32_t *mode);
+  static void get_notification (ARef<OrvaConnObject> self, uint32_t timeout, uint32_t *kind,
+                                uint32_t *channel);
+
+  // --- Playlists (orva_playlists.cpp)
+
+  static ResultCode cmd_playlist_play_now (ARef<OrvaConnObject> self, uint32_t channel, uint32_t index);
+  static ResultCode cmd_playlist_play_next (ARef<OrvaConnObject> self, uint32_t channel, uint32_t index);
+  static ResultCode cmd_playlist_cue_now (ARef<OrvaConnObject> self, uint32_t channel, uint32_t index);
+  static ResultCode cmd_playlist_cue_next (ARef<OrvaConnObject> self, uint32_t channel, uint32_t index);
+  static ResultCode cmd_playlist_cue_list (ARef<OrvaConnObject> self, uint32_t channel);
+  static ResultCode playlist_status (ARef<OrvaConnObject> self, uint32_t channel, uint32_t *loaded);
+  static ResultCode playlist_count (ARef<OrvaConnObject> self, uint32_t channel, uint32_t *count);
+
 protected:
   // --- Lifecycle
 
   /// Registers again, without waiting, what callers have asked for so far: the server forgets with the
   /// connection, the library does not. On the connection's thread, at the start of each connection.
   void on_connected () override;
+
+  // --- State of channels, playlists: what the server reports
+
+  void on_channel_status (uint32_t Channel, uint32_t ChannelStatus, AOption<AString> ClipID) override;
+  void on_channel_clipid (uint32_t Channel, AString ClipID) override;
+  void on_channel_speed (uint32_t Channel, Kelvane::fixed Speed) override;
+  void on_channel_timecode (uint32_t Channel, uint32_t ClipPosition, QUILL3::Timecode DisplayTimecode,
+                            QUILL3::Timecode InputTimecode) override;
+  void on_channel_info (uint32_t Channel, QUILL3::ChannelInformation ChannelInformation) override;
+
+  void on_channel_listplay_list (uint32_t Channel, AString ListID, uint32_t ListPlayMode) override;
+  void on_channel_listplay_unloaded (uint32_t Channel) override;
+  void on_channel_listplay_item_exists (uint32_t Channel, uint16_t ListIndex,
+                                        QUILL3::ListElement ListElement) override;
+  void on_channel_listplay_item_insert (uint32_t Channel, uint16_t ListIndex,
+                                        QUILL3::ListElement ListElement) override;
+  void on_channel_listplay_item_remove (uint32_t Channel, uint16_t ListIndex) override;
+  void on_channel_listplay_clear_all (uint32_t Channel) override;
+  void on_channel_listplay_air_now (uint32_t Channel, QUILL3::ListPlaybackIndex position) override;
+  void on_channel_listplay_air_lock (uint32_t Channel, QUILL3::ListPlaybackIndex position) override;
+  void on_channel_listplay_air_next (uint32_t Channel, QUILL3::ListPlaybackIndex position) override;
+  void on_channel_listplay_loop (uint32_t Channel, uint32_t Loop) override;
+
+  /// @param channel below channel_count
+  ChannelCache &channel_cache (uint32_t channel) { return *channels_[channel]; }
+  Notifier &notifier () { return notifier_; }
 
 private:
   // --- Waiting or not
@@ -194,6 +251,32 @@ private:
   // Not 0: the server has been asked for these reports, and is asked again on each new connection.
   atomic_unsigned clip_reports_registered_;
   atomic_unsigned directory_reports_registered_;
+
+  // --- State of channels (channel_query.h, orva_channels.cpp)
+
+  template <class Item, class Read>
+  static ResultCode query_channel (const ARef<OrvaConnObject> &self, uint32_t channel,
+                                   Item ChannelCache::*item, Read read);
+  template <class Item>
+  static ResultCode channel_item_accessor (const ARef<OrvaConnObject> &self, uint32_t channel,
+                                           Item ChannelCache::*item);
+  static ResultCode no_such_channel (uint32_t channel);
+  /// Registers the report of an item, unless that has been done, and waits for its first value.
+  static ResultCode ensure_channel_item (const ARef<OrvaConnObject> &self, uint32_t channel,
+                                         uint32_t report_type, atomic_unsigned &registered,
+                                         const atomic_unsigned &valid);
+  void register_channel_reports ();
+  template <class Item>
+  void keep_channel_value (uint32_t channel, Item ChannelCache::*item, typename Item::Value value,
+                           std::initializer_list<uint32_t> notices);
+
+  const std::array<std::unique_ptr<ChannelCache>, channel_count> channels_;
+  Notifier notifier_;
+
+  // --- Playlists (orva_playlists.cpp)
+
+  template <class Change>
+  void change_listplay (uint32_t channel, Change change);
 
   bsem spare_semaphore_{false}; ///< lives and dies with the object; nothing waits on it
 };

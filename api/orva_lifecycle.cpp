@@ -12,9 +12,16 @@ constexpr uint32_t report_directory_change = 5;
 
 constexpr unsigned sync_poll_milliseconds = 1;
 
+std::array<std::unique_ptr<ChannelCache>, OrvaConnObject::channel_count> new_channels () {
+  std::array<std::unique_ptr<ChannelCache>, OrvaConnObject::channel_count> channels;
+  for (auto &channel : channels)
+    channel = std::make_unique<ChannelCache> ();
+  return channels;
+}
+
 } // namespace
 
-OrvaConnObject::OrvaConnObject () = default;
+OrvaConnObject::OrvaConnObject () : channels_ (new_channels ()) {}
 
 OrvaConnObject::~OrvaConnObject () {
   stop_and_join ();
@@ -32,6 +39,7 @@ void OrvaConnObject::on_connected () {
     report_register ({.ReportType = report_clip_change});
   if (directory_reports_registered_.load () != 0)
     report_register ({.ReportType = report_directory_change});
+  register_channel_reports ();
 }
 
 ResultCode OrvaConnObject::ensure_report (const ARef<OrvaConnObject> &self, atomic_unsigned &registered,

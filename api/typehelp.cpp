@@ -2,6 +2,7 @@
 
 #include "base/kelvane_assert.h"
 
+#include <cmath>
 #include <iterator>
 #include <type_traits>
 
@@ -34,6 +35,9 @@ constexpr uint8_t rates[] = {
     0, 1, 2,                                                       // 720, 60p to 50p
     2, 1,                                                          // 625 and 525
 };
+
+/// OrvaChannelStatus by ChannelStatus, "nochannel" to "timedelay".
+constexpr uint8_t exported_statuses[] = {0, 1, 2, 1, 3, 4, 4, 1, 0};
 
 /// @p value where it is below @p end, else 0.
 constexpr uint32_t table (uint32_t value, uint32_t end) {
@@ -140,14 +144,18 @@ QUILL3::TrackSet track_set_from_mask (uint32_t mask, bool with_timecode) {
 }
 
 Kelvane::fixed speed_to_wire (double speed) {
-  if (speed != speed)
-    return {};
+  if (std::isnan (speed))
+    return Kelvane::fixed{INT32_MIN};
   const double held = speed < -fastest ? -fastest : speed > fastest ? fastest : speed;
   return Kelvane::fixed{static_cast<int32_t> (held * fixed_one)};
 }
 
 uint32_t repeat_from_wire (uint32_t loop) {
   return table (loop, 5);
+}
+
+uint32_t channel_status_from_wire (uint32_t status) {
+  return status < std::size (exported_statuses) ? exported_statuses[status] : 0;
 }
 
 uint32_t timecode_source_from_wire (uint32_t source) {

@@ -50,13 +50,18 @@ uint16_t edit_mask_to_wire (uint32_t bits);
 /// Bit 0 video and, with @p with_timecode, timecode; bit 1 key; bit 2 audio, in this order.
 QUILL3::TrackSet track_set_from_mask (uint32_t mask, bool with_timecode);
 
-/// Held to -200.0 to 200.0 and cut toward zero to steps of 1/65536. What is not a number gives 0.
+/// Held to -200.0 to 200.0 and cut toward zero to steps of 1/65536. What is not a number gives
+/// the smallest value, as the processor converts it: servers refuse it, and so a caller's mistake is seen.
 Kelvane::fixed speed_to_wire (double speed);
 
 // Protocol value to exported number.
 
 /// `Loop` 0 to 4; "auto" and "record" read as 0.
 uint32_t repeat_from_wire (uint32_t loop);
+
+/// `ChannelStatus`: 0 no channel, 1 stopped, 2 cueing, 3 playing, 4 recording. "timedelay" reads as no
+/// channel.
+uint32_t channel_status_from_wire (uint32_t status);
 
 /// `TimecodeSource` 0 to 3. Checked.
 uint32_t timecode_source_from_wire (uint32_t source);

@@ -468,6 +468,115 @@ ORVA_API uint32_t orva_disk_usage1 (uint32_t connection, uint64_t *total, uint64
  */
 ORVA_API uint32_t orva_disk_usage2 (uint32_t connection, uint32_t *total, uint32_t *available);
 
+/* ---- State of channels -------------------------------------------------------------------------------- */
+/*
+ * The server is not asked: it reports changes, and these functions answer from what it has reported. The
+ * first query of a kind on a channel registers the report that feeds it, which is one round trip, and waits
+ * for the first value: 5 to 6 seconds at most, after which it gives ORVA_ERROR with "Register for channel
+ * item failed unexpectedly", and the next query tries again. From then on a query costs no traffic and never
+ * waits, and a change raises a notice. The library registers again by itself whenever the connection is made
+ * anew.
+ *
+ * While the server is away, queries of what has been registered go on giving the last values; only
+ * orva_connected() tells. A channel above 7 is ORVA_ERROR with "Channel 8 does not exist" or the like, and
+ * nothing is sent. Values of one channel may be from different moments.
+ */
+
+/** What a channel does. */
+enum OrvaChannelStatus {
+  ORVA_CHANNEL_NONE = 0,    /**< no channel, or one in a time delay, or one that the library does not know */
+  ORVA_CHANNEL_STOPPED = 1, /**< idle, stopped or showing a test pattern */
+  ORVA_CHANNEL_CUEING = 2,
+  ORVA_CHANNEL_PLAYING = 3,
+  ORVA_CHANNEL_RECORDING = 4 /**< recording, or inserting */
+};
+
+/** The clip on a channel. @param clip receives its name, empty when there is none. */
+ORVA_API uint32_t orva_channel_clip (uint32_t connection, uint32_t channel, OrvaStringBuffer clip);
+/** The length of that clip. @param length receives it in fields, 0 when the server does not tell. */
+ORVA_API uint32_t orva_channel_clip_length (uint32_t connection, uint32_t channel, uint32_t *length);
+/** Where the channel stands in its clip. @param position receives it in fields. */
+ORVA_API uint32_t orva_channel_position (uint32_t connection, uint32_t channel, uint32_t *position);
+/** How many clips are cued to follow. @param count receives it, 0 when the server does not tell. */
+ORVA_API uint32_t orva_channel_precue_count (uint32_t connection, uint32_t channel, uint32_t *count);
+/** What the channel does. @param status receives an OrvaChannelStatus. */
+ORVA_API uint32_t orva_channel_status (uint32_t connection, uint32_t channel, uint32_t *status);
+/** How the channel repeats its clip. @param repeat receives an OrvaRepeat; other modes read as off. */
+ORVA_API uint32_t orva_channel_repeat (uint32_t connection, uint32_t channel, uint32_t *repeat);
+/** How fast the channel plays. @param speed receives it; 1.0 is normal forward play. */
+ORVA_API uint32_t orva_channel_speed (uint32_t connection, uint32_t channel, double *speed);
+/**
+ * The camera angle of the channel.
+ * @param angle receives it, 0 when the server does not tell. @param angle_count receives how many the clip
+ *   has, 1 when the server does not tell. Either may be null; the report is registered all the same.
+ */
+ORVA_API uint32_t orva_channel_angle (uint32_t connection, uint32_t channel, uint32_t *angle,
+                                      uint32_t *angle_count);
+/**
+ * What the channel shows of its input.
+ * @param edit_bits receives the tracks, as orva_ee1() takes them. @param mode receives 1 for manual and 0 for
+ *   automatic. Both are 0 when the server does not tell; either may be null.
+ */
+ORVA_API uint32_t orva_channel_ee (uint32_t connection, uint32_t channel, uint32_t *edit_bits,
+                                   uint32_t *mode);
+
+/* ---- Notices ------------------------------------------------------------------------------------------ */
+
+/** Which value of a channel has changed, and so which query gives the new one. */
+enum OrvaNotice {
+  ORVA_NOTICE_NONE = 0,         /**< the time was up */
+  ORVA_NOTICE_CLIP = 1,         /**< orva_channel_clip() */
+  ORVA_NOTICE_CLIP_LENGTH = 2,  /**< orva_channel_clip_length() */
+  ORVA_NOTICE_POSITION = 3,     /**< orva_channel_position() */
+  ORVA_NOTICE_PRECUE_COUNT = 4, /**< orva_channel_precue_count() */
+  ORVA_NOTICE_STATUS = 5,       /**< orva_channel_status() */
+  ORVA_NOTICE_REPEAT = 6,       /**< orva_channel_repeat() */
+  ORVA_NOTICE_SPEED = 7,        /**< orva_channel_speed() */
+  ORVA_NOTICE_ANGLE = 8,        /**< orva_channel_angle() */
+  ORVA_NOTICE_EE = 9            /**< orva_channel_ee() */
+};
+
+/**
+ * Waits until a value of some channel has changed, and tells which; the value itself is then asked for. A
+ * value that changes many times before the caller looks is told once, so nobody falls behind, and a change
+ * after the notice was taken is told again. Only what some query has asked for once is told. Kinds 2, 4, 6, 8
+ * and 9 come together, whether they have changed or not.
+ * @param timeout how long to wait, in milliseconds; 0 only looks. 0xFFFFFFFF is 49 days, not for ever.
+ * @param kind receives an OrvaNotice, ORVA_NOTICE_NONE when the time was up.
+ * @param channel receives the channel, 0 when the time was up. Either pointer may be null.
+ * @return ORVA_OK, also when the time was up, and then no text is recorded; ORVA_INVALID_HANDLE, at once and
+ *   with both values left alone, for a connection that is not open. Any number of threads may wait; each
+ *   notice goes to one of them. A connection that is closed meanwhile ends with the last of the waits on it.
+ */
+ORVA_API uint32_t orva_get_notification (uint32_t connection, uint32_t timeout, uint32_t *kind,
+                                         uint32_t *channel);
+
+/* ---- Playlists ---------------------------------------------------------------------------------------- */
+/*
+ * A channel can play a list of clips that the server holds. Ordinary commands; a channel above 7 is taken for
+ * channel 0. An index counts from 0; its low 16 bits count.
+ */
+
+/** Plays an element of the channel's list now. */
+ORVA_API uint32_t orva_cmd_playlist_play_now (uint32_t connection, uint32_t channel, uint32_t index);
+/** Plays an element of the channel's list after the one that is on air. */
+ORVA_API uint32_t orva_cmd_playlist_play_next (uint32_t connection, uint32_t channel, uint32_t index);
+/** Cues an element of the channel's list now, without playing it. */
+ORVA_API uint32_t orva_cmd_playlist_cue_now (uint32_t connection, uint32_t channel, uint32_t index);
+/** Cues an element of the channel's list after the one that is on air, without playing it. */
+ORVA_API uint32_t orva_cmd_playlist_cue_next (uint32_t connection, uint32_t channel, uint32_t index);
+/** Cues the channel's list at its first element. */
+ORVA_API uint32_t orva_cmd_playlist_cue_list (uint32_t connection, uint32_t channel);
+/**
+ * Meant to tell whether a list is loaded on the channel. In this version it asks the server to report, waits
+ * 5 to 6 seconds and gives ORVA_ERROR with "Register for channel item failed unexpectedly", each time.
+ * @param loaded would receive 1 or 0; may be null.
+ */
+ORVA_API uint32_t orva_playlist_status (uint32_t connection, uint32_t channel, uint32_t *loaded);
+/** Meant to tell how many elements that list has; fares as orva_playlist_status(). @param count may be null.
+ */
+ORVA_API uint32_t orva_playlist_count (uint32_t connection, uint32_t channel, uint32_t *count);
+
 #ifdef __cplusplus
 }
 #endif
