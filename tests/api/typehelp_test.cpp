@@ -126,7 +126,7 @@ TEST (TypeHelp, Speeds) {
   EXPECT_EQ (speed_to_wire (-1.00001).raw, -65536);
   EXPECT_EQ (speed_to_wire (std::numeric_limits<double>::infinity ()).raw, 200 * 65536);
   EXPECT_EQ (speed_to_wire (-std::numeric_limits<double>::infinity ()).raw, -200 * 65536);
-  EXPECT_EQ (speed_to_wire (std::numeric_limits<double>::quiet_NaN ()).raw, 0);
+  EXPECT_EQ (speed_to_wire (std::numeric_limits<double>::quiet_NaN ()).raw, INT32_MIN);
   EXPECT_EQ (speed_from_wire (Kelvane::fixed{0x18000}), 1.5);
   EXPECT_EQ (speed_from_wire (Kelvane::fixed{-32768}), -0.5);
   EXPECT_EQ (speed_from_wire (Kelvane::fixed{INT32_MIN}), -32768.0);

@@ -68,8 +68,9 @@ std::string clip_of (uint32_t connection, uint32_t channel) {
       [=] (OrvaStringBuffer text) { EXPECT_EQ (orva_channel_clip (connection, channel, text), ORVA_OK); });
 }
 
-uint32_t number (uint32_t (*query) (uint32_t, uint32_t, uint32_t *), uint32_t connection, uint32_t channel) {
-  uint32_t value = 77;
+template <class Value>
+Value number (uint32_t (*query) (uint32_t, uint32_t, Value *), uint32_t connection, uint32_t channel) {
+  Value value = 77;
   EXPECT_EQ (query (connection, channel, &value), ORVA_OK) << last_error ();
   return value;
 }
