@@ -6,7 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include <future>
+#include <condition_variable>
+#include <mutex>
 
 namespace {
 /// Runs something on a thread with 65536 bytes of stack and waits for it.
@@ -14,16 +15,20 @@ template <class Run>
 void on_small_stack (Run run) {
   struct Job {
     Run run;
-    std::promise<void> done;
-  } job{std::move (run), {}};
-  std::future<void> done = job.done.get_future ();
+    std::mutex lock{};
+    std::condition_variable ended{};
+    bool done = false;
+  } job{std::move (run)};
   const auto start = [] (void *argument) {
     auto *j = static_cast<Job *> (argument);
     j->run ();
-    j->done.set_value_at_thread_exit ();
+    const std::lock_guard held (j->lock);
+    j->done = true;
+    j->ended.notify_one ();
   };
   ASSERT_TRUE (platform::thread_start (start, &job));
-  done.wait ();
+  std::unique_lock held (job.lock);
+  job.ended.wait (held, [&job] { return job.done; });
 }
 
 /// Counts the bytes of what is written.
