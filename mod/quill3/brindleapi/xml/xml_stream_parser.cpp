@@ -148,6 +148,10 @@ bool XMLStreamParser::find_opening () {
 bool XMLStreamParser::find_frame (Frame *frame) {
   if (open_name_ == nullptr && !find_opening ())
     return false;
+  if (!KELVANE_ASSERT (open_pos_ < used_)) {
+    failed_ = true;
+    return false;
+  }
   const uint64_t buflen = used_ - open_pos_;
   const Bytes element{bytes () + open_pos_, buflen};
   Match result;
