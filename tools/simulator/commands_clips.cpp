@@ -103,8 +103,8 @@ void create_clip (Call &call) {
   const std::set<int> types = call.arguments.words ("TrackSet");
   if (types.empty ())
     throw Refusal ("A clip needs a track");
-  const std::optional<int> channel =
-      call.arguments.has ("Channel") ? std::optional (channel_of (call.arguments)) : std::nullopt;
+  const bool loads = call.arguments.has ("Channel");
+  const int channel = loads ? channel_of (call.arguments) : 0;
   Clip clip;
   clip.id = call.arguments.text ("ClipID");
   clip.standard = call.world.standard.name;
@@ -113,8 +113,8 @@ void create_clip (Call &call) {
   for (const int type : types)
     clip.tracks.push_back ({type, {}});
   take_in (call.world, clip);
-  if (channel)
-    load (call.world, *channel, whole_cue (clip_content (call.world, clip.id)));
+  if (loads)
+    load (call.world, channel, whole_cue (clip_content (call.world, clip.id)));
 }
 
 void create_child_clip (Call &call) {

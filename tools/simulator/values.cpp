@@ -146,11 +146,12 @@ std::optional<Fixed> read_fixed (std::string_view text) {
 std::string fixed_text (Fixed value) {
   const std::uint64_t bits =
       static_cast<std::uint64_t> (value < 0 ? -std::int64_t{value} : std::int64_t{value});
-  std::string text = (value < 0 ? "-" : "") + std::to_string (bits >> 16);
+  std::string text = fmt::format ("{}{}", value < 0 ? "-" : "", bits >> 16);
   if (const std::uint64_t fraction = bits & 0xFFFF; fraction != 0) {
     // A fraction of 65536 times ten to the fifteenth, rounded: five to the fifteenth, halved.
     text += fmt::format (".{:015}", (fraction * 30517578125u + 1) / 2);
-    text.erase (text.find_last_not_of ('0') + 1);
+    while (text.back () == '0')
+      text.pop_back ();
   }
   return text + 'X';
 }
