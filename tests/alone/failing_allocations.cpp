@@ -26,22 +26,24 @@ void *allocate (std::size_t size) noexcept {
 
 } // namespace
 
-void *operator new (std::size_t size) {
+// Not inlined: next to a new, a compiler takes the call of free for a mistake.
+
+[[gnu::noinline]] void *operator new (std::size_t size) {
   void *const memory = allocate (size);
   if (memory == nullptr)
     throw std::bad_alloc ();
   return memory;
 }
-void *operator new (std::size_t size, const std::nothrow_t &) noexcept {
+[[gnu::noinline]] void *operator new (std::size_t size, const std::nothrow_t &) noexcept {
   return allocate (size);
 }
-void operator delete (void *memory) noexcept {
+[[gnu::noinline]] void operator delete (void *memory) noexcept {
   std::free (memory);
 }
-void operator delete (void *memory, std::size_t) noexcept {
+[[gnu::noinline]] void operator delete (void *memory, std::size_t) noexcept {
   std::free (memory);
 }
-void operator delete (void *memory, const std::nothrow_t &) noexcept {
+[[gnu::noinline]] void operator delete (void *memory, const std::nothrow_t &) noexcept {
   std::free (memory);
 }
 
