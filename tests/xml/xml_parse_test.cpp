@@ -75,12 +75,8 @@ constexpr Row wide[] = {
     {"<a>\xC4\x80<b/>\xE2\x82\xAC</a>", "<a><b /></a>"},
     {"<a><b/>\xF0\x9F\x8E\xAC<c/></a>", "<a><b /><c /></a>"},
     {"\xC4\x80<a/>\xE2\x82\xAC", "<a />"},
-    {"<\xC4\x80"
-     "a\xC4\x80/\xC4\x80>",
-     "<a />"},
-    {"<a>x</\xC4\x80"
-     "a>",
-     "<a>x</a>"},
+    {"<\xC4\x80\x61\xC4\x80/\xC4\x80>", "<a />"},
+    {"<a>x</\xC4\x80\x61>", "<a>x</a>"},
     {"<a>\xC4\x80</a>", "<a>\xC4\x80</a>"},
     {"<a>\xC3\xA9\xE2\x82\xAC\xF0\x9F\x8E\xAC</a>", "<a>\xC3\xA9\xE2\x82\xAC\xF0\x9F\x8E\xAC</a>"},
 };
@@ -107,18 +103,9 @@ constexpr const char *beyond_the_subset[] = {
     "<!DOCTYPE a><a/>",  "<a><![CDATA[x]]></a>", "<a x='>'/>"};
 INSTANTIATE_TEST_SUITE_P (BeyondTheSubset, XMLRefused, testing::ValuesIn (beyond_the_subset));
 
-constexpr const char *bad_names[] = {"<1a/>",
-                                     "<_a/>",
-                                     "<a-b/>",
-                                     "<a:b/>",
-                                     "<a.b/>",
-                                     "<a b/>",
-                                     "<\xC3\xA9/>",
-                                     "<a\xC3\xA9/>",
-                                     "<a\xC4\x80"
-                                     "b/>",
-                                     "<a>x</a-b>",
-                                     "<a\xC2\x80/>"};
+constexpr const char *bad_names[] = {
+    "<1a/>",       "<_a/>",        "<a-b/>",           "<a:b/>",     "<a.b/>",      "<a b/>",
+    "<\xC3\xA9/>", "<a\xC3\xA9/>", "<a\xC4\x80\x62/>", "<a>x</a-b>", "<a\xC2\x80/>"};
 INSTANTIATE_TEST_SUITE_P (Names, XMLRefused, testing::ValuesIn (bad_names));
 
 constexpr const char *structure[] = {
