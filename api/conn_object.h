@@ -1,8 +1,10 @@
 #pragma once
 
 #include "api/channel_cache.h"
+#include "api/kv_watch.h"
 #include "api/notify.h"
 #include "api/results.h"
+#include "base/aprotect.h"
 #include "base/aref.h"
 #include "base/atomic_unsigned.h"
 #include "base/bsem.h"
@@ -204,6 +206,21 @@ public:
   static ResultCode playlist_status (ARef<OrvaConnObject> self, uint32_t channel, uint32_t *loaded);
   static ResultCode playlist_count (ARef<OrvaConnObject> self, uint32_t channel, uint32_t *count);
 
+  // --- Key-value stores (orva_kvstores.cpp)
+
+  /// Enters a store: subscribes its folder, if it is the first one there, and has the folder downloaded.
+  /// Throws when memory runs out; the store is not entered then.
+  void kv_watch (KVStore *store, const std::u16string &folder);
+  /// Takes a store out; when this returns no report reaches it any more.
+  void kv_unwatch (KVStore *store);
+  /// Waits until no download of the folder is under way and the last one has succeeded.
+  ResultCode kv_wait_scan (const std::u16string &folder, uint32_t timeout_ms);
+  /// Ordinary commands: they wait unless the connection is asynchronous.
+  static ResultCode kv_send_set (ARef<OrvaConnObject> self, const std::u16string &folder,
+                                 const std::u16string &key, const std::u16string &value);
+  static ResultCode kv_send_erase (ARef<OrvaConnObject> self, const std::u16string &folder,
+                                   const std::u16string &key);
+
 protected:
   // --- Lifecycle
 
@@ -232,6 +249,13 @@ protected:
   void on_channel_listplay_air_lock (uint32_t Channel, QUILL3::ListPlaybackIndex position) override;
   void on_channel_listplay_air_next (uint32_t Channel, QUILL3::ListPlaybackIndex position) override;
   void on_channel_listplay_loop (uint32_t Channel, uint32_t Loop) override;
+
+  // --- Key-value stores: what the server reports
+
+  void on_metadata_change (AString MetadataDatabase, AString MetadataPrefix,
+                           QUILL3::MetadataList MetadataList) override;
+  void on_metadata_remove (AString MetadataDatabase, AString MetadataPrefix,
+                           QUILL3::KeyList KeyList) override;
 
   /// @param channel below channel_count
   ChannelCache &channel_cache (uint32_t channel) { return *channels_[channel]; }
@@ -277,6 +301,19 @@ private:
 
   template <class Change>
   void change_listplay (uint32_t channel, Change change);
+
+  // --- Key-value stores (orva_kvstores.cpp). Locks, outermost first: watches, scans, one scan; watches, the
+  // changes of one store. Commands are sent, but not waited for, under the lock of the watches.
+
+  std::shared_ptr<KVScan> kv_scan (const std::u16string &folder);
+  void kv_start_scan (const std::u16string &folder);
+  void kv_restart ();
+  void kv_let_go_of_scans () noexcept;
+
+  AProtect<KVWatch> kv_watch_;
+  /// By folder; an entry is made at first use and stays.
+  AProtect<std::unordered_map<std::u16string, std::shared_ptr<KVScan>>> kv_scans_;
+  const QUILL3::callback::metadata metadata_callback_; ///< what a download finds comes like a report
 
   bsem spare_semaphore_{false}; ///< lives and dies with the object; nothing waits on it
 };

@@ -21,10 +21,13 @@ std::array<std::unique_ptr<ChannelCache>, OrvaConnObject::channel_count> new_cha
 
 } // namespace
 
-OrvaConnObject::OrvaConnObject () : channels_ (new_channels ()) {}
+OrvaConnObject::OrvaConnObject ()
+    : channels_ (new_channels ()),
+      metadata_callback_ (AMethod::bind (this, &OrvaConnObject::on_metadata_change)) {}
 
 OrvaConnObject::~OrvaConnObject () {
   stop_and_join ();
+  kv_let_go_of_scans ();
 }
 
 void OrvaConnObject::start (uint32_t address) {
@@ -40,6 +43,7 @@ void OrvaConnObject::on_connected () {
   if (directory_reports_registered_.load () != 0)
     report_register ({.ReportType = report_directory_change});
   register_channel_reports ();
+  kv_restart ();
 }
 
 ResultCode OrvaConnObject::ensure_report (const ARef<OrvaConnObject> &self, atomic_unsigned &registered,

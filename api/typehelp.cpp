@@ -210,6 +210,14 @@ AString text_argument (const orva_char *text) {
   return decoded (text);
 }
 
+std::u16string units_argument (const orva_char *text) {
+  std::u16string units;
+  if (KELVANE_ASSERT (text != nullptr))
+    for (; *text != 0; ++text)
+      units += static_cast<char16_t> (*text);
+  return units;
+}
+
 void fill_string_buffer (const AString &text, OrvaStringBuffer buffer) {
   if (buffer.capacity != 0)
     encode (text, buffer.text, buffer.capacity);

@@ -6,6 +6,7 @@
 #include "schema/tags.h"
 
 #include <cstdint>
+#include <string>
 
 /// Conversions between the plain numbers of the exported functions and the values of the protocol. No state;
 /// any thread. A number outside a conversion's range silently gives 0, unless the conversion is `checked`:
@@ -101,6 +102,9 @@ bool standard_is_drop_frame (uint32_t standard);
 /// A text argument of an exported function. It ends at the first unit that is not valid UTF-16. Null is an
 /// assertion failure and gives the empty text.
 AString text_argument (const orva_char *text);
+
+/// The units of a text argument as they are. Null is an assertion failure and gives the empty text.
+std::u16string units_argument (const orva_char *text);
 
 /// Copies at most capacity - 1 units, cut between two characters, and a terminator. Nothing for capacity 0.
 void fill_string_buffer (const AString &text, OrvaStringBuffer buffer);

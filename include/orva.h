@@ -577,6 +577,74 @@ ORVA_API uint32_t orva_playlist_status (uint32_t connection, uint32_t channel, u
  */
 ORVA_API uint32_t orva_playlist_count (uint32_t connection, uint32_t channel, uint32_t *count);
 
+/* ---- Key-value stores --------------------------------------------------------------------------------- */
+/*
+ * A store is a view of one part, told by a prefix, of a named metadata database of the server, called a
+ * folder here: keys and values that are texts. What a caller sets and erases goes out by itself, on a thread
+ * of the store's own, one key at a time, and is tried again every 200 ms until the server has accepted it;
+ * only the last value of a key that is set repeatedly need go out, and settings go before erasures. What
+ * changes on the server, whoever changed it, is told as changes; a key that changes many times before the
+ * caller looks is told once, with its last state, in the order of first changes. A store that reads and
+ * writes is told its own writes too.
+ *
+ * Stores survive a lost connection. When it is made anew, the folder is downloaded again and every key told
+ * again; keys that were erased meanwhile are not told. A store keeps its connection alive after orva_close().
+ * On an asynchronous connection a key counts as accepted as soon as it is sent.
+ *
+ * Handles belong to the process and have numbers of their own, from 1. ORVA_INVALID_HANDLE is given for one
+ * that is not open.
+ */
+
+/** What a store is for. */
+enum OrvaStoreMode { ORVA_STORE_READ = 1, ORVA_STORE_READ_WRITE = 2, ORVA_STORE_WRITE = 3 };
+
+/** What became of a key. */
+enum OrvaStoreChange { ORVA_STORE_CHANGE_SET = 1, ORVA_STORE_CHANGE_ERASE = 2 };
+
+/**
+ * Opens a store and, in a mode that reads, subscribes its folder and has it downloaded. Returns at once, also
+ * while the server is away.
+ * @param folder the name of the database. @param prefix of the keys on the server, part of no key here; may
+ *   be empty, and then all keys are the store's. @param mode an OrvaStoreMode.
+ * @param handle receives the store.
+ * @return ORVA_INVALID_ARGUMENT for another mode. Costs one thread in a mode that writes.
+ */
+ORVA_API uint32_t orva_open_kvstore (uint32_t connection, const orva_char *folder, const orva_char *prefix,
+                                     uint32_t mode, uint32_t *handle);
+/**
+ * Closes a store. In a mode that writes, what is pending has 2 seconds to go out and is lost after that; up
+ * to 10 more may pass, and a server that has not answered the last key by then holds the call until it
+ * answers or the connection is lost. A handle that is not open does nothing. Records no text.
+ */
+ORVA_API void orva_close_key_value_store (uint32_t handle);
+/** Sets a key. Returns at once. @return ORVA_READ_ONLY for a store that only reads. */
+ORVA_API uint32_t orva_kvstore_set (uint32_t handle, const orva_char *key, const orva_char *value);
+/** Erases a key. Returns at once. @return ORVA_READ_ONLY for a store that only reads. */
+ORVA_API uint32_t orva_kvstore_erase (uint32_t handle, const orva_char *key);
+/**
+ * Waits until the server has accepted all that is pending, what other threads add meanwhile included.
+ * @param timeout in milliseconds; 0 only looks. 0xFFFFFFFF is 49 days, not for ever.
+ * @return ORVA_TIMEOUT when the time was up; ORVA_READ_ONLY for a store that only reads.
+ */
+ORVA_API uint32_t orva_kvstore_flush (uint32_t handle, uint32_t timeout);
+/**
+ * Waits until the folder has been downloaded: everything in it has then been told as changes.
+ * @param timeout as for orva_kvstore_flush().
+ * @return ORVA_TIMEOUT when the time was up, in particular when the server refused the download, and for a
+ *   store that only writes unless another store of this connection has had the folder downloaded.
+ */
+ORVA_API uint32_t orva_kvstore_wait_scan (uint32_t handle, uint32_t timeout);
+/**
+ * Waits for a change and takes it.
+ * @param timeout as for orva_kvstore_flush(). @param type receives an OrvaStoreChange.
+ * @param key receives the key, cut to fit. @param value receives what it was set to, cut to fit, empty for a
+ *   key that was erased.
+ * @return ORVA_TIMEOUT when the time was up; ORVA_WRITE_ONLY for a store that only writes. All three are left
+ *   alone then. Each change goes to one of the threads that wait.
+ */
+ORVA_API uint32_t orva_kvstore_get_change (uint32_t handle, uint32_t timeout, uint32_t *type,
+                                           OrvaStringBuffer key, OrvaStringBuffer value);
+
 #ifdef __cplusplus
 }
 #endif

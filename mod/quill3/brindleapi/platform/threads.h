@@ -14,6 +14,10 @@ inline constexpr unsigned small_stack = 65536;
 /// @return false when no thread could be had. Any thread may call.
 bool thread_start (void (*run) (void *argument), void *argument, unsigned stack_bytes = small_stack) noexcept;
 
+/// Calls @p call with @p argument while all signals are blocked in the calling thread. A thread that is made
+/// meanwhile inherits that. What @p call throws is passed on.
+void call_with_signals_blocked (void (*call) (void *argument), void *argument);
+
 /// Sets the priority of the calling thread relative to normal, -1 being just below normal, +1 just above. A
 /// refusal by the system is ignored.
 void thread_set_priority (int priority) noexcept;

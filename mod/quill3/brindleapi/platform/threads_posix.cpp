@@ -16,6 +16,22 @@ namespace {
 constexpr size_t sanitizer_stack = size_t{1} << 20;
 constexpr size_t largest_stack = size_t{8} << 20;
 
+/// All signals are blocked in the calling thread while it lives.
+class SignalBlock {
+public:
+  SignalBlock () noexcept {
+    sigset_t all;
+    sigfillset (&all);
+    pthread_sigmask (SIG_SETMASK, &all, &before_);
+  }
+  SignalBlock (const SignalBlock &) = delete;
+  SignalBlock &operator= (const SignalBlock &) = delete;
+  ~SignalBlock () { pthread_sigmask (SIG_SETMASK, &before_, nullptr); }
+
+private:
+  sigset_t before_;
+};
+
 struct Start {
   void (*run) (void *);
   void *argument;
@@ -60,15 +76,16 @@ bool platform::thread_start (void (*run) (void *), void *argument, unsigned stac
   if ((under_address_sanitizer || under_thread_sanitizer) && stack < sanitizer_stack)
     stack = sanitizer_stack;
   // A thread inherits its maker's mask, so that not even its first instruction can be interrupted.
-  sigset_t all;
-  sigset_t before;
-  sigfillset (&all);
-  pthread_sigmask (SIG_SETMASK, &all, &before);
-  bool ok = create_with_stack_at_least (stack, start);
-  pthread_sigmask (SIG_SETMASK, &before, nullptr);
-  if (!ok)
-    delete start;
-  return ok;
+  SignalBlock block;
+  if (create_with_stack_at_least (stack, start))
+    return true;
+  delete start;
+  return false;
+}
+
+void platform::call_with_signals_blocked (void (*call) (void *), void *argument) {
+  SignalBlock block;
+  call (argument);
 }
 
 // Linux keeps a nice value for each thread; a thread that may not raise its own stays as it is.

@@ -44,6 +44,11 @@ bool platform::thread_start (void (*run) (void *), void *argument, unsigned stac
   return true;
 }
 
+// There are no signals here that a thread could be interrupted by.
+void platform::call_with_signals_blocked (void (*call) (void *), void *argument) {
+  call (argument);
+}
+
 void platform::thread_set_priority (int priority) noexcept {
   SetThreadPriority (GetCurrentThread (), priority);
 }

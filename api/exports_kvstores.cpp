@@ -1,0 +1,88 @@
+// Exports: key-value stores.
+#include "api/export_call.h"
+#include "api/kv_store_registry.h"
+#include "api/typehelp.h"
+#include "orva.h"
+
+#include <utility>
+
+using typehelp::fill_string_buffer;
+using typehelp::units_argument;
+
+namespace {
+
+/// The road of an export that works on a store: finds it, or gives "Invalid handle", and calls @p operation
+/// with it; the store lives until that has returned.
+template <class Operation>
+ResultCode on_store (uint32_t handle, Operation operation) noexcept {
+  return guarded ([&] {
+    const std::shared_ptr<KVStore> store = KVStoreRegistry::instance ().find (handle);
+    return store != nullptr ? operation (*store) : result_invalid_handle ();
+  });
+}
+
+uint32_t enter (const std::shared_ptr<KVStore> &store) {
+  try {
+    return KVStoreRegistry::instance ().insert (store);
+  } catch (...) {
+    store->close ();
+    throw;
+  }
+}
+
+ResultCode open_store (uint32_t connection, const orva_char *folder, const orva_char *prefix, uint32_t mode,
+                       uint32_t *handle) {
+  ARef<OrvaConnObject> found;
+  const ResultCode code = ConnectionRegistry::instance ().find (connection, found);
+  if (code != ORVA_OK)
+    return code;
+  if (mode < ORVA_STORE_READ || mode > ORVA_STORE_WRITE)
+    return result_invalid_argument ();
+  *handle = enter (std::make_shared<KVStore> (found, units_argument (folder), units_argument (prefix), mode));
+  return result_ok ();
+}
+
+} // namespace
+
+uint32_t orva_open_kvstore (uint32_t connection, const orva_char *folder, const orva_char *prefix,
+                            uint32_t mode, uint32_t *handle) {
+  return guarded ([&] { return open_store (connection, folder, prefix, mode, handle); });
+}
+
+void orva_close_key_value_store (uint32_t handle) {
+  guarded_quietly ([&] {
+    if (const std::shared_ptr<KVStore> store = KVStoreRegistry::instance ().remove (handle))
+      store->close ();
+  });
+}
+
+uint32_t orva_kvstore_set (uint32_t handle, const orva_char *key, const orva_char *value) {
+  return on_store (handle,
+                   [&] (KVStore &store) { return store.set (units_argument (key), units_argument (value)); });
+}
+
+uint32_t orva_kvstore_erase (uint32_t handle, const orva_char *key) {
+  return on_store (handle, [&] (KVStore &store) { return store.erase (units_argument (key)); });
+}
+
+uint32_t orva_kvstore_flush (uint32_t handle, uint32_t timeout) {
+  return on_store (handle, [&] (KVStore &store) { return store.flush (timeout); });
+}
+
+uint32_t orva_kvstore_wait_scan (uint32_t handle, uint32_t timeout) {
+  return on_store (handle, [&] (KVStore &store) { return store.wait_scan (timeout); });
+}
+
+uint32_t orva_kvstore_get_change (uint32_t handle, uint32_t timeout, uint32_t *type, OrvaStringBuffer key,
+                                  OrvaStringBuffer value) {
+  return on_store (handle, [&] (KVStore &store) {
+    std::u16string changed_key;
+    std::u16string new_value;
+    const ResultCode code = store.get_change (timeout, type, &changed_key, &new_value);
+    if (code != ORVA_OK)
+      return code;
+    fill_string_buffer (AString::from_utf16 (changed_key), key);
+    fill_string_buffer (AString::from_utf16 (new_value), value);
+    return code;
+  });
+}
