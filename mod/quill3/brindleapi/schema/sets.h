@@ -33,9 +33,12 @@ struct EnumSet {
   /// Puts @p value at the end unless it is a member already. A full set is an assertion failure and stays as
   /// it is.
   void add (uint32_t value) {
-    if (contains (value) || !KELVANE_ASSERT_VALUE (count < Capacity))
+    if (contains (value))
       return;
-    vec[count++] = value;
+    if (count < Capacity)
+      vec[count++] = value;
+    else
+      KELVANE_ASSERT_VALUE (count < Capacity);
   }
   /// Takes out every occurrence of @p value; the others close up in order.
   void remove (uint32_t value) {
@@ -93,8 +96,10 @@ struct FixedVector {
 
   /// Puts @p value at the end. A full vector is an assertion failure and stays as it is.
   void add (const T &value) {
-    if (KELVANE_ASSERT_VALUE (count < Capacity))
+    if (count < Capacity)
       vec[count++] = value;
+    else
+      KELVANE_ASSERT_VALUE (count < Capacity);
   }
   /// The counts, then the elements up to them; what lies behind never matters.
   bool operator== (const FixedVector &other) const {
