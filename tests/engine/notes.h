@@ -84,7 +84,7 @@ public:
     receive ("<reply><xid>" + xid.to_std_string () + "</xid>" + body + "</reply>");
   }
   std::string take_sent () {
-    pieces.clear ();
+    std::vector<std::string> ().swap (pieces);
     return std::exchange (sent, {});
   }
 

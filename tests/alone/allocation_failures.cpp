@@ -1,0 +1,188 @@
+// Every allocation on the way of a command and of its reply fails in turn: the command still ends once,
+// nothing is lost, and the connection serves the next one. A program of its own, because it replaces operator
+// new.
+
+#include "base/amethod.h"
+#include "engine/test_client.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+thread_local long allowed = -1; ///< allocations of this thread until one fails; below 0: none does
+std::atomic<long> living{0};
+
+bool take_permission () {
+  return allowed < 0 || allowed-- != 0;
+}
+
+} // namespace
+
+void *operator new (size_t size) {
+  void *p = take_permission () ? std::malloc (size != 0 ? size : 1) : nullptr;
+  if (p == nullptr)
+    throw std::bad_alloc ();
+  ++living;
+  return p;
+}
+void operator delete (void *p) noexcept {
+  if (p != nullptr)
+    --living;
+  std::free (p);
+}
+void operator delete (void *p, size_t) noexcept {
+  operator delete (p);
+}
+
+namespace {
+
+using namespace QUILL3;
+using support::FakeServer;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+const std::string fault = "error Internal software error 0";
+
+struct Outcome {
+  bool thrown = false;
+  bool reached = false; ///< the allocation that was to fail was asked for
+  AString xid;
+};
+
+// Sends with the allocation number `n` failing.
+template <class Send>
+Outcome send_with_failure (long n, Send send) {
+  Outcome outcome;
+  allowed = n;
+  try {
+    outcome.xid = send ();
+  } catch (const std::bad_alloc &) {
+    outcome.thrown = true;
+  }
+  outcome.reached = allowed < 0;
+  allowed = -1;
+  return outcome;
+}
+
+TEST (AllocationFailures, LeaveACommandEitherUnsentOrEnded) {
+  Notes notes;
+  WireInHand wire;
+  auto ok = notes.ok ();
+  auto error = notes.error ();
+  const command::cue_clip command{.Channel = 1, .ClipID = AString ("NEWS0123"), .LoopOut = 90};
+  auto send = [&] { return wire.cue_clip (command, ok, error); };
+  wire.reply (send (), "<ok />"); // what is made on first use is there now
+  ASSERT_THAT (notes.take (), ElementsAre ("ok"));
+  long n = 0;
+  for (;; ++n) {
+    wire.take_sent ();
+    const long before = living;
+    Outcome outcome = send_with_failure (n, send);
+    std::vector<std::string> lines = notes.take ();
+    if (!outcome.reached) {
+      EXPECT_FALSE (outcome.thrown);
+      EXPECT_EQ (wire.sent,
+                 "<cmd>\r\n<xid>" + outcome.xid.to_std_string () +
+                     "</xid>\r\n<cue_clip>\r\n<Channel>B</Channel>\r\n<ClipID>NEWS0123</ClipID>\r\n"
+                     "<LoopOut>90</LoopOut>\r\n</cue_clip>\r\n</cmd>");
+      EXPECT_EQ (wire.outstanding_count (), 1u);
+      wire.reply (outcome.xid, "<ok />");
+      EXPECT_THAT (notes.take (), ElementsAre ("ok"));
+      break;
+    }
+    if (outcome.thrown)
+      EXPECT_THAT (lines, IsEmpty ()) << n;
+    else
+      EXPECT_THAT (lines, ElementsAre (fault)) << n;
+    EXPECT_EQ (wire.outstanding_count (), 0u) << n;
+    EXPECT_EQ (wire.sent, "") << n;
+    wire.take_sent ();
+    outcome.xid = AString ();
+    lines = std::vector<std::string> ();
+    EXPECT_EQ (living, before) << n;
+  }
+  EXPECT_GT (n, 3);
+}
+
+TEST (AllocationFailures, OfACommandWithoutCallbacksAreThrown) {
+  WireInHand wire;
+  wire.play ({.Channel = 1});
+  long n = 0;
+  for (;; ++n) {
+    Outcome outcome = send_with_failure (n, [&] { return wire.play ({.Channel = 1}); });
+    if (!outcome.reached)
+      break;
+    EXPECT_TRUE (outcome.thrown) << n;
+  }
+  EXPECT_GT (n, 3);
+}
+
+TEST (AllocationFailures, LeaveTheConnectionUsable) {
+  FakeServer server;
+  server.answer_any ("<ok />");
+  Notes notes;
+  TestClient client (notes, server.address ());
+  client.start_thread (-1);
+  ASSERT_TRUE (client.wait_connected ());
+  auto ok = notes.ok ();
+  auto error = notes.error ();
+  const command::delete_clip command{.ClipID = AString::from_latin1 (std::string (5000, 'x'))};
+  for (long n = 0;; ++n) {
+    notes.take ();
+    Outcome outcome = send_with_failure (n, [&] { return client.delete_clip (command, ok, error); });
+    if (!outcome.reached)
+      break;
+    EXPECT_EQ (notes.count (fault), outcome.thrown ? 0u : 1u) << n;
+  }
+  ASSERT_TRUE (client.wait_noted ("ok"));
+  EXPECT_EQ (server.accepted (), 1u);
+}
+
+// On the connection's own thread: a failure costs the link, and the command is told.
+TEST (AllocationFailures, InAReplyFailTheCommandAndTheNextLinkServes) {
+  FakeServer server;
+  server.on_any ([] (const support::Command &command) {
+    return "<report><clip_created><ClipID>arm</ClipID></clip_created></report>" +
+           support::reply_to (command, "<computername><ComputerName>SERVER1</ComputerName></computername>");
+  });
+  Notes notes;
+  TestClient client (notes, server.address ());
+  std::atomic<long> next{-1};
+  std::atomic<bool> reached{false}, done{false};
+  struct Ends {
+    Notes &notes;
+    std::atomic<bool> &reached, &done;
+    void finish (const std::string &line) {
+      reached = allowed < 0;
+      allowed = -1;
+      notes.add (line);
+      done = true;
+    }
+    void named (AString name) { finish ("name " + name.to_std_string ()); }
+    void failed (AString text, uint32_t) { finish ("error " + text.to_std_string ()); }
+  } ends{notes, reached, done};
+  client.when_clip = [&] (const std::string &) { allowed = next; };
+  client.start_thread (-1);
+  long n = 0;
+  for (;; ++n) {
+    ASSERT_TRUE (client.wait_connected ());
+    notes.take ();
+    done = false;
+    next = n;
+    client.get_computer_name ({}, AMethod::bind (&ends, &Ends::named), AMethod::bind (&ends, &Ends::failed));
+    ASSERT_TRUE (support::wait_until ([&] { return done.load (); }));
+    if (!reached)
+      break;
+    EXPECT_EQ (notes.count ("error Failing all outstanding commands"), 1u) << n;
+    EXPECT_EQ (notes.count ("name SERVER1"), 0u) << n;
+    ASSERT_TRUE (client.wait_noted ("connected")) << n;
+  }
+  EXPECT_EQ (notes.count ("name SERVER1"), 1u);
+  EXPECT_GT (n, 0);
+}
+
+} // namespace
