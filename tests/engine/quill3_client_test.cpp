@@ -286,6 +286,26 @@ TEST_F (Connection, StandsRepliesThatComeTwiceAndOutOfOrder) {
   EXPECT_THAT (notes.lines (), ElementsAre ("connected", "b ok", "a ok", "created C1"));
 }
 
+// 64 texts by value through every floor, on the thread's small stack.
+TEST_F (Connection, CarriesTheLargestReply) {
+  std::string values;
+  for (int i = 0; i != 64; ++i)
+    values += "<ConfigurationItemValue>v" + std::to_string (i) + "</ConfigurationItemValue>";
+  server.answer ("get_configuration",
+                 {"<configuration_item><ConfigurationItem><ConfigurationItemName>fan</ConfigurationItemName>"
+                  "<ConfigurationItemAccess>user</ConfigurationItemAccess>"
+                  "<ConfigurationItemEffectiveValue>on</ConfigurationItemEffectiveValue>"
+                  "<ConfigurationItemBootValue /><ConfigurationItemSavedValue />"
+                  "<ConfigurationItemAllowedValues>" +
+                      values + "</ConfigurationItemAllowedValues></ConfigurationItem></configuration_item>",
+                  "<ok />"});
+  start ();
+  client.get_configuration ({}, notes.ok (), notes.make<callback::configuration_item> ("item"),
+                            notes.error ());
+  ASSERT_TRUE (client.wait_noted ("ok"));
+  EXPECT_THAT (notes.lines (), ElementsAre ("connected", "item fan=on", "ok"));
+}
+
 TEST_F (Connection, CarriesCommandsFromItsOwnThread) {
   server.answer_any ("<ok />");
   client.when_connected = [&] { stop ("first "); };
@@ -443,6 +463,37 @@ TEST_F (Connection, IsNotHarmedByALateFailureOnTheOneBefore) {
   EXPECT_EQ (notes.count ("disconnected"), 1u);
   EXPECT_EQ (notes.count ("old " + failed), 1u);
   EXPECT_EQ (notes.count ("old ok"), 0u);
+}
+
+// A command that has failed while it waited for its turn to be sent is not sent any more.
+TEST_F (Connection, IsNotGivenCommandsThatHaveFailedOnTheOneBefore) {
+  std::binary_semaphore in_send{0}, go_on{0};
+  std::atomic<bool> held{false};
+  server.answer_any ("<ok />");
+  client.instead_of_transmit = [&] (const void *, uint64_t) -> int64_t {
+    if (held.exchange (true))
+      return 0;
+    in_send.release ();
+    go_on.acquire ();
+    return -1;
+  };
+  start ();
+  std::thread first ([&] { stop ("first "); });
+  in_send.acquire ();
+  std::thread second (
+      [&] { client.unload ({.Channel = 3}, notes.ok ("second ok"), notes.error ("second error")); });
+  ASSERT_TRUE (wait_until ([&] { return client.outstanding_count () == 2; }));
+  server.drop (1);
+  wait_for_link (2);
+  EXPECT_EQ (notes.count ("second " + failed), 1u);
+  go_on.release ();
+  first.join ();
+  second.join ();
+  stop ();
+  ASSERT_TRUE (client.wait_noted ("ok"));
+  EXPECT_EQ (server.command_count (), 1u);
+  EXPECT_EQ (server.command (1).name, "stop");
+  EXPECT_EQ (notes.count ("second ok"), 0u);
 }
 
 // Sends until a command fails: more than the system's buffers take, where the server reads nothing.
@@ -619,6 +670,26 @@ TEST_F (Connection, EndsOnAnotherThread) {
   ASSERT_TRUE (reference->wait_connected ());
   reference = nullptr;
   EXPECT_EQ (destroyer, platform::thread_number ());
+}
+
+// Two hundred connections, half of them to servers that refuse: their ends do not add up to waits.
+TEST (Connections, EndAtOnceInGreatNumbers) {
+  std::vector<std::unique_ptr<FakeServer>> servers;
+  std::list<Notes> notes;
+  std::vector<std::unique_ptr<TestClient>> clients;
+  for (int i = 0; i != 20; ++i)
+    servers.push_back (std::make_unique<FakeServer> (i % 2 == 0 ? FakeServer::Start::listening
+                                                                : FakeServer::Start::refusing));
+  for (size_t i = 0; i != 200; ++i)
+    clients.push_back (
+        std::make_unique<TestClient> (notes.emplace_back (), servers[i % servers.size ()]->address ()));
+  for (auto &client : clients)
+    client->start_thread (-1);
+  for (size_t i = 0; i != clients.size (); i += 2)
+    ASSERT_TRUE (clients[i]->wait_connected ());
+  EXPECT_LT (time_of ([&] { clients.clear (); }), 5s); // some seconds for each hundred, if they waited
+  for (auto &server : servers)
+    EXPECT_TRUE (server->wait_until_left ());
 }
 
 // ---- The idle call

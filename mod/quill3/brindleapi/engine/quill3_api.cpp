@@ -1,5 +1,6 @@
 #include "engine/quill3_api.h"
 
+#include "base/amethod.h"
 #include "engine/xid_registry.h"
 
 namespace QUILL3 {
@@ -47,7 +48,7 @@ AString API::open_command (const Shared &entry, const AString &name, const Rows 
                            const void *arguments) {
   AString xid = registry_->issue_id (entry);
   try {
-    send_command (xid, name, rows, arguments);
+    send_command (xid, name, rows, arguments, AMethod::bind (entry.get (), &XIDRegistryEntry::has_ended));
   } catch (...) { // out of memory: whoever waits for the command has to be told
     if (!entry->is_awaited ())
       throw;

@@ -15,14 +15,15 @@ APICommand::APICommand () : send_lock_ (new AMutex) {
 APICommand::~APICommand () = default;
 
 void APICommand::send_command (const AString &xid, const AString &name, const Rows &rows,
-                               const void *arguments) {
-  send_document (make_document (xid, name, rows, arguments));
+                               const void *arguments, AFunction<bool ()> is_over) {
+  send_document (make_document (xid, name, rows, arguments), is_over);
 }
 
-void APICommand::send_document (const XMLTree &document) {
+void APICommand::send_document (const XMLTree &document, AFunction<bool ()> is_over) {
   send_hook_.run (document);
   AMutexScope hold (*send_lock_);
-  write_document (document);
+  if (!is_over.run ())
+    write_document (document);
 }
 
 void APICommand::write_document (const XMLTree &document) {

@@ -25,11 +25,14 @@ protected:
   virtual void send_bytes (const void *data, uint64_t length) = 0;
 
   /// Sends a command. @param xid identifier for the document @param name wire name @param rows,arguments the
-  /// struct of namespace command that holds the arguments.
-  void send_command (const AString &xid, const AString &name, const Rows &rows, const void *arguments);
+  /// struct of namespace command that holds the arguments @param is_over as for `send_document`
+  void send_command (const AString &xid, const AString &name, const Rows &rows, const void *arguments,
+                     AFunction<bool ()> is_over = {});
 
   /// The point through which every document leaves: calls the hook, then writes under the send lock.
-  void send_document (const XMLTree &document);
+  /// @param is_over asked when the lock is held; true: the command has ended meanwhile, with the link that it
+  /// was meant for, and must not appear on another
+  void send_document (const XMLTree &document, AFunction<bool ()> is_over = {});
 
   /// Renders a document and hands it to `send_bytes` in pieces of at most 1500 bytes. The send lock is held.
   virtual void write_document (const XMLTree &document);

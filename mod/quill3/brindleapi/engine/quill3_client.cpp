@@ -107,7 +107,7 @@ void Client::main_loop () noexcept {
 }
 
 // What is thrown on the way, by an allocation that failed, costs the link and no more: its commands are told,
-// and a new one starts clean.
+// and the next one starts clean.
 void Client::serve () noexcept {
   try {
     if (!stop_requested_)
@@ -115,7 +115,8 @@ void Client::serve () noexcept {
     while (!stop_requested_ && connected_)
       poll_once ();
   } catch (...) {
-    disconnect ();
+    if (connected_)
+      disconnect ();
   }
 }
 

@@ -30,6 +30,11 @@ public:
   /// Whether any slot is set.
   bool is_awaited () const;
 
+  /// Whether somebody has taken the right to end this command.
+  bool has_ended () const {
+    return (state_ & ended) != 0;
+  }
+
   /// Takes the right to end this command. @return true to exactly one caller.
   bool claim ();
 

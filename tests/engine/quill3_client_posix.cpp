@@ -1,0 +1,182 @@
+// What a connection stands from its host on Linux: signals, many descriptors; and what it gives back.
+
+#include "base/amethod.h"
+#include "engine/test_client.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <dirent.h>
+#include <fcntl.h>
+#include <pthread.h>
+#include <semaphore>
+#include <sys/resource.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+using namespace QUILL3;
+using namespace std::chrono_literals;
+using support::FakeServer;
+
+struct Waiter {
+  std::binary_semaphore done{0};
+  std::atomic<int> answers{0}, failures{0};
+  void ok () {
+    ++answers;
+    done.release ();
+  }
+  void failed (AString, uint32_t) {
+    ++failures;
+    done.release ();
+  }
+};
+
+std::atomic<int> interruptions{0};
+
+void note_interruption (int) {
+  ++interruptions;
+}
+
+// Signals into all caller threads, a thousand in a second, while they send documents that do not fit the
+// system's buffers at once.
+TEST (ConnectionUnderSignals, AnswersEachCommand) {
+  struct sigaction action {};
+  struct sigaction before {};
+  action.sa_handler = &note_interruption; // without SA_RESTART
+  sigaction (SIGUSR1, &action, &before);
+  FakeServer server;
+  server.answer_any ("<ok />");
+  Notes notes;
+  TestClient client (notes, server.address ());
+  client.start_thread (-1);
+  ASSERT_TRUE (client.wait_connected ());
+  constexpr size_t senders = 4, rounds = 20;
+  const AString large = AString::from_latin1 (std::string (200000, 'x'));
+  std::atomic<size_t> ended{0}, answered{0};
+  std::atomic<bool> stop{false};
+  std::vector<std::thread> threads;
+  for (size_t i = 0; i != senders; ++i)
+    threads.emplace_back ([&] {
+      for (size_t round = 0; round != rounds; ++round) {
+        Waiter waiter;
+        client.delete_clip ({.ClipID = large}, AMethod::bind (&waiter, &Waiter::ok),
+                            AMethod::bind (&waiter, &Waiter::failed));
+        waiter.done.acquire ();
+        answered += static_cast<size_t> (waiter.answers);
+      }
+      ++ended;
+      while (!stop) // stays, so that it can be signalled
+        std::this_thread::sleep_for (1ms);
+    });
+  while (ended != senders) {
+    for (std::thread &thread : threads)
+      pthread_kill (thread.native_handle (), SIGUSR1);
+    std::this_thread::sleep_for (1ms);
+  }
+  stop = true;
+  for (std::thread &thread : threads)
+    thread.join ();
+  sigaction (SIGUSR1, &before, nullptr);
+  EXPECT_EQ (answered, senders * rounds);
+  EXPECT_GT (interruptions, 0);
+  EXPECT_EQ (server.accepted (), 1u);
+}
+
+TEST (ConnectionToASlowServer, EndsEachCommandOnceWhenItGoes) {
+  FakeServer server;
+  server.read_slowly (1, 1s);
+  Notes notes;
+  TestClient client (notes, server.address ());
+  client.start_thread (-1);
+  ASSERT_TRUE (client.wait_connected ());
+  const AString large = AString::from_latin1 (std::string (1000000, 'x'));
+  std::list<Waiter> waiters;
+  std::vector<std::thread> threads;
+  for (int i = 0; i != 8; ++i)
+    threads.emplace_back ([&, w = &waiters.emplace_back ()] {
+      for (int round = 0; round != 3 && w->failures == 0; ++round)
+        client.delete_clip ({.ClipID = large}, AMethod::bind (w, &Waiter::ok),
+                            AMethod::bind (w, &Waiter::failed));
+    });
+  ASSERT_TRUE (support::wait_until ([&] { return client.outstanding_count () >= 8; }));
+  server.send (
+      "<report></x></report>"); // has this side give the link up; a server that reads so slowly does not
+  for (std::thread &thread : threads)
+    thread.join ();
+  EXPECT_GE (notes.count ("disconnected"), 1u);
+  for (Waiter &waiter : waiters) {
+    EXPECT_GE (waiter.failures, 1);
+    EXPECT_EQ (waiter.answers, 0);
+  }
+}
+
+// Opens what is needed for the next descriptor to be beyond what a set of select can hold.
+class ManyDescriptors {
+public:
+  ManyDescriptors () {
+    getrlimit (RLIMIT_NOFILE, &before_);
+    rlimit more = before_;
+    more.rlim_cur = std::min<rlim_t> (before_.rlim_max, 4096);
+    setrlimit (RLIMIT_NOFILE, &more);
+    while (open_.empty () || (open_.back () >= 0 && open_.back () < 1100))
+      open_.push_back (open ("/dev/null", O_RDONLY | O_CLOEXEC));
+  }
+  ManyDescriptors (const ManyDescriptors &) = delete;
+  ~ManyDescriptors () {
+    for (int descriptor : open_)
+      close (descriptor);
+    setrlimit (RLIMIT_NOFILE, &before_);
+  }
+  bool enough () const { return open_.back () >= 1100; }
+
+private:
+  rlimit before_;
+  std::vector<int> open_;
+};
+
+TEST (ConnectionAmongManyDescriptors, Works) {
+  FakeServer server;
+  server.answer_any ("<ok />");
+  ManyDescriptors many;
+  if (!many.enough ())
+    GTEST_SKIP () << "this system allows a process fewer descriptors";
+  Notes notes;
+  TestClient client (notes, server.address ());
+  client.start_thread (-1);
+  ASSERT_TRUE (client.wait_connected ());
+  client.stop ({.Channel = 0}, notes.ok (), notes.error ());
+  ASSERT_TRUE (client.wait_noted ("ok"));
+  client.stop_and_join ();
+}
+
+size_t open_descriptors () {
+  size_t count = 0;
+  DIR *all = opendir ("/proc/self/fd");
+  while (all != nullptr && readdir (all) != nullptr)
+    ++count;
+  closedir (all);
+  return count;
+}
+
+TEST (ConnectionDescriptors, AreGivenBack) {
+  FakeServer server;
+  FakeServer refusing (FakeServer::Start::refusing);
+  const size_t before = open_descriptors ();
+  for (int i = 0; i != 5; ++i) {
+    Notes notes;
+    TestClient client (notes, server.address ());
+    TestClient vain (notes, refusing.address ());
+    client.start_thread (-1);
+    vain.start_thread (-1);
+    ASSERT_TRUE (client.wait_noted ("connected"));
+    server.drop_all ();
+    ASSERT_TRUE (client.wait_noted ("connected", 2));
+  }
+  ASSERT_TRUE (server.wait_until_left ());
+  EXPECT_TRUE (support::wait_until ([&] { return open_descriptors () <= before; }));
+}
+
+} // namespace
