@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <memory>
 #include <thread>
 
 namespace {
@@ -273,6 +274,54 @@ TEST (ClosedConnection, DoesNotWaitForAServerThatIsNotThere) {
     { const Session session (server.address ()); }
     EXPECT_LT (std::chrono::steady_clock::now () - start, std::chrono::seconds (5));
   }
+}
+
+TEST (ClosedConnection, DoesNotWaitForAnAttemptThatHangs) {
+  FakeServer server (FakeServer::Start::refusing);
+  server.stall ();
+  const uint32_t connection = orva_connect (server.address ());
+  EXPECT_FALSE (support::wait_until ([&] { return orva_connected (connection) != 0; },
+                                     std::chrono::milliseconds (300)));
+  const auto start = std::chrono::steady_clock::now ();
+  orva_close (connection);
+  EXPECT_LT (std::chrono::steady_clock::now () - start, std::chrono::seconds (5));
+}
+
+TEST (ClosedConnection, MayBeClosedWhileReportsPourIn) {
+  FakeServer server;
+  std::string reports;
+  for (int i = 0; i < 200; ++i)
+    reports += "<report><clip_created><ClipID>NEWS</ClipID></clip_created></report>";
+  for (int round = 0; round < 5; ++round) {
+    Session session (server);
+    EXPECT_TRUE (server.wait_for_connections (size_t (round) + 1));
+    for (int i = 0; i < 50; ++i)
+      server.send (reports);
+    orva_close (session);
+    EXPECT_EQ (orva_connected (session), 0);
+  }
+  EXPECT_TRUE (server.wait_until_left ());
+}
+
+TEST (ClosedConnection, ManyAreClosedAtOnce) {
+  constexpr int servers = 20;
+  std::vector<std::unique_ptr<FakeServer>> listening;
+  std::vector<std::unique_ptr<FakeServer>> refusing;
+  std::vector<uint32_t> connections;
+  for (int i = 0; i < servers; ++i) {
+    listening.push_back (std::make_unique<FakeServer> ());
+    refusing.push_back (std::make_unique<FakeServer> (FakeServer::Start::refusing));
+    connections.push_back (orva_connect (listening.back ()->address ()));
+    connections.push_back (orva_connect (refusing.back ()->address ()));
+  }
+  for (int i = 0; i < servers; ++i)
+    orva_wait_until_connected (connections[size_t (i) * 2]);
+  const auto start = std::chrono::steady_clock::now ();
+  for (const uint32_t connection : connections)
+    orva_close (connection);
+  EXPECT_LT (std::chrono::steady_clock::now () - start, std::chrono::seconds (5));
+  for (const auto &server : listening)
+    EXPECT_TRUE (server->wait_until_left ());
 }
 
 // --- Waiting or not
