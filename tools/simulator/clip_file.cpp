@@ -157,14 +157,14 @@ void generate (World &world) {
     clip.untrimmed = 100 + number % 1000;
     clip.loop_out = clip.untrimmed - 1;
     if (!world.clips.exists (clip.id))
-      world.clips.add (clip);
+      world.clips.take_in (clip);
   }
 }
 
 } // namespace
 
 void take_clips (World &world) {
-  world.database.run ("BEGIN");
+  Transaction transaction (world.database);
   if (!world.options.clips.empty ())
     take_file (world);
   else if (world.clips.count () == 0) {
@@ -172,7 +172,7 @@ void take_clips (World &world) {
     take_lines (world, lines, "own clips");
   }
   generate (world);
-  world.database.run ("COMMIT");
+  transaction.finish ();
 }
 
 } // namespace sim

@@ -76,8 +76,7 @@ std::string insert_into_clips () {
   std::string marks = "?, ?";
   for (std::size_t i = 0; i < std::size (text_columns) + std::size (number_columns); ++i)
     marks += ", ?";
-  return "INSERT OR REPLACE INTO clips (" + column_list ("", "") + "tracks, directory) VALUES (" + marks +
-         ")";
+  return "INSERT INTO clips (" + column_list ("", "") + "tracks, directory) VALUES (" + marks + ")";
 }
 
 // `video,audio:12`: the types, each with its trimmed start.
@@ -119,6 +118,9 @@ Clips::Clips (Database &database) : database_ (database) {
   database_.run ("CREATE TABLE IF NOT EXISTS directories (name TEXT NOT NULL PRIMARY KEY) WITHOUT ROWID");
   database_.run ("CREATE TABLE IF NOT EXISTS clip_metadata (clip TEXT NOT NULL, place INTEGER NOT NULL, "
                  "key TEXT NOT NULL, value TEXT NOT NULL, PRIMARY KEY (clip, place)) WITHOUT ROWID");
+  Rows rows = database_.query ("SELECT COALESCE (SUM (untrimmed), 0) FROM clips");
+  rows.next ();
+  fields_ = rows.number (0);
 }
 
 bool Clips::exists (const std::string &id) const {
@@ -177,12 +179,6 @@ std::vector<std::string> Clips::directories_in (const std::string &directory) co
   return all;
 }
 
-std::int64_t Clips::fields () const {
-  Rows rows = database_.query ("SELECT COALESCE (SUM (untrimmed), 0) FROM clips");
-  rows.next ();
-  return rows.number (0);
-}
-
 void Clips::check_new_name (const std::string &name) const {
   if (name.empty () || name.front () == '/' || name.back () == '/' || name.find ("//") != name.npos)
     throw Refusal (fmt::format ("'{}' is no good name", name));
@@ -205,26 +201,43 @@ void Clips::insert (const Clip &clip) {
   rows.bind (++place, tracks_text (clip.tracks));
   rows.bind (++place, directory_of (clip.id));
   rows.next ();
+  fields_ += clip.untrimmed;
 }
 
 void Clips::add (Clip clip) {
   check_new_name (clip.id);
+  take_in (std::move (clip));
+}
+
+void Clips::take_in (Clip clip) {
+  Transaction transaction (database_);
   if (clip.uuid.empty ())
     clip.uuid = new_uuid ();
   clip.meta_stamp = stamp ();
   clip.content_stamp = clip.meta_stamp;
-  store (clip);
+  insert (clip);
+  write_pairs (clip);
+  transaction.finish ();
 }
 
-void Clips::store (const Clip &clip) {
-  insert (clip);
-  database_.run ("DELETE FROM clip_metadata WHERE clip = ?", clip.id);
+void Clips::write_pairs (const Clip &clip) {
   std::int64_t place = 0;
   for (const auto &[key, value] : clip.metadata)
     database_.run ("INSERT INTO clip_metadata VALUES (?, ?, ?, ?)", clip.id, place++, key, value);
 }
 
+void Clips::store (const Clip &clip) {
+  Transaction transaction (database_);
+  remove (clip.id);
+  insert (clip);
+  write_pairs (clip);
+  transaction.finish ();
+}
+
 void Clips::remove (const std::string &id) {
+  Rows rows = database_.query ("SELECT untrimmed FROM clips WHERE id = ?", id);
+  if (rows.next ())
+    fields_ -= rows.number (0);
   database_.run ("DELETE FROM clips WHERE id = ?", id);
   database_.run ("DELETE FROM clip_metadata WHERE clip = ?", id);
 }
@@ -232,9 +245,11 @@ void Clips::remove (const std::string &id) {
 void Clips::rename (const std::string &from, const std::string &to) {
   Clip clip = find (from);
   check_new_name (to);
+  Transaction transaction (database_);
   remove (from);
   clip.id = to;
   store (clip);
+  transaction.finish ();
 }
 
 void Clips::add_directory (const std::string &name) {

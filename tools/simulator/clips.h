@@ -29,10 +29,12 @@ public:
   std::vector<std::string> directories_in (const std::string &directory) const;
 
   /// Fields that all clips take together.
-  std::int64_t fields () const;
+  std::int64_t fields () const { return fields_; }
 
   /// Takes a new clip in and gives it an identifier and stamps. @throws Refusal for a bad or taken name.
   void add (Clip clip);
+  /// The same for a name that is known to be good and free.
+  void take_in (Clip clip);
   /// Writes a changed clip back.
   void store (const Clip &clip);
   void remove (const std::string &id);
@@ -50,10 +52,12 @@ public:
 private:
   void check_new_name (const std::string &name) const;
   void insert (const Clip &clip);
+  void write_pairs (const Clip &clip);
   std::vector<std::string> column (Rows rows) const;
 
   Database &database_;
   std::int64_t last_stamp_ = 0;
+  std::int64_t fields_ = 0;
 };
 
 /// A new universally unique identifier, as text.

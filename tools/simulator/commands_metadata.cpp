@@ -96,9 +96,11 @@ void metadata_set (Call &call) {
     out.open ("Metadata").text ("Key", key).text ("Value", value).close ("Metadata");
     change.items.emplace_back (change.prefix + key, out.take ());
   }
+  Transaction transaction (call.world.database);
   for (const Element &pair : call.arguments.list ("MetadataList"))
     call.world.metadata.set (change.name, change.prefix + pair.child ("Key")->text,
                              pair.child ("Value")->text);
+  transaction.finish ();
   report_change (call.world, change);
 }
 
@@ -106,9 +108,11 @@ void metadata_erase (Call &call) {
   maybe_refuse (call.world);
   Change change = {
       "metadata_remove", "KeyList", call.arguments.text ("MetadataDatabase"), prefix_of (call.arguments), {}};
+  Transaction transaction (call.world.database);
   for (const Element &key : call.arguments.list ("KeyList"))
     if (call.world.metadata.erase (change.name, change.prefix + key.text))
       change.items.emplace_back (change.prefix + key.text, Writer ().text ("Key", key.text).take ());
+  transaction.finish ();
   report_change (call.world, change);
 }
 

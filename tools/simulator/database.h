@@ -71,4 +71,22 @@ private:
   std::map<std::string, Rows::Pool> idle_; ///< statements that nobody uses, by their text
 };
 
+/// Changes that are made all together or, when it ends before `finish`, not at all. It may stand in another.
+class Transaction {
+public:
+  explicit Transaction (Database &database) : database_ (database) { database_.run ("SAVEPOINT change"); }
+  Transaction (const Transaction &) = delete;
+  Transaction &operator= (const Transaction &) = delete;
+  ~Transaction () {
+    if (!finished_)
+      database_.run ("ROLLBACK TO change");
+    database_.run ("RELEASE change");
+  }
+  void finish () { finished_ = true; }
+
+private:
+  Database &database_;
+  bool finished_ = false;
+};
+
 } // namespace sim

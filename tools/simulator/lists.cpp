@@ -41,6 +41,7 @@ std::vector<Item> Lists::find (const ListKind &kind, const std::string &id) cons
 }
 
 void Lists::store (const ListKind &kind, const std::string &id, const std::vector<Item> &items) {
+  Transaction transaction (database_);
   database_.run ("INSERT OR REPLACE INTO lists VALUES (?, ?)", kind.number, id);
   database_.run ("DELETE FROM list_items WHERE kind = ? AND id = ?", kind.number, id);
   std::int64_t place = 0;
@@ -49,6 +50,7 @@ void Lists::store (const ListKind &kind, const std::string &id, const std::vecto
     write_item (out, item, kind);
     database_.run ("INSERT INTO list_items VALUES (?, ?, ?, ?)", kind.number, id, place++, out.result ());
   }
+  transaction.finish ();
 }
 
 void Lists::remove (const ListKind &kind, const std::string &id) {
@@ -63,8 +65,10 @@ void Lists::rename (const ListKind &kind, const std::string &from, const std::st
     throw Refusal (fmt::format ("A {} needs a name", kind.id));
   if (exists (kind, to))
     throw Refusal (fmt::format ("{} '{}' exists already", kind.name, to));
+  Transaction transaction (database_);
   remove (kind, from);
   store (kind, to, items);
+  transaction.finish ();
 }
 
 } // namespace sim
