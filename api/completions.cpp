@@ -47,6 +47,16 @@ void OrvaConnObject::CBBaseObject::decrease_reference () {
     delete this;
 }
 
+void OrvaConnObject::CBClipExistsObject::cb_exists (AString, bool given) {
+  exists = given;
+  finish ();
+}
+
+void OrvaConnObject::CBClipInfoObject::cb_info (QUILL3::ClipInfo given) {
+  record = std::move (given);
+  finish ();
+}
+
 void OrvaConnObject::CBServerNameObject::cb_name (AString given) {
   name = std::move (given);
   finish ();

@@ -3,6 +3,7 @@
 #include "api/conn_object.h"
 #include "api/results.h"
 #include "base/amethod.h"
+#include "base/astringlist.h"
 #include "base/atomic_unsigned.h"
 #include "base/bsem.h"
 
@@ -75,6 +76,54 @@ public:
   QUILL3::callback::ok ok_callback () { return AMethod::bind (this, &CBOkObject::cb_ok); }
 };
 
+/// Receives whether there is such a clip.
+class OrvaConnObject::CBClipExistsObject : public CBBaseObject {
+public:
+  explicit CBClipExistsObject (ARef<OrvaConnObject> connection)
+      : CBBaseObject (std::move (connection), Waiter::one) {}
+
+  void cb_exists (AString clip, bool given);
+  QUILL3::callback::clipexists exists_callback () {
+    return AMethod::bind (this, &CBClipExistsObject::cb_exists);
+  }
+
+  bool exists = false;
+};
+
+/// Receives names one by one, until `ok` ends them.
+class OrvaConnObject::CBNamesObject : public CBOkObject {
+public:
+  using CBOkObject::CBOkObject;
+
+  void cb_item (AString name) { names.append (std::move (name)); }
+  AFunction<void (AString)> item_callback () { return AMethod::bind (this, &CBNamesObject::cb_item); }
+
+  AStringList names;
+};
+
+/// Receives the names of clips.
+class OrvaConnObject::CBClipIdsObject : public CBNamesObject {
+  using CBNamesObject::CBNamesObject;
+};
+
+/// Receives the names of directories.
+class OrvaConnObject::CBDirectoryNamesObject : public CBNamesObject {
+  using CBNamesObject::CBNamesObject;
+};
+
+/// Receives everything about a clip.
+class OrvaConnObject::CBClipInfoObject : public CBBaseObject {
+public:
+  CBClipInfoObject (ARef<OrvaConnObject> connection, uint32_t number)
+      : CBBaseObject (std::move (connection), Waiter::one), connection_number (number) {}
+
+  void cb_info (QUILL3::ClipInfo given);
+  QUILL3::callback::clipinfo info_callback () { return AMethod::bind (this, &CBClipInfoObject::cb_info); }
+
+  const uint32_t connection_number; ///< what callers know the connection by
+  QUILL3::ClipInfo record;
+};
+
 /// Receives the server's name.
 class OrvaConnObject::CBServerNameObject : public CBBaseObject {
 public:
@@ -119,7 +168,8 @@ public:
   uint32_t field_size = 0;
 };
 
-template <class T>
-OrvaConnObject::CBRef<T> OrvaConnObject::make_query (const ARef<OrvaConnObject> &self) {
-  return CBRef<T> (new T (self));
+template <class T, class... Arguments>
+OrvaConnObject::CBRef<T> OrvaConnObject::make_query (const ARef<OrvaConnObject> &self,
+                                                     Arguments... arguments) {
+  return CBRef<T> (new T (self, arguments...));
 }

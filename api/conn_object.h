@@ -4,6 +4,7 @@
 #include "api/kv_watch.h"
 #include "api/notify.h"
 #include "api/results.h"
+#include "base/amutex.h"
 #include "base/aprotect.h"
 #include "base/aref.h"
 #include "base/atomic_unsigned.h"
@@ -15,6 +16,7 @@
 #include <atomic>
 #include <initializer_list>
 #include <memory>
+#include <set>
 
 /// The library's view of one server: the protocol's client, with one operation for each exported function,
 /// and the completion objects that turn the protocol's callbacks into blocking calls.
@@ -52,6 +54,11 @@ public:
 
   class CBBaseObject;
   class CBOkObject;
+  class CBClipExistsObject;
+  class CBNamesObject;
+  class CBClipIdsObject;
+  class CBDirectoryNamesObject;
+  class CBClipInfoObject;
   class CBServerNameObject;
   class CBVideoStandardObject;
   class CBDiskSpaceObject;
@@ -65,8 +72,9 @@ public:
   static CBRef<CBOkObject> make_forced_completion (const ARef<OrvaConnObject> &self);
 
   /// For commands that return data: always with a semaphore. @tparam T the completion class.
-  template <class T>
-  static CBRef<T> make_query (const ARef<OrvaConnObject> &self);
+  /// @param arguments what its constructor takes behind the connection
+  template <class T, class... Arguments>
+  static CBRef<T> make_query (const ARef<OrvaConnObject> &self, Arguments... arguments);
 
   // --- Waiting or not (orva_lifecycle.cpp)
 
@@ -144,6 +152,41 @@ public:
   static ResultCode gang_edit1 (ARef<OrvaConnObject> self, uint32_t mask, uint32_t edit_bits);
   static ResultCode ee1 (ARef<OrvaConnObject> self, uint32_t channel, uint32_t edit_bits, uint32_t mode);
   static ResultCode gang_ee1 (ARef<OrvaConnObject> self, uint32_t mask, uint32_t edit_bits, uint32_t mode);
+
+  // --- Clips (orva_clips.cpp)
+
+  static ResultCode clip_exists (ARef<OrvaConnObject> self, const orva_char *clip, uint32_t *exists);
+  static ResultCode rename_clip (ARef<OrvaConnObject> self, const orva_char *from, const orva_char *to);
+  static ResultCode delete_clip (ARef<OrvaConnObject> self, const orva_char *clip);
+  static ResultCode create_clip1 (ARef<OrvaConnObject> self, const orva_char *clip, uint32_t track_mask);
+  static ResultCode create_clip2 (ARef<OrvaConnObject> self, const orva_char *clip, uint32_t track_mask,
+                                  uint32_t length);
+  static ResultCode create_clip3 (ARef<OrvaConnObject> self, uint32_t channel, const orva_char *clip,
+                                  uint32_t track_mask, uint32_t length);
+  static ResultCode create_child_clip1 (ARef<OrvaConnObject> self, const orva_char *clip,
+                                        const orva_char *parent);
+  static ResultCode create_child_clip2 (ARef<OrvaConnObject> self, const orva_char *clip,
+                                        const orva_char *parent, uint32_t angle);
+  /// Both: "Not implemented", and nothing is sent.
+  static ResultCode set_readonly (ARef<OrvaConnObject> self, const orva_char *clip);
+  static ResultCode unset_readonly (ARef<OrvaConnObject> self, const orva_char *clip);
+  /// Sends what all setters of a clip's attributes have in common.
+  static ResultCode modify_clip (ARef<OrvaConnObject> self, const AString &clip,
+                                 const QUILL3::ClipAttrChange &change);
+  /// @param connection the number that callers know this connection by, for the setters
+  static ResultCode open_clip_metadata (ARef<OrvaConnObject> self, uint32_t connection, const orva_char *clip,
+                                        uint32_t *handle);
+
+  // --- Lists, changes of clips and directories (orva_lists.cpp)
+
+  static ResultCode open_clip_list (ARef<OrvaConnObject> self, uint32_t *handle);
+  static ResultCode open_directory_list (ARef<OrvaConnObject> self, uint32_t *handle);
+  static ResultCode create_directory (ARef<OrvaConnObject> self, const orva_char *directory);
+  static ResultCode track_change_added_clip (ARef<OrvaConnObject> self, OrvaStringBuffer clip);
+  static ResultCode track_change_deleted_clip (ARef<OrvaConnObject> self, OrvaStringBuffer clip);
+  static ResultCode track_change_changed_clip (ARef<OrvaConnObject> self, OrvaStringBuffer clip);
+  static ResultCode track_change_added_directory (ARef<OrvaConnObject> self, OrvaStringBuffer directory);
+  static ResultCode track_change_deleted_directory (ARef<OrvaConnObject> self, OrvaStringBuffer directory);
 
   // --- Virtual clips (orva_vclips.cpp)
 
@@ -228,6 +271,14 @@ protected:
   /// connection, the library does not. On the connection's thread, at the start of each connection.
   void on_connected () override;
 
+  // --- Clips and directories: what the server reports. An empty name is ignored.
+
+  void on_clip_created (AString ClipID) override;
+  void on_clip_changed (AString ClipID) override;
+  void on_clip_deleted (AString ClipID) override;
+  void on_directory_created (AString DirectoryName) override;
+  void on_directory_deleted (AString DirectoryName) override;
+
   // --- State of channels, playlists: what the server reports
 
   void on_channel_status (uint32_t Channel, uint32_t ChannelStatus, AOption<AString> ClipID) override;
@@ -275,6 +326,22 @@ private:
   // Not 0: the server has been asked for these reports, and is asked again on each new connection.
   atomic_unsigned clip_reports_registered_;
   atomic_unsigned directory_reports_registered_;
+
+  // --- Changes of clips and directories (orva_lists.cpp). A name is in one set of its kind at most, and
+  // waits there until a caller takes it. The reports of directories take their own lock only; callers take
+  // both, so that no two threads touch a set at once.
+
+  using Names = std::set<AString>;
+
+  static void take_first (Names &names, AString &taken);
+
+  AMutex clip_changes_lock_;
+  Names added_clips_ KELVANE_GUARDED_BY (clip_changes_lock_);
+  Names deleted_clips_ KELVANE_GUARDED_BY (clip_changes_lock_);
+  Names changed_clips_ KELVANE_GUARDED_BY (clip_changes_lock_);
+  AMutex directory_changes_lock_; ///< taken inside clip_changes_lock_
+  Names added_directories_ KELVANE_GUARDED_BY (directory_changes_lock_);
+  Names deleted_directories_ KELVANE_GUARDED_BY (directory_changes_lock_);
 
   // --- State of channels (channel_query.h, orva_channels.cpp)
 

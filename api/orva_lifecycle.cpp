@@ -3,6 +3,8 @@
 
 #include "platform/threads.h"
 
+#include <new>
+
 namespace {
 
 constexpr int thread_priority = -1;
@@ -23,7 +25,10 @@ std::array<std::unique_ptr<ChannelCache>, OrvaConnObject::channel_count> new_cha
 
 OrvaConnObject::OrvaConnObject ()
     : channels_ (new_channels ()),
-      metadata_callback_ (AMethod::bind (this, &OrvaConnObject::on_metadata_change)) {}
+      metadata_callback_ (AMethod::bind (this, &OrvaConnObject::on_metadata_change)) {
+  if (!clip_changes_lock_.is_valid () || !directory_changes_lock_.is_valid ())
+    throw std::bad_alloc ();
+}
 
 OrvaConnObject::~OrvaConnObject () {
   stop_and_join ();

@@ -10,13 +10,15 @@ namespace typehelp {
 
 namespace {
 
-// Members of the enumerations TrackType and VideoStandard.
+// Members of the enumerations TrackType, VideoResolution, VideoStandard and Playback.
 constexpr uint32_t track_video = 0;
 constexpr uint32_t track_key = 1;
 constexpr uint32_t track_audio = 2;
 constexpr uint32_t track_timecode = 3;
 constexpr uint32_t first_exported_resolution = 2;
 constexpr uint32_t first_exported_standard = 17;
+constexpr uint32_t first_exported_playback = 1;
+constexpr uint32_t exported_playbacks = 2;
 
 constexpr uint32_t exported_channels = 8;
 constexpr uint32_t edit_bit_0 = 0x10;
@@ -91,6 +93,10 @@ uint32_t repeat_to_wire (uint32_t repeat) {
   return table (repeat, 5);
 }
 
+uint32_t playback_to_wire (uint32_t playback) {
+  return table (playback, exported_playbacks) + first_exported_playback;
+}
+
 uint32_t precue_condition_to_wire (uint32_t condition) {
   return table (condition, 4);
 }
@@ -154,6 +160,12 @@ uint32_t repeat_from_wire (uint32_t loop) {
   return table (loop, 5);
 }
 
+// Below: numbers under the first of a table wrap around and so fall out of it too.
+
+uint32_t playback_from_wire (uint32_t playback) {
+  return table (playback - first_exported_playback, exported_playbacks);
+}
+
 uint32_t channel_status_from_wire (uint32_t status) {
   return status < std::size (exported_statuses) ? exported_statuses[status] : 0;
 }
@@ -166,7 +178,6 @@ uint32_t video_frequency_from_wire (uint32_t rate) {
   return table (rate, 5);
 }
 
-// Numbers below the first wrap around and so fall out of the table too.
 uint32_t video_resolution_from_wire (uint32_t resolution) {
   return table (resolution - first_exported_resolution, 4);
 }
@@ -188,10 +199,13 @@ double speed_from_wire (Kelvane::fixed speed) {
   return speed.raw / fixed_one;
 }
 
+bool standard_has_rate (uint32_t standard) {
+  return standard < std::size (rates) && rates[standard] != no_rate;
+}
+
 uint32_t standard_rate (uint32_t standard) {
-  const uint32_t rate = standard < std::size (rates) ? rates[standard] : no_rate;
-  if (rate != no_rate)
-    return rate;
+  if (standard_has_rate (standard))
+    return rates[standard];
   KELVANE_ASSERT (0);
   return 1;
 }

@@ -24,6 +24,9 @@ QUILL3::ChannelSet channel_set_from_mask (uint32_t mask);
 /// `Loop`, 0 to 4. The wire knows two more values, which no caller can reach.
 uint32_t repeat_to_wire (uint32_t repeat);
 
+/// `Playback`: 0 and 1 give 1 "field" and 2 "f12"; any other number gives 1.
+uint32_t playback_to_wire (uint32_t playback);
+
 /// `PrecueCondition`, 0 to 3. The wire knows a fifth, which no caller can reach.
 uint32_t precue_condition_to_wire (uint32_t condition);
 
@@ -60,6 +63,9 @@ Kelvane::fixed speed_to_wire (double speed);
 /// `Loop` 0 to 4; "auto" and "record" read as 0.
 uint32_t repeat_from_wire (uint32_t loop);
 
+/// `Playback` 1 "field" and 2 "f12" give 0 and 1; "auto" reads as 0.
+uint32_t playback_from_wire (uint32_t playback);
+
 /// `ChannelStatus`: 0 no channel, 1 stopped, 2 cueing, 3 playing, 4 recording. "timedelay" reads as no
 /// channel.
 uint32_t channel_status_from_wire (uint32_t status);
@@ -86,6 +92,9 @@ uint32_t edit_mask_from_wire (uint16_t mask);
 double speed_from_wire (Kelvane::fixed speed);
 
 // Drop frame of a video standard.
+
+/// Whether standard_rate() knows the `VideoStandard`.
+bool standard_has_rate (uint32_t standard);
 
 /// The rate class of a `VideoStandard`: 0 is 60, 1 is 59.94, 2 is 50, 3 is 48, 4 is 47.95. Any other
 /// standard, "1080_30p" for instance, is an assertion failure and, unlike everything else here, gives 1.

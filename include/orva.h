@@ -357,6 +357,245 @@ ORVA_API uint32_t orva_gang_ee_all_on (uint32_t connection, uint32_t mask);
 /** orva_gang_ee1() with 0 and mode 0. */
 ORVA_API uint32_t orva_gang_ee_all_off (uint32_t connection, uint32_t mask);
 
+/* ---- Clips -------------------------------------------------------------------------------------------- */
+/*
+ * A clip is known by its name. These functions are ordinary commands, but for orva_clip_exists().
+ *
+ * track_mask: bit 0 video, which brings timecode along, bit 1 key, bit 2 audio; other bits are ignored.
+ */
+
+/**
+ * Asks whether there is such a clip. Waits on an asynchronous connection too.
+ * @param exists receives 1 or 0, and 0 when the command failed; may be null: the server is asked all the same
+ */
+ORVA_API uint32_t orva_clip_exists (uint32_t connection, const orva_char *clip, uint32_t *exists);
+/** Gives a clip another name. @param from its name. @param to the new one. */
+ORVA_API uint32_t orva_rename_clip (uint32_t connection, const orva_char *from, const orva_char *to);
+/** Deletes a clip. */
+ORVA_API uint32_t orva_delete_clip (uint32_t connection, const orva_char *clip);
+/** Creates an empty clip of the length that the server chooses. */
+ORVA_API uint32_t orva_create_clip1 (uint32_t connection, const orva_char *clip, uint32_t track_mask);
+/** Creates an empty clip. @param length fields. */
+ORVA_API uint32_t orva_create_clip2 (uint32_t connection, const orva_char *clip, uint32_t track_mask,
+                                     uint32_t length);
+/** Creates an empty clip for a channel. @param channel above 7 is taken for 0. @param length fields. */
+ORVA_API uint32_t orva_create_clip3 (uint32_t connection, uint32_t channel, const orva_char *clip,
+                                     uint32_t track_mask, uint32_t length);
+/** Creates a clip that shares the content of another. @param parent the other's name. */
+ORVA_API uint32_t orva_create_child_clip1 (uint32_t connection, const orva_char *clip,
+                                           const orva_char *parent);
+/** The same, seen from an angle. @param angle its low 8 bits count. */
+ORVA_API uint32_t orva_create_child_clip2 (uint32_t connection, const orva_char *clip,
+                                           const orva_char *parent, uint32_t angle);
+/** Meant to protect a clip. In this version ORVA_ERROR with "Not implemented"; nothing is sent. */
+ORVA_API uint32_t orva_set_readonly (uint32_t connection, const orva_char *clip);
+/** Meant to lift the protection; fares as orva_set_readonly(). */
+ORVA_API uint32_t orva_unset_readonly (uint32_t connection, const orva_char *clip);
+
+/* ---- Lists of clips and directories ------------------------------------------------------------------- */
+/*
+ * A list is what the server had at one moment: fetched whole, in one round trip, and then read name by name
+ * without any traffic. A list handle belongs to the process, not to the connection; it works on after
+ * orva_close() and costs memory until it is closed. Several threads may read one list: each name goes to one
+ * of them. The two families, and orva_get_metakey(), share their handles and functions.
+ */
+
+/**
+ * Fetches the names of all clips. Waits on an asynchronous connection too.
+ * @param handle receives the list handle, for orva_get_clip_name(), and is left alone on failure; may be
+ *   null, and then the names are fetched and dropped
+ */
+ORVA_API uint32_t orva_open_clip_list (uint32_t connection, uint32_t *handle);
+/**
+ * Takes the first name off a list, in constant time.
+ * @param name receives it; the empty text at the end of the list, as often as one asks, and after
+ *   ORVA_INVALID_HANDLE. No name is empty. A name that is cut to fit is gone all the same.
+ */
+ORVA_API uint32_t orva_get_clip_name (uint32_t handle, OrvaStringBuffer name);
+/** Closes a list. An unknown handle does nothing. Records no text. */
+ORVA_API void orva_close_clip_list (uint32_t handle);
+/** Fetches the names of all directories; otherwise as orva_open_clip_list(). */
+ORVA_API uint32_t orva_open_directory_list (uint32_t connection, uint32_t *handle);
+/** As orva_get_clip_name(). */
+ORVA_API uint32_t orva_get_directory_name (uint32_t handle, OrvaStringBuffer name);
+/** As orva_close_clip_list(). */
+ORVA_API void orva_close_directory_list (uint32_t handle);
+/** Creates a directory. An ordinary command. */
+ORVA_API uint32_t orva_create_directory (uint32_t connection, const orva_char *directory);
+
+/* ---- Changes of clips and directories ----------------------------------------------------------------- */
+/*
+ * From the first call of one of these functions on, the library collects the names that the server reports as
+ * added, deleted or changed, until the caller takes them one by one. A name waits in one place at most: a
+ * clip that was added and then changed is simply added, one that was added and then deleted is deleted.
+ * Names come in the order of their characters, not of the events. No notice tells of them.
+ *
+ * The first call registers the reports, which is a round trip, on an asynchronous connection too; from then
+ * on there is no traffic, the server may be away, and the library registers again by itself whenever the
+ * connection is made anew. What happens while it is down is not learned. While the registration fails, so do
+ * all of these functions of the kind.
+ */
+
+/** Starts collecting changes of clips, unless that has been done. */
+ORVA_API uint32_t orva_track_clip_changes (uint32_t connection);
+/** Takes one clip that was added. @param clip receives its name, empty when there is none. */
+ORVA_API uint32_t orva_track_change_added_clip (uint32_t connection, OrvaStringBuffer clip);
+/** Takes one clip that was deleted. @param clip receives its name, empty when there is none. */
+ORVA_API uint32_t orva_track_change_deleted_clip (uint32_t connection, OrvaStringBuffer clip);
+/** Takes one clip whose attributes have changed. @param clip receives its name, empty when there is none. */
+ORVA_API uint32_t orva_track_change_changed_clip (uint32_t connection, OrvaStringBuffer clip);
+/** Starts collecting changes of directories, unless that has been done. */
+ORVA_API uint32_t orva_track_directory_changes (uint32_t connection);
+/** Takes one directory that was added. @param directory receives its name, empty when there is none. */
+ORVA_API uint32_t orva_track_change_added_directory (uint32_t connection, OrvaStringBuffer directory);
+/** Takes one directory that was deleted. @param directory receives its name, empty when there is none. */
+ORVA_API uint32_t orva_track_change_deleted_directory (uint32_t connection, OrvaStringBuffer directory);
+
+/* ---- Metadata handles --------------------------------------------------------------------------------- */
+/*
+ * A metadata handle is a snapshot of everything that the server knows about one clip. All functions that
+ * take one give ORVA_INVALID_HANDLE for a handle that is not open. Reading it costs no traffic and works
+ * after orva_close() too; what others change shows only in a new handle. Setting a value is an ordinary
+ * command, which changes the clip on the server, and when that has worked, the snapshot; so on an
+ * asynchronous connection the snapshot changes whether or not the server accepts. A setter whose connection
+ * is closed gives ORVA_INVALID_HANDLE. A handle lives until it is closed, and may be used by several threads.
+ */
+
+/**
+ * Fetches a clip's snapshot. Waits on an asynchronous connection too. A clip that does not exist is the
+ * server's refusal.
+ * @param handle receives the metadata handle, and is left alone on failure; may be null, and then the server
+ *   is asked and no handle is made
+ */
+ORVA_API uint32_t orva_open_clip_metadata (uint32_t connection, const orva_char *clip, uint32_t *handle);
+/** Closes a metadata handle. @return always ORVA_OK, for an unknown handle too. */
+ORVA_API uint32_t orva_close_clip_metadata (uint32_t handle);
+
+/*
+ * Free-form pairs of a key and a value, in the order that the server gave. When a key stands there twice, the
+ * first pair counts.
+ */
+
+/** Whether a key is there. @param has receives 1 or 0, and 0 for an unknown handle; may be null. */
+ORVA_API uint32_t orva_clip_has_meta (uint32_t handle, const orva_char *key, uint32_t *has);
+/** The value of a key. @param value receives it, empty for an unknown key, which is ORVA_OK, or handle. */
+ORVA_API uint32_t orva_clip_get_meta (uint32_t handle, const orva_char *key, OrvaStringBuffer value);
+/** Sets the value of a key; a new key goes to the end. */
+ORVA_API uint32_t orva_clip_set_meta (uint32_t handle, const orva_char *key, const orva_char *value);
+/** Takes a pair away. The server is asked also for a key that the snapshot does not have. */
+ORVA_API uint32_t orva_clip_delete_meta (uint32_t handle, const orva_char *key);
+/** Makes a list of all keys, a snapshot of its own. @param list receives its handle; may be null. */
+ORVA_API uint32_t orva_clip_open_metakeys (uint32_t handle, uint32_t *list);
+/** Takes the first key off a list, as orva_get_clip_name(). */
+ORVA_API uint32_t orva_get_metakey (uint32_t list, OrvaStringBuffer key);
+/** Closes a list of keys. @return always ORVA_OK, for an unknown handle too. */
+ORVA_API uint32_t orva_close_metakeys (uint32_t list);
+
+/* ---- Attributes of clips ------------------------------------------------------------------------------ */
+/*
+ * Through a metadata handle; see above. What the server left out reads as 0 or the empty text. Values that
+ * have no number here read as the first of their kind.
+ */
+
+/** How the fields of a clip are shown. In a setter, any other number is taken for ORVA_PLAYBACK_FIELD. */
+enum OrvaPlayback {
+  ORVA_PLAYBACK_FIELD = 0, /**< one by one; also what "automatic" reads as */
+  ORVA_PLAYBACK_F12 = 1    /**< 1 and 2 together */
+};
+
+/** Where a clip's timecode comes from. In a setter, any other number is a fault of the program. */
+enum OrvaTimecodeSource {
+  ORVA_TIMECODE_ZERO_BASED = 0,
+  ORVA_TIMECODE_STRIPED = 1,          /**< as orva_set_clip_timecode_stripe() says */
+  ORVA_TIMECODE_RECORDED = 2,         /**< recorded with the picture */
+  ORVA_TIMECODE_RECORDED_0_STRIPE = 3 /**< counted on from the one recorded with the first frame */
+};
+
+/** How a timecode counts. In a setter, any other number is taken for ORVA_DROP_FRAME. */
+enum OrvaDropFrame { ORVA_DROP_FRAME = 0, ORVA_NON_DROP_FRAME = 1 };
+
+/** The clip's video standard. @param standard receives an OrvaVideoStandard. */
+ORVA_API uint32_t orva_clip_video_standard (uint32_t handle, uint32_t *standard);
+/** The clip's tracks. @param track_mask receives them: bit 0 video, bit 1 key, bit 2 audio. */
+ORVA_API uint32_t orva_get_tracks (uint32_t handle, uint32_t *track_mask);
+/** Who made the clip. @param creator receives the text, empty for an unknown handle. */
+ORVA_API uint32_t orva_clip_creator (uint32_t handle, OrvaStringBuffer creator);
+/** The project of the clip. @param project receives the text, empty for an unknown handle. */
+ORVA_API uint32_t orva_clip_project (uint32_t handle, OrvaStringBuffer project);
+/** The title of the clip. @param title receives the text, empty for an unknown handle. */
+ORVA_API uint32_t orva_clip_title (uint32_t handle, OrvaStringBuffer title);
+/** How the clip is shown. @param playback receives an OrvaPlayback. */
+ORVA_API uint32_t orva_clip_playback (uint32_t handle, uint32_t *playback);
+/** How the clip repeats. @param repeat receives an OrvaRepeat. */
+ORVA_API uint32_t orva_clip_repeat (uint32_t handle, uint32_t *repeat);
+/** Where the clip's loop starts. @param position receives it in fields. */
+ORVA_API uint32_t orva_clip_loop_in_point (uint32_t handle, uint32_t *position);
+/** Where the clip's loop ends. @param position receives it in fields. */
+ORVA_API uint32_t orva_clip_loop_out_point (uint32_t handle, uint32_t *position);
+/** The length of the clip. @param length receives it in fields. */
+ORVA_API uint32_t orva_clip_length (uint32_t handle, uint32_t *length);
+/** Whether the clip is protected. @param readonly receives 1 or 0. */
+ORVA_API uint32_t orva_clip_is_readonly (uint32_t handle, uint32_t *readonly);
+/**
+ * Where the clip's timecode starts, by the source in use.
+ * @param start receives it in fields; 0 when it is based on zero, or when the server does not tell.
+ * @param drop_frame receives an OrvaDropFrame. A clip on a standard without drop frame is non-drop whatever
+ *   the server says; on the others, 59.94 and those of no known rate, drop frame unless the server says
+ *   otherwise.
+ */
+ORVA_API uint32_t orva_clip_timecode_stripe (uint32_t handle, uint32_t *start, uint32_t *drop_frame);
+/** The timecode recorded with the clip's first frame; otherwise as orva_clip_timecode_stripe(). */
+ORVA_API uint32_t orva_clip_recorded_timecode0 (uint32_t handle, uint32_t *start, uint32_t *drop_frame);
+/** The clip's own identifier. @param uuid receives it, and is left alone for an unknown handle. */
+ORVA_API uint32_t orva_clip_uuid (uint32_t handle, OrvaStringBuffer uuid);
+/** That of the clip's parent. @param uuid receives it, and is left alone for an unknown handle. */
+ORVA_API uint32_t orva_clip_parent_uuid (uint32_t handle, OrvaStringBuffer uuid);
+/** How much is trimmed off the start. @param trim receives it in fields. */
+ORVA_API uint32_t orva_clip_trim_start (uint32_t handle, uint32_t *trim);
+/** How much is trimmed off the end. @param trim receives it in fields. */
+ORVA_API uint32_t orva_clip_trim_end (uint32_t handle, uint32_t *trim);
+/** Where the clip's timecode comes from. @param source receives an OrvaTimecodeSource. */
+ORVA_API uint32_t orva_clip_timecode_source (uint32_t handle, uint32_t *source);
+
+/* Stamps: numbers of the server, which it raises with time; their unit is its own affair. */
+
+/** When the clip was last loaded. @param stamp receives it. */
+ORVA_API uint32_t orva_clip_last_loaded (uint32_t handle, uint64_t *stamp);
+/** When the clip was last unloaded. @param stamp receives it. */
+ORVA_API uint32_t orva_clip_last_unloaded (uint32_t handle, uint64_t *stamp);
+/** When the clip was last played. @param stamp receives it. */
+ORVA_API uint32_t orva_clip_last_played (uint32_t handle, uint64_t *stamp);
+/** When the clip's metadata was last edited. @param stamp receives it. */
+ORVA_API uint32_t orva_clip_metadata_last_edited (uint32_t handle, uint64_t *stamp);
+/** When the clip's content was last edited. @param stamp receives it. */
+ORVA_API uint32_t orva_clip_content_last_edited (uint32_t handle, uint64_t *stamp);
+
+/** Sets who made the clip. */
+ORVA_API uint32_t orva_set_clip_creator (uint32_t handle, const orva_char *creator);
+/** Sets the project of the clip. */
+ORVA_API uint32_t orva_set_clip_project (uint32_t handle, const orva_char *project);
+/** Sets the title of the clip. */
+ORVA_API uint32_t orva_set_clip_title (uint32_t handle, const orva_char *title);
+/** Sets how the clip is shown. @param playback an OrvaPlayback. */
+ORVA_API uint32_t orva_set_clip_playback (uint32_t handle, uint32_t playback);
+/** Sets how the clip repeats. @param repeat an OrvaRepeat. */
+ORVA_API uint32_t orva_set_clip_repeat (uint32_t handle, uint32_t repeat);
+/** Sets where the clip's loop starts. @param position fields. */
+ORVA_API uint32_t orva_set_clip_loop_in_point (uint32_t handle, uint32_t position);
+/** Sets where the clip's loop ends. @param position fields. */
+ORVA_API uint32_t orva_set_clip_loop_out_point (uint32_t handle, uint32_t position);
+/** Trims the start of the clip. @param trim fields; an odd number is taken for the even one below it. */
+ORVA_API uint32_t orva_set_clip_trim_start (uint32_t handle, uint32_t trim);
+/** Trims the end of the clip. @param trim fields; an odd number is taken for the even one below it. */
+ORVA_API uint32_t orva_set_clip_trim_end (uint32_t handle, uint32_t trim);
+/**
+ * Stripes the clip with a timecode, and makes that stripe its source.
+ * @param start the timecode of the first frame, in fields. @param drop_frame an OrvaDropFrame.
+ */
+ORVA_API uint32_t orva_set_clip_timecode_stripe (uint32_t handle, uint32_t start, uint32_t drop_frame);
+/** Sets where the clip's timecode comes from. @param source an OrvaTimecodeSource. */
+ORVA_API uint32_t orva_set_clip_timecode_source (uint32_t handle, uint32_t source);
+
 /* ---- Virtual clips ------------------------------------------------------------------------------------ */
 /*
  * A virtual clip is put together on the server from segments of other clips, track by track. The order of

@@ -30,6 +30,7 @@ TEST (TypeHelp, TablesGiveTheirFirstValueOutsideTheirRange) {
       {"precue_condition_to_wire", precue_condition_to_wire, 0, 4},
       {"drop_frame_to_wire", drop_frame_to_wire, 0, 2},
       {"repeat_from_wire", repeat_from_wire, 0, 5},
+      {"playback_from_wire", playback_from_wire, 1, 2},
       {"video_frequency_from_wire", video_frequency_from_wire, 0, 5},
       {"video_resolution_from_wire", video_resolution_from_wire, 2, 4},
       {"video_standard_from_wire", video_standard_from_wire, 17, 10},
@@ -46,6 +47,13 @@ TEST (TypeHelp, TablesGiveTheirFirstValueOutsideTheirRange) {
     EXPECT_EQ (row.convert (0xFFFFFFFF), 0u);
   }
   EXPECT_EQ (asserts.count (), 0u);
+}
+
+TEST (TypeHelp, PlaybackIsNeverSentAsAuto) {
+  EXPECT_EQ (playback_to_wire (0), 1u);
+  EXPECT_EQ (playback_to_wire (1), 2u);
+  EXPECT_EQ (playback_to_wire (2), 1u);
+  EXPECT_EQ (playback_to_wire (0xFFFFFFFF), 1u);
 }
 
 TEST (TypeHelp, CheckedConversionsFailAnAssertionOutsideTheirRange) {
