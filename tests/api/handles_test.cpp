@@ -1,0 +1,220 @@
+// What callers hold by number: lists and snapshots.
+
+#include "api/list_handles.h"
+#include "api/metadata_handles.h"
+
+#include "support/text_points.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+constexpr unsigned thread_count = 8;
+
+AStringList list_of (std::initializer_list<const char *> names) {
+  AStringList list;
+  for (const char *name : names)
+    list.append (name);
+  return list;
+}
+
+/// The next name of a list whose handle is known.
+std::string next (ListHandles &lists, uint32_t handle) {
+  AString name = "before";
+  EXPECT_EQ (lists.take_name (handle, name), 0u);
+  return name.to_std_string ();
+}
+
+template <class Body>
+void on_eight_threads (Body body) {
+  std::vector<std::thread> threads;
+  for (unsigned i = 0; i != thread_count; ++i)
+    threads.emplace_back (body, i);
+  for (std::thread &thread : threads)
+    thread.join ();
+}
+
+TEST (HandleTable, PassesOverNumbersInUse) {
+  static uint32_t drawn;
+  drawn = 0;
+  const auto in_pairs = [] { return ++drawn / 2 + 7; };
+  HandleTable<int> table (in_pairs);
+  EXPECT_EQ (table.open (1), 7u);
+  EXPECT_EQ (table.open (2), 8u);
+  EXPECT_EQ (table.open (3), 9u) << "the second 8 is in use";
+  table.close (9);
+  EXPECT_EQ (table.open (4), 9u) << "and the second 9 is not";
+  int seen = 0;
+  EXPECT_TRUE (table.visit (9, [&] (int value) { seen = value; }));
+  EXPECT_EQ (seen, 4);
+  EXPECT_FALSE (table.visit (10, [&] (int) { ADD_FAILURE (); }));
+}
+
+TEST (ListHandles, GiveNamesInOrderAndThenNothing) {
+  ListHandles lists;
+  const uint32_t handle = lists.open (list_of ({"B", "A", "B"}));
+  const uint32_t other = lists.open (AStringList ());
+  EXPECT_NE (handle, 0u);
+  EXPECT_NE (handle, other);
+  EXPECT_EQ (next (lists, handle), "B");
+  EXPECT_EQ (next (lists, other), "");
+  EXPECT_EQ (next (lists, handle), "A");
+  EXPECT_EQ (next (lists, handle), "B");
+  EXPECT_EQ (next (lists, handle), "");
+  EXPECT_EQ (next (lists, handle), "");
+}
+
+TEST (ListHandles, AreUnknownOnceClosed) {
+  ListHandles lists;
+  const uint32_t handle = lists.open (list_of ({"A"}));
+  lists.close (handle);
+  lists.close (handle);
+  AString name = "before";
+  EXPECT_EQ (lists.take_name (handle, name), 3u);
+  EXPECT_EQ (last_error_text (), "Invalid handle");
+  EXPECT_TRUE (name.is_empty ());
+}
+
+TEST (ListHandles, TakeAMillionNamesInLinearTime) {
+  constexpr uint32_t count = 1000000;
+  std::vector<AString> names;
+  for (uint32_t i = 0; i != 1000; ++i)
+    names.push_back (AString::from_uint32 (i));
+  const auto start = std::chrono::steady_clock::now ();
+  ListHandles lists;
+  AStringList list;
+  for (uint32_t i = 0; i != count; ++i)
+    list.append (names[i % 1000]);
+  const uint32_t handle = lists.open (std::move (list));
+  AString name;
+  uint32_t right = 0;
+  for (uint32_t i = 0; i != count; ++i) {
+    lists.take_name (handle, name);
+    right += name.shares_store_with (names[i % 1000]) ? 1 : 0;
+  }
+  EXPECT_EQ (right, count);
+  EXPECT_EQ (next (lists, handle), "");
+  // Walking or copying the list for each name would take hours.
+  EXPECT_LT (std::chrono::steady_clock::now () - start, std::chrono::seconds (120));
+}
+
+TEST (ListHandles, CloseManyNamesAtOnce) {
+  ListHandles lists;
+  AStringList list;
+  const AString name = "NEWS0123";
+  for (int i = 0; i != 100000; ++i)
+    list.append (name);
+  const uint32_t handle = lists.open (std::move (list));
+  lists.close (handle);
+  AString taken;
+  EXPECT_EQ (lists.take_name (handle, taken), 3u);
+}
+
+TEST (ListHandles, GiveEachNameToOneOfManyThreads) {
+  constexpr uint32_t count = 4000;
+  ListHandles lists;
+  AStringList list;
+  for (uint32_t i = 0; i != count; ++i)
+    list.append (AString::from_uint32 (i));
+  const uint32_t handle = lists.open (std::move (list));
+  std::array<std::vector<std::string>, thread_count> taken;
+  on_eight_threads ([&] (unsigned i) {
+    for (std::string name = next (lists, handle); !name.empty (); name = next (lists, handle))
+      taken[i].push_back (name);
+  });
+  std::set<std::string> all;
+  size_t sum = 0;
+  for (const auto &of_thread : taken) {
+    all.insert (of_thread.begin (), of_thread.end ());
+    sum += of_thread.size ();
+  }
+  EXPECT_EQ (sum, count);
+  EXPECT_EQ (all.size (), count);
+}
+
+// Whichever thread gets there first, a handle is known or it is not.
+TEST (ListHandles, MayBeClosedWhileOthersRead) {
+  ListHandles lists;
+  std::array<std::atomic<uint32_t>, 4> handles{};
+  on_eight_threads ([&] (unsigned i) {
+    for (int round = 0; round != 300; ++round) {
+      std::atomic<uint32_t> &place = handles[(i + round) % handles.size ()];
+      const uint32_t mine = lists.open (list_of ({"A", "B"}));
+      lists.close (place.exchange (mine));
+      AString name;
+      const ResultCode code = lists.take_name (place.load (), name);
+      if (code == 0)
+        EXPECT_TRUE (name == "A" || name == "B" || name.is_empty ());
+      else
+        EXPECT_TRUE (code == 3 && name.is_empty ());
+    }
+  });
+}
+
+TEST (MetaDataHandles, KeepWhatTheyWereGivenUntilClosed) {
+  MetaDataHandles handles;
+  QUILL3::ClipInfo clip;
+  clip.Title = "The opener";
+  const uint32_t handle = handles.open ({7, clip});
+  const uint32_t other = handles.open ({8, {}});
+  EXPECT_NE (handle, other);
+  MetaDataHandles::Item item;
+  EXPECT_EQ (handles.find (handle, item), 0u);
+  EXPECT_EQ (last_error_text (), "OK");
+  EXPECT_EQ (item.connection, 7u);
+  EXPECT_TRUE (item.record == clip);
+  item.record.Title = "A copy";
+  EXPECT_EQ (handles.change (handle, [] (QUILL3::ClipInfo &kept) { kept.ClipLength = 50; }), 0u);
+  EXPECT_EQ (handles.find (handle, item), 0u);
+  EXPECT_EQ (item.record.Title, "The opener");
+  EXPECT_EQ (item.record.ClipLength, 50u);
+  handles.close (handle);
+  handles.close (handle);
+  item.connection = 77;
+  EXPECT_EQ (handles.find (handle, item), 3u);
+  EXPECT_EQ (last_error_text (), "Invalid handle");
+  EXPECT_EQ (item.connection, 77u);
+  EXPECT_EQ (handles.change (handle, [] (QUILL3::ClipInfo &) { ADD_FAILURE (); }), 3u);
+  EXPECT_EQ (handles.find (other, item), 0u);
+}
+
+TEST (MetaDataHandles, GiveRecordsOfOneMoment) {
+  MetaDataHandles handles;
+  const uint32_t handle = handles.open ({1, {}});
+  on_eight_threads ([&] (unsigned i) {
+    for (uint32_t round = 0; round != 300; ++round) {
+      const uint32_t number = i * 1000 + round;
+      handles.change (handle, [=] (QUILL3::ClipInfo &clip) {
+        clip.LoopIn = number;
+        clip.Title = AString::from_uint32 (number);
+        clip.LoopOut = number;
+        clip.MetadataList = QUILL3::MetadataList{{clip.Title, clip.Title}};
+      });
+      MetaDataHandles::Item item;
+      EXPECT_EQ (handles.find (handle, item), 0u);
+      EXPECT_EQ (item.record.LoopIn, item.record.LoopOut);
+      EXPECT_EQ (item.record.Title, AString::from_uint32 (item.record.LoopIn));
+      EXPECT_EQ (item.record.MetadataList.value.front ().Value, item.record.Title);
+    }
+  });
+}
+
+TEST (Handles, AreTheSameForTheWholeProcess) {
+  EXPECT_EQ (&ListHandles::instance (), &ListHandles::instance ());
+  EXPECT_EQ (&MetaDataHandles::instance (), &MetaDataHandles::instance ());
+  const uint32_t list = ListHandles::instance ().open (AStringList ());
+  const uint32_t snapshot = MetaDataHandles::instance ().open ({});
+  EXPECT_EQ (snapshot, list + 1) << "they share their numbers";
+  ListHandles::instance ().close (list);
+  MetaDataHandles::instance ().close (snapshot);
+}
+
+} // namespace
