@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <new>
 #include <string>
 
 namespace {
@@ -73,6 +74,13 @@ TEST (AByteArray, large_blocks_start_on_a_page) {
   array.resize (100000);
   EXPECT_EQ (reinterpret_cast<uintptr_t> (array.data ()) % 4096, 0u);
   EXPECT_EQ (array.at (3999), 7);
+}
+
+TEST (AByteArray, more_than_any_heap_has_is_refused) {
+  AByteArray array = bytes ("ab");
+  EXPECT_THROW (array.resize (UINT64_MAX), std::bad_alloc);
+  EXPECT_THROW (array.reserve (UINT64_MAX / 2), std::bad_alloc);
+  EXPECT_EQ (text_of (array), "ab");
 }
 
 TEST (AByteArray, resize_fills_what_is_new) {

@@ -186,7 +186,7 @@ TEST (AStringExport, WrongBuffersAreReportedAndLeftAlone) {
     text.copy_utf16 (u, room);
     text.copy_uint32 (w, room);
     text.copy_wchar (c, room);
-    EXPECT_EQ (asserts.take (), 8u);
+    EXPECT_EQ (asserts.take (), room == 0 ? 6u : 8u); // code points may go into no room at all
     EXPECT_EQ (text.copy_latin1_z (b, room, '?'), 0u);
     EXPECT_EQ (text.copy_utf8_z (b, room), 0u);
     EXPECT_EQ (text.copy_utf16_z (u, room), 0u);

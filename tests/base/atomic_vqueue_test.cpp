@@ -4,6 +4,7 @@
 #include "base/atomic_uint64.h"
 #include "base/runonce.h"
 #include "support/assert_counter.h"
+#include "support/soak.h"
 
 #include <gtest/gtest.h>
 
@@ -168,14 +169,14 @@ TEST (AVQueue, behaves_as_a_deque_on_one_thread) {
 // Each value is a producer's number and its count, so that a consumer sees whether an order is broken.
 TEST (AVQueue, many_producers_and_consumers_lose_nothing) {
   constexpr uintptr_t producers = 8;
-  constexpr uintptr_t each = 20000;
+  const uintptr_t each = static_cast<uintptr_t> (support::rounds (20000, 1250000));
   AVQueue queue;
   std::atomic<uintptr_t> taken = 0;
   std::atomic<uintptr_t> sum = 0;
   std::atomic<unsigned> out_of_order = 0;
   std::vector<std::thread> threads;
   for (uintptr_t p = 0; p != producers; ++p) {
-    threads.emplace_back ([&queue, p] {
+    threads.emplace_back ([&queue, each, p] {
       for (uintptr_t i = 1; i <= each; ++i)
         queue.push (pointer (i * producers + p));
     });

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <utility>
 
 namespace {
@@ -143,6 +144,35 @@ TEST (AVariant, convert_to_an_unknown_type_reports) {
   AssertCounter failures;
   EXPECT_TRUE (AVariant (5).convert_to (8).is_empty ());
   EXPECT_EQ (failures.count (), 1u);
+}
+
+/// A variant whose type no constructor makes.
+AVariant of_unknown_type () {
+  struct Words {
+    uint64_t word;
+    uint32_t type;
+  };
+  static_assert (sizeof (Words) == sizeof (AVariant));
+  const Words words{5, 8};
+  AVariant variant;
+  std::memcpy (static_cast<void *> (&variant), &words, sizeof variant);
+  return variant;
+}
+
+TEST (AVariant, an_unknown_type_reports_and_gives_the_fall_back) {
+  const AVariant unknown = of_unknown_type ();
+  AssertCounter failures;
+  EXPECT_FALSE (unknown.is_integer ());
+  EXPECT_EQ (unknown.get_uint32 (7), 7u);
+  EXPECT_EQ (unknown.get_uint64 (7), 7u);
+  EXPECT_EQ (unknown.get_int32 (7), 7);
+  EXPECT_EQ (unknown.get_int64 (7), 7);
+  EXPECT_TRUE (unknown.get_bool (true));
+  EXPECT_EQ (unknown.get_achar (AChar (U'y')), AChar (U'y'));
+  EXPECT_TRUE (unknown.get_string ("z") == "z");
+  EXPECT_EQ (failures.take (), 8u);
+  EXPECT_FALSE (unknown == of_unknown_type ());
+  EXPECT_EQ (failures.take (), 1u);
 }
 
 TEST (AVariant, equality) {

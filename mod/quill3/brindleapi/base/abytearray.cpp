@@ -1,16 +1,19 @@
 #include "base/abytearray.h"
 
 #include "base/kelvane_assert.h"
+#include "base/sole_owner.h"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <new>
 #include <string>
 
 namespace {
 
-constexpr uint64_t first_room = 31; ///< so that a first byte does not reallocate
 constexpr uint64_t smallest_capacity = 32;
+constexpr uint64_t first_room = smallest_capacity - 1; ///< so that a first byte does not reallocate
+constexpr uint64_t too_large = UINT64_MAX / 4;         ///< more than any heap has
 constexpr uint64_t page = 4096;
 constexpr uint64_t bytes_a_line = 20; ///< of base64
 
@@ -41,6 +44,8 @@ constexpr int no_digit = -1;
 } // namespace
 
 void AByteArray::DataStruct::reserve (uint64_t n) {
+  if (n >= too_large)
+    throw std::bad_alloc ();
   const uint64_t needed = n + 1;
   if (capacity >= needed)
     return;
@@ -75,7 +80,7 @@ const AByteArray::DataStruct &AByteArray::readable () const {
 AByteArray::DataStruct &AByteArray::own () {
   if (data_ == nullptr)
     data_ = fresh (first_room);
-  else if (data_.use_count () != 1) {
+  else if (!is_sole_owner (data_)) {
     auto copy = fresh (data_->size);
     std::memcpy (copy->data, data_->data, data_->size + 1);
     copy->size = data_->size;

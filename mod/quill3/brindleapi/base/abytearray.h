@@ -12,7 +12,7 @@
 /// where said, an assertion failure with nothing done.
 ///
 /// Threads: one object serves one thread at a time. Copies may live on different threads as long as nobody
-/// writes to any of them.
+/// writes to any of them while another thread reads that very object.
 class AByteArray {
 public:
   AByteArray () = default;
@@ -81,8 +81,9 @@ public:
   AString to_base64 () const;
   /// What is not in the alphabet is skipped; bits that make no byte are dropped.
   static AByteArray from_base64 (const AString &text);
-  /// Two upper-case digits a byte, in lines of fewer than @p line_width characters. There is no form without
-  /// lines: a width of 0 or 1 puts a line feed before every byte, the first included.
+  /// Two upper-case digits a byte, in lines that end before a byte once they hold @p line_width - 1
+  /// characters. There is no form without lines: a width of 0 or 1 puts a line feed before every byte, the
+  /// first included.
   AString to_hex (int line_width) const;
   /// Two upper-case digits a byte.
   AByteArray to_hex_bytes () const;
@@ -94,8 +95,8 @@ public:
 
   /// The first @p n bytes; shared when that is all.
   AByteArray left (uint64_t n) const;
-  /// The last @p n bytes. Asking for all of them or more gives none: callers take that for "nothing is left
-  /// out in front".
+  /// The last @p n bytes. Asking for all of them or more gives none; it has always done so and is kept
+  /// for callers that count on it.
   AByteArray right (uint64_t n) const;
   AByteArray mid (uint64_t offset, uint64_t count) const;
 

@@ -199,7 +199,7 @@ size_t AString::copy_utf16_z (char16_t *buffer, size_t utf16_bufcount) const {
 }
 
 void AString::copy_uint32 (uint32_t *buffer, size_t uint32_bufcount, size_t *written, bool pad) const {
-  if (KELVANE_ASSERT (buffer != nullptr) && KELVANE_ASSERT (uint32_bufcount > 0))
+  if (uint32_bufcount != 0 && KELVANE_ASSERT (buffer != nullptr))
     ::end (buffer, uint32_bufcount, fill_code_points (*this, buffer, uint32_bufcount), written, pad,
            uint32_t{0});
   else if (written != nullptr)

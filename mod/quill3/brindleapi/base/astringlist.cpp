@@ -74,7 +74,7 @@ AStringList AString::split (const ADelimiterFinder &finder, bool keep_delimiters
       break;
     add (start, position - start, position > start || keep_empty);
     add (position, length, length != 0 && keep_delimiters);
-    start = std::min (position, end) + std::max<int64_t> (length, 1);
+    start = std::min (position, end) + std::clamp<int64_t> (length, 1, end + 1);
   }
   add (start, end, start < end || keep_empty);
   return pieces;

@@ -84,7 +84,7 @@ public:
     return change_if ([=] (unsigned value) { return value > x; }, [=] (unsigned) { return x; });
   }
 
-  /// The following ten change the value and give true.
+  /// The following eight change the value and give true.
   bool multiply_by (unsigned x) noexcept {
     return change ([=] (unsigned value) { return value * x; });
   }

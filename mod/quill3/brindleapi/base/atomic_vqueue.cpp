@@ -27,7 +27,7 @@ TaggedPointer successor (TaggedPointer before, AVQueueNode *node) {
 class FreeNodes {
 public:
   void push (AVQueueNode *node) {
-    TaggedPointer top = top_.load ();
+    TaggedPointer top;
     do {
       top = top_.load ();
       node->free_link = node_of (top);
@@ -83,7 +83,8 @@ AVQueue::~AVQueue () {
 
 unsigned AVQueue::push (void *value) {
   AVQueueNode *node = take_node ();
-  KELVANE_ASSERT (node->next.load ().pointer == 0);
+  if (!KELVANE_ASSERT (node->next.load ().pointer == 0))
+    node = new AVQueueNode;
   node->value = value;
   link (node);
   return length_++;

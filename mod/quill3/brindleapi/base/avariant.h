@@ -24,11 +24,14 @@ enum AVariantType : uint32_t {
 class AVariant {
 public:
   AVariant () noexcept = default;
-  AVariant (bool value) noexcept : AVariant (AVariantBool, value ? 1U : 0U) {}
+  /// Nothing but a bool: a pointer does not become one.
+  template <std::same_as<bool> Bool>
+  AVariant (Bool value) noexcept : AVariant (AVariantBool, value ? 1U : 0U) {}
   AVariant (AChar value) noexcept : AVariant (AVariantChar, value.value ()) {}
   /// An integer of up to 32 bits becomes a 32-bit one of its signedness, a longer one a 64-bit one.
   template <std::integral Integer>
-  AVariant (Integer value) noexcept : AVariant (type_of<Integer> (), word_of (value)) {}
+  requires (!std::same_as<Integer, bool>) AVariant (Integer value)
+  noexcept : AVariant (type_of<Integer> (), word_of (value)) {}
   AVariant (const AString &value);
   /// Latin-1 text.
   AVariant (const char *value) : AVariant (AString (value)) {}

@@ -53,8 +53,8 @@ public:
   // Lookups of a value whose type is not known (enumstring_variant.cpp).
 
   /// An integer must be a number of the table; a text may be a spelling, or the decimal text of a number of
-  /// the table. A text that is neither reads as number 0, which succeeds where the table has that number:
-  /// callers rely on it for values that older servers leave empty. `out` receives the number, as above.
+  /// the table. A text that is neither reads as number 0, which succeeds where the table has that number; it
+  /// always did, and callers count on it. `out` receives the number, as above.
   bool from_variant (const AVariant &value, uint32_t *out = nullptr) const;
   // Only an AVariant itself selects these: a plain literal means a spelling.
   template <std::same_as<AVariant> Value>

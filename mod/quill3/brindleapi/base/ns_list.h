@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/kelvane_assert.h"
+#include "base/sole_owner.h"
 #include "platform/sanitizers.h"
 
 #include <atomic>
@@ -237,17 +238,7 @@ public:
   bool is_empty () const noexcept { return size () == 0; }
 
 private:
-  // The count is read without order. When it is 1, all that other threads did to the list before they let go
-  // of it must be seen here.
-  bool is_sole () const noexcept {
-    if (list_.use_count () != 1)
-      return false;
-    if constexpr (platform::under_thread_sanitizer)
-      std::shared_ptr<nonstd_list<T>> (list_).reset (); // knows counts, not fences
-    else
-      std::atomic_thread_fence (std::memory_order_acquire);
-    return true;
-  }
+  bool is_sole () const noexcept { return is_sole_owner (list_); }
 
   std::shared_ptr<nonstd_list<T>> list_;
 };

@@ -15,7 +15,7 @@ struct RateConstants {
 
 constexpr uint32_t rate_count = 8;
 
-// The days of rates 3 and 7 are those of rates 2 and 6: positions that callers have stored wrap there.
+// The days of rates 3 and 7 are those of rates 2 and 6: callers count on where they wrap.
 constexpr RateConstants plain_constants[rate_count] = {
     {60, 3600, 36000, 216000, 5184000}, {60, 3600, 36000, 216000, 5184000},
     {50, 3000, 30000, 180000, 4320000}, {48, 2880, 28800, 172800, 4320000},
@@ -37,7 +37,8 @@ const RateConstants &constants (uint32_t rate, bool dropframe) {
   return plain_constants[rate];
 }
 
-// What a second counts when a position is taken apart. Rate 3 is taken apart at 50: displays rely on it.
+// What a second counts when a position is taken apart. Rate 3 is taken apart at 50 and always
+// was: callers count on it.
 uint32_t decoding_fields_per_second (uint32_t rate) {
   constexpr uint32_t divisors[rate_count] = {60, 60, 50, 50, 30, 30, 25, 24};
   return rate < rate_count ? divisors[rate] : divisors[1];
@@ -176,7 +177,7 @@ void timecode2::decode_plain () const {
 }
 
 // Each of the nine minutes after a tenth minute lacks its first fields. Both rates count on from field 4
-// there, although a minute of rate 5 is only two fields short: displays of its positions rely on it.
+// there, although a minute of rate 5 is only two fields short; it always was so, and callers count on it.
 void timecode2::decode_dropframe () const {
   const RateConstants &lengths = constants (rate_, true);
   const uint32_t full_minute = lengths.second * 60;

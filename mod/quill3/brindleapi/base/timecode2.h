@@ -12,7 +12,7 @@
 /// Rates: 0 is 60 fields a second, 1 is 59.94, 2 is 50, 3 is 48, 4 is 30, 5 is 29.97, 6 is 25, 7 is 24. Only
 /// 1 and 5 have drop-frame counting.
 ///
-/// Three values do not follow from the rate, and callers' stored positions rely on them: a day of rate 3 is
+/// Three values do not follow from the rate, and are kept for callers that count on them: a day of rate 3 is
 /// as long as one of rate 2, a day of rate 7 as one of rate 6, and rate 3 decodes as if it had 50 fields a
 /// second.
 class timecode2 {

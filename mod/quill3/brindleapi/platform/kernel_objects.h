@@ -27,6 +27,8 @@ void semaphore_close (SemaphoreHandle semaphore) noexcept;
 Wait semaphore_wait (SemaphoreHandle semaphore, unsigned milliseconds) noexcept;
 /// Adds @p count (at least 1) in one step, or nothing. A null handle fails. Any thread.
 Post semaphore_post (SemaphoreHandle semaphore, unsigned count) noexcept;
+/// Clears what the system has noted for the calling thread about its last failed call, where it does so.
+void forget_last_error () noexcept;
 
 /// Makes a recursive mutex. @return null when the system has nothing to give.
 MutexHandle mutex_create () noexcept;

@@ -119,6 +119,8 @@ platform::Post platform::semaphore_post (SemaphoreHandle handle, unsigned count)
   return result;
 }
 
+void platform::forget_last_error () noexcept {}
+
 platform::MutexHandle platform::mutex_create () noexcept {
   pthread_mutexattr_t attributes;
   if (pthread_mutexattr_init (&attributes) != 0)

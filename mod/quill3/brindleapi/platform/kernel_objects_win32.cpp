@@ -39,10 +39,11 @@ platform::Post platform::semaphore_post (SemaphoreHandle handle, unsigned count)
     return Post::failed;
   if (ReleaseSemaphore (of (handle), static_cast<LONG> (count), nullptr))
     return Post::done;
-  if (GetLastError () != ERROR_TOO_MANY_POSTS)
-    return Post::failed;
+  return GetLastError () == ERROR_TOO_MANY_POSTS ? Post::full : Post::failed;
+}
+
+void platform::forget_last_error () noexcept {
   SetLastError (0);
-  return Post::full;
 }
 
 platform::MutexHandle platform::mutex_create () noexcept {

@@ -33,9 +33,9 @@ public:
   void set_names (const XMLNameTable *names) { names_ = names; }
 
   uint64_t free_space () const { return bufsize_ - used_; }
-  /// Appends as many bytes as there is room for. @return their number; 0 means that the buffer is full and,
-  /// if `next_element` has nothing to give, that the element in it can never be completed. A failed stream
-  /// swallows all.
+  /// Appends as many bytes as there is room for. @return their number; 0 for a length above 0 means that the
+  /// buffer is full and, if `next_element` has nothing to give, that the element in it can never be
+  /// completed. A failed stream swallows all.
   uint64_t feed (uint64_t length, const char *bytes);
   /// Takes out the next element. @return the null tree when none is complete yet or the stream failed
   XMLTree next_element ();
