@@ -55,7 +55,7 @@ uint16_t edit_mask_to_wire (uint32_t bits);
 QUILL3::TrackSet track_set_from_mask (uint32_t mask, bool with_timecode);
 
 /// Held to -200.0 to 200.0 and cut toward zero to steps of 1/65536. What is not a number gives
-/// the smallest value, as the processor converts it: servers refuse it, and so a caller's mistake is seen.
+/// the smallest value, as the processor converts it.
 Kelvane::fixed speed_to_wire (double speed);
 
 // Protocol value to exported number.

@@ -17,7 +17,7 @@
  *   channel      0 to 7, the channels A to H of the server
  *   mask         a set of channels: bit n stands for channel n, bits 0 to 7; other bits are ignored
  *   speed        1.0 is normal forward play, 0.0 a still, negative values run backwards; held to -200.0 to
- *                200.0 and cut to steps of 1/65536
+ *                200.0 and cut to steps of 1/65536; what is not a number is sent as -32768.0
  *   positions    and lengths: counts of fields, two to a frame
  *   text in      NUL-terminated UTF-16; it ends early at the first unit that is not valid UTF-16
  *   text out     an OrvaStringBuffer, by value

@@ -600,6 +600,26 @@ TEST_F (Connection, EndsWithoutAWordToOpenCommands) {
   EXPECT_THAT (notes.lines (), IsEmpty ());
 }
 
+// The stream fails in the very feed during which the end begins.
+TEST_F (Connection, EndsWithoutAWordThoughTheLinkFailsMeanwhile) {
+  std::binary_semaphore in_handler{0}, go_on{0};
+  client.when_clip = [&] (const std::string &) {
+    in_handler.release ();
+    go_on.acquire ();
+  };
+  start ();
+  stop ();
+  ASSERT_TRUE (server.wait_for_commands (1));
+  server.send ("<report>" + created ("C1") + "</report><report></x></report>");
+  in_handler.acquire ();
+  std::thread ending ([&] { client.stop_and_join (); });
+  EXPECT_TRUE (wait_until ([&] { return client.stop_requested (); }));
+  go_on.release ();
+  ending.join ();
+  EXPECT_THAT (notes.lines (), ElementsAre ("connected", "created C1"));
+  EXPECT_EQ (client.outstanding_count (), 1u);
+}
+
 TEST_F (Connection, EndsWhileReportsPourIn) {
   std::atomic<bool> ended{false};
   std::thread pouring ([&] {
