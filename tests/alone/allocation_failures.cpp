@@ -22,19 +22,29 @@ bool take_permission () {
 
 } // namespace
 
-void *operator new (size_t size) {
+// Not inlined: next to a new, a compiler takes the call of free for a mistake.
+
+[[gnu::noinline]] void *operator new (size_t size, const std::nothrow_t &) noexcept {
   void *p = take_permission () ? std::malloc (size != 0 ? size : 1) : nullptr;
-  if (p == nullptr)
-    throw std::bad_alloc ();
-  ++living;
+  if (p != nullptr)
+    ++living;
   return p;
 }
-void operator delete (void *p) noexcept {
+[[gnu::noinline]] void *operator new (size_t size) {
+  void *p = operator new (size, std::nothrow);
+  if (p == nullptr)
+    throw std::bad_alloc ();
+  return p;
+}
+[[gnu::noinline]] void operator delete (void *p) noexcept {
   if (p != nullptr)
     --living;
   std::free (p);
 }
-void operator delete (void *p, size_t) noexcept {
+[[gnu::noinline]] void operator delete (void *p, size_t) noexcept {
+  operator delete (p);
+}
+[[gnu::noinline]] void operator delete (void *p, const std::nothrow_t &) noexcept {
   operator delete (p);
 }
 
