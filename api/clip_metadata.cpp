@@ -57,22 +57,21 @@ void forget_key (ClipInfo &clip, const AString &key) {
 
 ResultCode clip_has_meta (uint32_t handle, const orva_char *key, uint32_t *has) noexcept {
   return guarded ([&] {
-    const AString wanted = text_argument (key);
     if (has != nullptr)
       *has = 0;
     return read_clip (handle, [&] (const ClipInfo &clip) {
       if (has != nullptr)
-        *has = value_of_key (clip, wanted).present ? 1 : 0;
+        *has = value_of_key (clip, text_argument (key)).present ? 1 : 0;
     });
   });
 }
 
 ResultCode clip_get_meta (uint32_t handle, const orva_char *key, OrvaStringBuffer value) noexcept {
   return guarded ([&] {
-    const AString wanted = text_argument (key);
     AString found;
-    const ResultCode code = read_clip (
-        handle, [&] (const ClipInfo &clip) { found = present_or_zero (value_of_key (clip, wanted)); });
+    const ResultCode code = read_clip (handle, [&] (const ClipInfo &clip) {
+      found = present_or_zero (value_of_key (clip, text_argument (key)));
+    });
     fill_string_buffer (found, value);
     return code;
   });

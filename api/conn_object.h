@@ -255,7 +255,7 @@ public:
   /// Throws when memory runs out; the store is not entered then.
   void kv_watch (KVStore *store, const std::u16string &folder);
   /// Takes a store out; when this returns no report reaches it any more.
-  void kv_unwatch (KVStore *store);
+  void kv_unwatch (KVStore *store) noexcept;
   /// Waits until no download of the folder is under way and the last one has succeeded.
   ResultCode kv_wait_scan (const std::u16string &folder, uint32_t timeout_ms);
   /// Ordinary commands: they wait unless the connection is asynchronous.
@@ -372,6 +372,7 @@ private:
   // --- Key-value stores (orva_kvstores.cpp). Locks, outermost first: watches, scans, one scan; watches, the
   // changes of one store. Commands are sent, but not waited for, under the lock of the watches.
 
+  void kv_unwatch_locked (KVWatch &l, KVStore *store) noexcept;
   std::shared_ptr<KVScan> kv_scan (const std::u16string &folder);
   void kv_start_scan (const std::u16string &folder);
   void kv_restart ();

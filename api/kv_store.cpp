@@ -5,6 +5,7 @@
 #include "platform/threads.h"
 
 #include <chrono>
+#include <new>
 #include <utility>
 
 namespace {
@@ -49,8 +50,8 @@ ResultCode KVStore::set (const std::u16string &key, std::u16string value) {
   std::u16string full_key = prefix_ + key;
   {
     const std::lock_guard hold (pending_.lock);
+    pending_.kv_set.insert_or_assign (full_key, std::move (value));
     pending_.kv_erase.erase (full_key);
-    pending_.kv_set.insert_or_assign (std::move (full_key), std::move (value));
   }
   pending_.worker_cond.notify_all ();
   return result_ok ();
@@ -62,8 +63,8 @@ ResultCode KVStore::erase (const std::u16string &key) {
   std::u16string full_key = prefix_ + key;
   {
     const std::lock_guard hold (pending_.lock);
+    pending_.kv_erase.insert (full_key);
     pending_.kv_set.erase (full_key);
-    pending_.kv_erase.insert (std::move (full_key));
   }
   pending_.worker_cond.notify_all ();
   return result_ok ();
@@ -157,7 +158,9 @@ bool KVStore::send_an_erasure (Hold &hold) {
 // lives, its end counts for everyone, and afterwards nothing ends the wait. Applications pace their writes by
 // it, so it stays as it is.
 void KVStore::retry_wait (Hold &hold) {
-  static const auto &first_stop = *new std::weak_ptr<const std::atomic<bool>> (pending_.stop_requested);
+  using Stop = std::weak_ptr<const std::atomic<bool>>;
+  alignas (Stop) static unsigned char place[sizeof (Stop)]; // never destroyed, and had without memory
+  static const Stop &first_stop = *new (place) Stop (pending_.stop_requested);
   pending_.worker_cond.wait_for (hold, retry_delay, [] {
     const auto stop = first_stop.lock ();
     return stop != nullptr && *stop;
@@ -175,6 +178,7 @@ void KVStore::close () {
   pending_.worker_cond.notify_all ();
   pending_.drained_cond.wait_for (hold, close_worker_limit, [this] { return pending_.worker_finished; });
   pending_.worker->join ();
+  pending_.stop_requested.reset (); // who still holds the store must not keep others from waiting
 }
 
 // --- Inbound
@@ -244,7 +248,8 @@ void KVStore::on_metadata_remove (const AString &report_prefix, const QUILL3::Ke
     changes_cond_.notify_all ();
 }
 
-// A key that waits to be delivered keeps its place, whatever becomes of it.
+// A key that waits to be delivered keeps its place, whatever becomes of it. What needs memory comes first, so
+// that a failure leaves the tables as they were.
 
 /// @return true when the key did not wait yet.
 bool KVStore::note_setting (std::u16string key, std::u16string value) {
@@ -254,10 +259,12 @@ bool KVStore::note_setting (std::u16string key, std::u16string value) {
     return false;
   }
   const bool waits = changes_erase_.contains (key);
+  std::list<std::u16string> place;
   if (!waits)
-    changes_order_.push_back (key);
+    place.push_back (key);
   changes_set_.emplace (key, std::move (value));
   changes_erase_.erase (key);
+  changes_order_.splice (changes_order_.end (), place);
   return !waits;
 }
 
@@ -266,9 +273,11 @@ bool KVStore::note_erasure (std::u16string key) {
   if (changes_erase_.contains (key))
     return false;
   const bool waits = changes_set_.contains (key);
+  std::list<std::u16string> place;
   if (!waits)
-    changes_order_.push_back (key);
+    place.push_back (key);
   changes_erase_.insert (key);
   changes_set_.erase (key);
+  changes_order_.splice (changes_order_.end (), place);
   return !waits;
 }

@@ -70,8 +70,9 @@ private:
     std::condition_variable worker_cond; ///< there is something to send, or the end has come
     std::unordered_map<std::u16string, std::u16string> kv_set; ///< by full key
     std::unordered_set<std::u16string> kv_erase;               ///< full keys
-    /// Written under the lock. Counted, because the retry waits of other stores may look at it.
-    const std::shared_ptr<std::atomic<bool>> stop_requested = std::make_shared<std::atomic<bool>> (false);
+    /// Written under the lock. Counted, because the retry waits of other stores may look at it. Null after
+    /// the end.
+    std::shared_ptr<std::atomic<bool>> stop_requested = std::make_shared<std::atomic<bool>> (false);
     std::condition_variable drained_cond; ///< everything has gone out, or the worker has
     bool worker_finished = false;
 

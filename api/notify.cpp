@@ -10,8 +10,9 @@ void Notifier::post (uint32_t kind, uint32_t channel) {
     const std::lock_guard hold (lock_);
     if (notice_set_.contains (notice))
       return;
-    notice_order_.push_back (notice);
+    std::list<Notice> place (1, notice); // what needs memory comes first
     notice_set_.insert (notice);
+    notice_order_.splice (notice_order_.end (), place);
   }
   changed_.notify_all ();
 }

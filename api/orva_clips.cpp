@@ -15,8 +15,9 @@ QUILL3::TrackSet tracks (uint32_t track_mask) {
 } // namespace
 
 ResultCode OrvaConnObject::clip_exists (ARef<OrvaConnObject> self, const orva_char *clip, uint32_t *exists) {
+  const AString id = text_argument (clip);
   const auto completion = make_query<CBClipExistsObject> (self);
-  const ResultCode code = run_command (self, completion, &API::clip_exists, {.ClipID = text_argument (clip)},
+  const ResultCode code = run_command (self, completion, &API::clip_exists, {.ClipID = id},
                                        completion->exists_callback (), completion->error_callback ());
   if (exists != nullptr)
     *exists = code == ORVA_OK && completion->exists ? 1 : 0;
@@ -84,10 +85,10 @@ ResultCode OrvaConnObject::modify_clip (ARef<OrvaConnObject> self, const AString
 
 ResultCode OrvaConnObject::open_clip_metadata (ARef<OrvaConnObject> self, uint32_t connection,
                                                const orva_char *clip, uint32_t *handle) {
+  const AString id = text_argument (clip);
   const auto completion = make_query<CBClipInfoObject> (self, connection);
-  const ResultCode code =
-      run_command (self, completion, &API::get_clip_info, {.ClipID = text_argument (clip)},
-                   completion->info_callback (), completion->error_callback ());
+  const ResultCode code = run_command (self, completion, &API::get_clip_info, {.ClipID = id},
+                                       completion->info_callback (), completion->error_callback ());
   if (code == ORVA_OK && handle != nullptr)
     *handle =
         MetaDataHandles::instance ().open ({completion->connection_number, std::move (completion->record)});

@@ -2,10 +2,13 @@
 #include "api/command_flow.h"
 #include "api/kv_store.h"
 #include "base/kelvane_assert.h"
+#include "platform/threads.h"
 
 #include <utility>
 
 namespace {
+
+constexpr unsigned out_of_memory_milliseconds = 1;
 
 AString text (const std::u16string &units) {
   return AString::from_utf16 (units);
@@ -33,16 +36,31 @@ void OrvaConnObject::kv_watch (KVStore *store, const std::u16string &folder) {
   }
 }
 
-void OrvaConnObject::kv_unwatch (KVStore *store) {
-  auto l = kv_watch_.lock ();
-  const auto it = l->byStore.find (store);
-  if (!KELVANE_ASSERT (it != l->byStore.cend ()))
+// A store that stays behind would be told of changes when it is long gone, so this waits for the memory that
+// the lock needs. The server is told if there is memory for that too; reports of a folder nobody looks at are
+// ignored.
+void OrvaConnObject::kv_unwatch (KVStore *store) noexcept {
+  for (;;) {
+    try {
+      return kv_unwatch_locked (*kv_watch_.lock (), store);
+    } catch (...) {
+      platform::sleep_milliseconds (out_of_memory_milliseconds);
+    }
+  }
+}
+
+void OrvaConnObject::kv_unwatch_locked (KVWatch &l, KVStore *store) noexcept {
+  const auto it = l.byStore.find (store);
+  if (!KELVANE_ASSERT (it != l.byStore.cend ()))
     return;
   const std::u16string folder = std::move (it->second);
-  if (!KELVANE_ASSERT (l->byFolder.find (folder) != l->byFolder.cend ()))
+  l.byStore.erase (it);
+  if (!KELVANE_ASSERT (l.byFolder.find (folder) != l.byFolder.cend ()) || !l.remove (store, folder))
     return;
-  if (l->remove (store, folder))
+  try {
     unwatch_metadata_database ({.MetadataDatabase = text (folder)});
+  } catch (...) {
+  }
 }
 
 std::shared_ptr<KVScan> OrvaConnObject::kv_scan (const std::u16string &folder) {

@@ -792,8 +792,8 @@ ORVA_API uint32_t orva_get_notification (uint32_t connection, uint32_t timeout, 
 
 /* ---- Playlists ---------------------------------------------------------------------------------------- */
 /*
- * A channel can play a list of clips that the server holds. Ordinary commands; a channel above 7 is taken for
- * channel 0. An index counts from 0; its low 16 bits count.
+ * A channel can play a list of clips that the server holds. The five commands are ordinary ones, to which a
+ * channel above 7 is channel 0. An index counts from 0; its low 16 bits count.
  */
 
 /** Plays an element of the channel's list now. */

@@ -103,6 +103,7 @@ public:
   ~Machine ();
 
   void perform (void (Machine::*action) ());
+  void accept_all ();
   void listen_now ();
   void close_listener ();
   void stall ();
@@ -140,7 +141,6 @@ private:
   std::vector<net::Watch> watches () const;
   int milliseconds_to_wait () const;
   bool may_read (const Connection &connection) const;
-  void accept_all ();
   void read_from (Connection &connection);
   void cut_commands (Lock &lock, size_t number);
   bool cut_one (size_t number, Command &command);
@@ -340,6 +340,7 @@ int FakeServer::Machine::milliseconds_to_wait () const {
   return static_cast<int> (rest) + 1;
 }
 
+// Also before a connection is ended: a client may have taken for connected what still stands in the queue.
 void FakeServer::Machine::accept_all () {
   while (accepting_) {
     const net::Handle handle = net::accept_one (listener_);
@@ -529,6 +530,7 @@ void FakeServer::read_slowly (size_t count, std::chrono::milliseconds interval) 
 
 void FakeServer::send (const std::string &bytes, size_t connection) {
   const Lock lock (machine_->mutex);
+  machine_->accept_all ();
   machine_->send (bytes, connection);
   machine_->wake ();
 }
@@ -539,24 +541,28 @@ void FakeServer::report (const std::string &body, size_t connection) {
 
 void FakeServer::drop (size_t connection) {
   const Lock lock (machine_->mutex);
+  machine_->accept_all ();
   machine_->enqueue (connection, {Outgoing::Kind::drop, {}, {}});
   machine_->wake ();
 }
 
 void FakeServer::reset (size_t connection) {
   const Lock lock (machine_->mutex);
+  machine_->accept_all ();
   machine_->enqueue (connection, {Outgoing::Kind::reset, {}, {}});
   machine_->wake ();
 }
 
 void FakeServer::end_sending (size_t connection) {
   const Lock lock (machine_->mutex);
+  machine_->accept_all ();
   machine_->enqueue (connection, {Outgoing::Kind::end_sending, {}, {}});
   machine_->wake ();
 }
 
 void FakeServer::drop_all () {
   const Lock lock (machine_->mutex);
+  machine_->accept_all ();
   for (size_t number = 1; number <= machine_->connections.size (); ++number)
     machine_->enqueue (number, {Outgoing::Kind::drop, {}, {}});
   machine_->wake ();

@@ -228,7 +228,8 @@ void Client::write_document (const XMLTree &document) {
 void Client::send_bytes (const void *data, uint64_t length) {
   std::shared_ptr<Link> link = binding_.in_document ? binding_.link : current_link ();
   if (link == nullptr || !link->is_up ()) {
-    if (!stop_requested_)
+    // The commands of a link that is no longer the present one have been failed when it went.
+    if (!stop_requested_ && (link == nullptr || link == current_link ()))
       fail_all_commands ();
     return;
   }
