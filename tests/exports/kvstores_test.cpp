@@ -64,6 +64,17 @@ private:
   std::map<std::string, std::string> table_;
 };
 
+/// A connection whose thread has done what it does at the start of one. A store that is opened earlier may be
+/// watched twice, by its opening and by that.
+class SettledSession : public Session {
+public:
+  explicit SettledSession (FakeServer &server) : Session (server) {
+    server.answer ("stop", "<ok />");
+    EXPECT_EQ (orva_cmd_stop1 (*this, 0), ORVA_OK);
+    server.forget ();
+  }
+};
+
 /// A store that closes itself.
 class Store {
 public:
@@ -120,7 +131,7 @@ std::vector<std::string> names (const FakeServer &server) {
 
 TEST (Stores, BadArgumentsGiveTheirCodes) {
   FakeServer server;
-  const Session session (server);
+  const SettledSession session (server);
   uint32_t handle = 77;
   const auto open = [&] (uint32_t connection, uint32_t mode) {
     return orva_open_kvstore (connection, wide ("CUES").c_str (), wide ("").c_str (), mode, &handle);
@@ -147,7 +158,7 @@ TEST (Stores, OpeningWatchesAndDownloads) {
   MetadataServer server;
   server.put ("a", "1");
   server.put ("b", "2");
-  const Session session (server);
+  const SettledSession session (server);
   const Store store (session, "CUES", "", ORVA_STORE_READ);
   EXPECT_EQ (orva_kvstore_wait_scan (store, generous_milliseconds), ORVA_OK);
   EXPECT_EQ (change (store, 0), "a=1");
@@ -166,7 +177,7 @@ TEST (Stores, OpeningWatchesAndDownloads) {
 
 TEST (Stores, AnEmptyFolderIsScannedAndTellsNothing) {
   MetadataServer server;
-  const Session session (server);
+  const SettledSession session (server);
   const Store store (session, "CUES", "", ORVA_STORE_READ);
   EXPECT_EQ (orva_kvstore_wait_scan (store, generous_milliseconds), ORVA_OK);
   EXPECT_EQ (change (store, 0), "");
@@ -176,7 +187,7 @@ TEST (Stores, AScanThatIsRefusedOrOpenTimesOut) {
   FakeServer server;
   server.answer ("download_metadata",
                  "<error><ErrorMessage>No</ErrorMessage><ErrorCode>general</ErrorCode></error>");
-  const Session session (server);
+  const SettledSession session (server);
   const Store refused (session, "CUES", "", ORVA_STORE_READ);
   server.wait_for_commands (2);
   EXPECT_EQ (orva_kvstore_wait_scan (refused, 50), ORVA_TIMEOUT);
@@ -190,7 +201,7 @@ TEST (Stores, AScanThatIsRefusedOrOpenTimesOut) {
 
 TEST (Stores, TwoOnOneFolderShareTheWatch) {
   MetadataServer server;
-  const Session session (server);
+  const SettledSession session (server);
   Store a (session, "CUES", "a/", ORVA_STORE_READ);
   Store b (session, "CUES", "b/", ORVA_STORE_READ);
   ASSERT_TRUE (server.wait_for_commands (3));
@@ -218,7 +229,7 @@ TEST (Stores, TwoOnOneFolderShareTheWatch) {
 
 TEST (Stores, HandlesAreNotUsedAgain) {
   FakeServer server;
-  const Session session (server);
+  const SettledSession session (server);
   Store first (session, "CUES", "", ORVA_STORE_READ);
   const uint32_t handle = first;
   first.close ();
@@ -229,7 +240,7 @@ TEST (Stores, HandlesAreNotUsedAgain) {
 TEST (Stores, SetsAndErasesReachTheServer) {
   MetadataServer server;
   server.put ("p/old", "1");
-  const Session session (server);
+  const SettledSession session (server);
   Store store (session, "CUES", "p/", ORVA_STORE_WRITE);
   store.set ("k", "v");
   EXPECT_EQ (orva_kvstore_flush (store, generous_milliseconds), ORVA_OK);
@@ -252,7 +263,7 @@ TEST (Stores, SetsAndErasesReachTheServer) {
 // The server holds its answer back, so that the caller can act while a key is in hand.
 TEST (Stores, AValueReplacedWhileItIsSentIsSentAgain) {
   MetadataServer server;
-  const Session session (server);
+  const SettledSession session (server);
   Store store (session, "CUES", "", ORVA_STORE_WRITE);
   server.silent (true);
   store.set ("k", "1");
@@ -270,7 +281,7 @@ TEST (Stores, AValueReplacedWhileItIsSentIsSentAgain) {
 
 TEST (Stores, ARefusedKeyIsTriedAgain) {
   MetadataServer server;
-  const Session session (server);
+  const SettledSession session (server);
   Store store (session, "CUES", "", ORVA_STORE_WRITE);
   std::atomic<int> refusals = 0;
   server.on ("metadata_set", [&] (const Command &command) {
@@ -298,7 +309,7 @@ TEST (Stores, AReconnectionTellsEveryKeyAgain) {
   MetadataServer server;
   server.put ("a", "1");
   server.put ("b", "2");
-  const Session session (server);
+  const SettledSession session (server);
   const Store store (session, "CUES", "", ORVA_STORE_READ);
   EXPECT_EQ (change (store), "a=1");
   EXPECT_EQ (change (store), "b=2");
@@ -337,7 +348,7 @@ TEST (Stores, CloseWithoutAServerTakesTheTimeOfDraining) {
 
 TEST (Stores, AnAsynchronousConnectionTakesASendForAnAnswer) {
   MetadataServer server;
-  const Session session (server);
+  const SettledSession session (server);
   orva_synchronous (session, 1);
   Store store (session, "CUES", "", ORVA_STORE_WRITE);
   server.silent (true);
@@ -349,7 +360,7 @@ TEST (Stores, AnAsynchronousConnectionTakesASendForAnAnswer) {
 TEST (Stores, ChangesAreCutToFit) {
   MetadataServer server;
   server.put ("abcdef", "123456");
-  const Session session (server);
+  const SettledSession session (server);
   const Store store (session, "CUES", "", ORVA_STORE_READ);
   EXPECT_EQ (orva_kvstore_wait_scan (store, generous_milliseconds), ORVA_OK);
   uint32_t type = 0;
