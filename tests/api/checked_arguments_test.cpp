@@ -2,6 +2,7 @@
 // live the command goes out with 0.
 #include "api/conn_object.h"
 
+#include "exports/snapshots.h"
 #include "support/assert_counter.h"
 #include "support/fake_server.h"
 
@@ -32,6 +33,23 @@ TEST (CheckedArguments, OfATakeAreReportedAndSentAsZero) {
   EXPECT_EQ (server.command (3).element (),
              "\r\n<take>\r\n<Channel>A</Channel>\r\n<TransitionType>cut</TransitionType>\r\n"
              "<TransitionDuration>5</TransitionDuration>\r\n<FollowSpeed>none</FollowSpeed>\r\n</take>\r\n");
+}
+
+TEST (CheckedArguments, OfATimecodeSourceAreReportedAndSentAsZero) {
+  support::FakeServer server;
+  server.answer ("get_clip_info", clip_info ({{"TimecodeSource", "striped"}}));
+  server.answer ("modify_clip_attributes", "<ok />");
+  const Session session (server);
+  const Snapshot snapshot (session);
+  AssertCounter asserts;
+  EXPECT_EQ (orva_set_clip_timecode_source (snapshot, 4), 0u);
+  EXPECT_GE (asserts.take (), 1u);
+  EXPECT_EQ (server.command (2).element (),
+             "\r\n<modify_clip_attributes>\r\n<ClipID>NEWS0123</ClipID>\r\n<ClipAttrChange>\r\n"
+             "<TimecodeSource>zerobased</TimecodeSource>\r\n</ClipAttrChange>\r\n"
+             "</modify_clip_attributes>\r\n");
+  EXPECT_EQ (number_of (orva_clip_timecode_source, snapshot), 0u);
+  EXPECT_EQ (asserts.take (), 0u);
 }
 
 TEST (CheckedArguments, ANullTextIsReportedAndSentEmpty) {

@@ -187,6 +187,26 @@ TEST (ClipTimecode, ComesFromItsSource) {
   }
 }
 
+TEST (ClipMetadata, OfAClipThatVanishedSinceItWasListedIsRefused) {
+  FakeServer server;
+  server.answer ("download_clipids", {"<clipid><ClipID>NEWS0123</ClipID></clipid>", "<ok />"});
+  server.answer ("get_clip_info", "<error><ErrorMessage>No such clip</ErrorMessage>"
+                                  "<ErrorCode>clipnotfound</ErrorCode></error>");
+  server.answer ("clip_exists", "<clipexists><ClipID>NEWS0123</ClipID><Exists>false</Exists></clipexists>");
+  const Session session (server);
+  uint32_t list = 0;
+  ASSERT_EQ (orva_open_clip_list (session, &list), ORVA_OK);
+  EXPECT_EQ (filled ([&] (OrvaStringBuffer name) { orva_get_clip_name (list, name); }), "NEWS0123");
+  uint32_t handle = 77;
+  EXPECT_EQ (orva_open_clip_metadata (session, wide ("NEWS0123").c_str (), &handle), ORVA_ERROR);
+  EXPECT_EQ (last_error (), "No such clip");
+  EXPECT_EQ (handle, 77u);
+  uint32_t exists = 77;
+  EXPECT_EQ (orva_clip_exists (session, wide ("NEWS0123").c_str (), &exists), ORVA_OK);
+  EXPECT_EQ (exists, 0u);
+  orva_close_clip_list (list);
+}
+
 TEST (ClipMetadata, OfAClipThatDoesNotExistIsRefused) {
   FakeServer server;
   server.answer ("get_clip_info", "<error><ErrorMessage>No such clip</ErrorMessage>"
