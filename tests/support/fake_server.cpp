@@ -59,14 +59,6 @@ std::string element_of (const std::string &document) {
   return document.substr (begin + before.size (), end - begin - before.size ());
 }
 
-// Most of 127.0.0.0/8 can be had, but 127.0.x.x is left to others: 127.0.0.1 is what clients take for
-// granted.
-uint32_t some_loopback_address () {
-  const uint32_t number = net::unlikely_number ();
-  const uint32_t a = 1 + number % 254, b = 1 + (number >> 8U) % 254, c = 1 + (number >> 16U) % 254;
-  return 0x7F000000U | a << 16U | b << 8U | c;
-}
-
 } // namespace
 
 std::string Command::element () const {
@@ -92,11 +84,6 @@ std::string report_of (const std::string &body) {
   return "<report>" + body + "</report>";
 }
 
-std::string address_text (uint32_t address) {
-  return std::to_string (address >> 24U) + "." + std::to_string (address >> 16U & 255U) + "." +
-         std::to_string (address >> 8U & 255U) + "." + std::to_string (address & 255U);
-}
-
 class FakeServer::Machine {
 public:
   explicit Machine (Start start);
@@ -117,9 +104,9 @@ public:
   Connection *find (size_t number);
 
   // Constant after construction.
-  uint32_t address = 0;
-  net::Handle guard = net::no_handle;
-  net::Handle bell = net::no_handle;
+  const OwnAddress own_address;
+  const uint32_t address = own_address.value ();
+  const net::Handle bell = net::open_bell ();
 
   // Guarded by mutex.
   mutable std::mutex mutex;
@@ -135,7 +122,6 @@ public:
   std::chrono::milliseconds read_interval{0};
 
 private:
-  void reserve_address ();
   void run ();
   void serve (Lock &lock);
   std::vector<net::Watch> watches () const;
@@ -161,7 +147,8 @@ private:
 };
 
 FakeServer::Machine::Machine (Start start) {
-  reserve_address ();
+  if (bell == net::no_handle)
+    ADD_FAILURE () << "nothing to wake the server with";
   if (start == Start::listening)
     listen_now ();
   thread_ = std::thread ([this] { run (); });
@@ -177,18 +164,7 @@ FakeServer::Machine::~Machine () {
   close_listener ();
   for (Connection &connection : connections)
     net::close_handle (connection.handle);
-  net::close_handle (guard);
   net::close_handle (bell);
-}
-
-void FakeServer::Machine::reserve_address () {
-  for (int attempt = 0; guard == net::no_handle && attempt < 1000; ++attempt) {
-    address = some_loopback_address ();
-    guard = net::listen_on (address, guard_port, 1);
-  }
-  bell = net::open_bell ();
-  if (guard == net::no_handle || bell == net::no_handle)
-    ADD_FAILURE () << "no loopback address can be reserved";
 }
 
 void FakeServer::Machine::close_listener () {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/own_address.h"
 #include "support/wait.h"
 
 #include <cstddef>
@@ -14,9 +15,6 @@ namespace support {
 
 /// The port on which every server of this protocol listens.
 inline constexpr uint16_t server_port = 8913;
-
-/// Where a fake server holds its address, so that no other one takes it while nobody listens on server_port.
-inline constexpr uint16_t guard_port = 8914;
 
 /// One `cmd` document as it came from a client.
 struct Command {
@@ -37,9 +35,6 @@ std::string reply_to (const Command &command, const std::string &body);
 
 /// `<report>` around a body.
 std::string report_of (const std::string &body);
-
-/// `127.3.2.1` for 0x7F030201.
-std::string address_text (uint32_t address);
 
 /// A scripted server: a real socket on port 8913 of a loopback address of its own, so that any number of them
 /// run side by side, in one process and in many. One thread accepts, reads, cuts out commands, runs the
