@@ -52,8 +52,10 @@ public:
   ResultCode wait_scan (uint32_t timeout_ms);
 
   /// Ends the store: no report reaches it from here on, and what is pending has two seconds to go out. Then
-  /// the thread has ten more to leave, and is waited for without limit, the pending lock held: a server that
-  /// does not answer a command in hand holds this call until the connection is lost.
+  /// the thread has ten more to leave, and is waited for without limit, the pending lock held. A thread that
+  /// still waits for an answer then needs that lock to go on, so a server that stays silent for twelve
+  /// seconds holds this call for ever. Where it returns, the thread has left for certain: callers rely on
+  /// that order.
   void close ();
 
   /// What has been set in or taken out of the folder. Keys that do not begin with this store's prefix, or are

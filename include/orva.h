@@ -851,9 +851,10 @@ enum OrvaStoreChange { ORVA_STORE_CHANGE_SET = 1, ORVA_STORE_CHANGE_ERASE = 2 };
 ORVA_API uint32_t orva_open_kvstore (uint32_t connection, const orva_char *folder, const orva_char *prefix,
                                      uint32_t mode, uint32_t *handle);
 /**
- * Closes a store. In a mode that writes, what is pending has 2 seconds to go out and is lost after that; up
- * to 10 more may pass, and a server that has not answered the last key by then holds the call until it
- * answers or the connection is lost. A handle that is not open does nothing. Records no text.
+ * Closes a store. In a mode that writes, what is pending has 2 seconds to go out and is lost after that, and
+ * the command in hand has 10 more to be answered. A server that leaves it unanswered and the connection up
+ * for all that time holds this call for ever, whatever comes later. A handle that is not open does nothing.
+ * Records no text.
  */
 ORVA_API void orva_close_key_value_store (uint32_t handle);
 /** Sets a key. Returns at once. @return ORVA_READ_ONLY for a store that only reads. */
