@@ -15,11 +15,12 @@ TRACKS = "<TrackSet><TrackType>video</TrackType></TrackSet>"
 class Program:
     """A running example, what it is told, and the lines that it prints."""
 
-    def __init__(self, name, address):
+    def __init__(self, name, *arguments):
         program = os.path.join(os.path.dirname(support.PROGRAM), name)
-        self.process = subprocess.Popen([program, address], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
-                                        encoding="utf-8")
+        self.process = subprocess.Popen([program, *arguments], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                        text=True, encoding="utf-8")
         self.lines = []
+        self.seen = 0
         self.reader = threading.Thread(target=self._read)
         self.reader.start()
 
@@ -27,12 +28,17 @@ class Program:
         for line in self.process.stdout:
             self.lines.append(line.rstrip("\n"))
 
-    def wait_for(self, line):
+    def wait_for(self, line, first=0):
         end = time.monotonic() + support.PATIENCE
-        while line not in self.lines:
+        while line not in self.lines[first:]:
             if time.monotonic() > end:
-                raise AssertionError("no line %r in %r" % (line, self.lines))
+                raise AssertionError("no line %r in %r" % (line, self.lines[first:]))
             time.sleep(0.01)
+
+    def wait_for_next(self, line):
+        """Waits for such a line behind the one that this has waited for before."""
+        self.wait_for(line, self.seen)
+        self.seen = self.lines.index(line, self.seen) + 1
 
     def say(self, line):
         self.process.stdin.write(line + "\n")
@@ -137,3 +143,53 @@ class Mirror(support.Case):
         one.wait_for("other = 3")
         self.assertEqual(one.end(), 0)
         self.assertEqual(other.end(), 0)
+
+
+class WatchChannels(support.Case):
+    arguments = ("--standard", "1080_50i", "--report-rate", "10")
+
+    def test_tells_what_others_do(self):
+        client = self.client()
+        watcher = Program("watch_channels", self.simulator.address)
+        self.addCleanup(watcher.stop)
+        for channel in "ABCDEFGH":
+            for value in ("clip \"BARS\"", "clip length 18000", "precued clips 0", "repeat off", "angle 0 of 1",
+                          "input automatic, tracks 0", "status stopped", "speed 0.00", "position 0"):
+                watcher.wait_for_next("%s  %s" % (channel, value))
+
+        def do(command, channel, arguments=""):
+            self.assertEqual(client.answer("<%s><Channel>%s</Channel>%s</%s>" % (command, channel, arguments, command)),
+                             "<ok />", command)
+
+        do("cue_clip", "C", "<ClipID>SPORT/GOAL</ClipID><Loop>pingpong</Loop><GotoPosition>40</GotoPosition>"
+           "<Angle>2</Angle>")
+        for value in ("clip \"SPORT/GOAL\"", "clip length 3000", "repeat ping-pong", "angle 2 of 4", "position 40"):
+            watcher.wait_for_next("C  " + value)
+        do("play", "H", "<Speed>0.25X</Speed>")
+        watcher.wait_for_next("H  status playing")
+        watcher.wait_for_next("H  speed 0.25")
+        do("precue", "B", "<ClipID>COUNTDOWN</ClipID>")
+        watcher.wait_for_next("B  precued clips 1")
+        do("ee", "A", "<SonyEditMask>1023</SonyEditMask><AutoEE>false</AutoEE>")
+        watcher.wait_for_next("A  input manual, tracks 7")
+        self.assertEqual(watcher.interrupt(), 0)
+        self.assertEqual(watcher.lines[-1], "That is all.")
+
+    def test_works_a_channel(self):
+        watcher = Program("watch_channels", self.simulator.address, "NEWS/OPENER")
+        self.addCleanup(watcher.stop)
+        for line in ("A  clip \"BARS\"", "Loading NEWS/OPENER.", "A  clip \"NEWS/OPENER\"", "A  clip length 1800",
+                     "Playing at 1.0.", "A  status playing", "A  speed 1.00", "Jogging 250 fields on.",
+                     "A  status stopped", "A  speed 0.00", "Playing backwards at 0.5.", "A  status playing",
+                     "A  speed -0.50", "Stopping.", "A  status stopped", "A  speed 0.00", "That is all."):
+            watcher.wait_for_next(line)
+        self.assertEqual(watcher.end(), 0)
+        positions = [int(line.split()[-1]) for line in watcher.lines if line.startswith("A  position")]
+        self.assertTrue(any(250 <= position for position in positions), positions)
+        self.assertNotEqual(positions, sorted(positions))
+
+    def test_says_why_it_ends(self):
+        watcher = Program("watch_channels", self.simulator.address, "NOTHING")
+        self.addCleanup(watcher.stop)
+        watcher.wait_for_next("loading: Clip 'NOTHING' does not exist")
+        self.assertEqual(watcher.end(), 1)
