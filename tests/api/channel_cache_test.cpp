@@ -144,15 +144,48 @@ TEST_F (ChannelCacheTest, ChannelsBeyondTheEighthAreIgnored) {
     report ("<channel_timecode>" + tag +
             "<ClipPosition>1</ClipPosition><DisplayTimecode><Valid>true</Valid></DisplayTimecode>"
             "<InputTimecode><Valid>true</Valid></InputTimecode></channel_timecode>");
-    report ("<channel_listplay_list>" + tag +
-            "<ListID>l</ListID><ListPlayMode>pgm_pvw</ListPlayMode></channel_listplay_list>");
-    report ("<channel_listplay_unloaded>" + tag + "</channel_listplay_unloaded>");
-    report ("<channel_listplay_item_remove>" + tag +
-            "<ListIndex>0</ListIndex></channel_listplay_item_remove>");
+    const auto list_report = [&] (const std::string &name, const std::string &rest = "") {
+      report ("<channel_listplay_" + name + ">" + tag + rest + "</channel_listplay_" + name + ">");
+    };
+    const std::string element = "<ListElement><ContentID><ClipID>x</ClipID></ContentID></ListElement>";
+    list_report ("list", "<ListID>l</ListID><ListPlayMode>pgm_pvw</ListPlayMode>");
+    list_report ("item_exists", "<ListIndex>0</ListIndex>" + element);
+    list_report ("item_insert", "<ListIndex>0</ListIndex>" + element);
+    list_report ("air_now", "<ListPlaybackIndex><ListIndex>0</ListIndex></ListPlaybackIndex>");
+    list_report ("air_next", "<ListPlaybackIndex><ListIndex>0</ListIndex></ListPlaybackIndex>");
+    list_report ("air_lock", "<ListPlaybackIndex><ListIndex>0</ListIndex></ListPlaybackIndex>");
+    list_report ("loop", "<Loop>loop</Loop>");
+    list_report ("item_remove", "<ListIndex>0</ListIndex>");
+    list_report ("clear_all");
+    list_report ("unloaded");
   }
   EXPECT_TRUE (notices ().empty ());
   for (uint32_t channel = 0; channel != OrvaConnObject::channel_count; ++channel)
     cache (channel).each_item ([] (auto &item) { EXPECT_EQ (item.valid.load (), 0u); });
+}
+
+// Each report of a list leaves its mark when its channel exists, so that the silence above means something.
+TEST_F (ChannelCacheTest, EachReportOfAListIsHeard) {
+  const char *const index = "<ListPlaybackIndex><ListIndex>0</ListIndex></ListPlaybackIndex>";
+  const std::pair<const char *, std::string> rows[] = {
+      {"list", "<ListID>l</ListID><ListPlayMode>pgm_pvw</ListPlayMode>"},
+      {"item_exists", "<ListIndex>0</ListIndex><ListElement><ContentID /></ListElement>"},
+      {"item_insert", "<ListIndex>0</ListIndex><ListElement><ContentID /></ListElement>"},
+      {"air_now", index},
+      {"air_next", index},
+      {"air_lock", index},
+      {"loop", "<Loop>loop</Loop>"},
+      {"item_remove", "<ListIndex>0</ListIndex>"},
+      {"clear_all", ""},
+      {"unloaded", ""},
+  };
+  for (const auto &[name, tags] : rows) {
+    cache ().info.valid.store (0);
+    listplay (name, tags);
+    EXPECT_EQ (cache ().info.valid.load (), 1u) << name;
+    EXPECT_EQ (cache ().listplay.valid.load (), 0u) << name;
+  }
+  EXPECT_TRUE (notices ().empty ());
 }
 
 TEST_F (ChannelCacheTest, UnusableReportsChangeNothing) {

@@ -1,8 +1,11 @@
 #include "exports/session.h"
+#include "support/soak.h"
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
+#include <set>
 #include <string>
 #include <thread>
 #include <utility>
@@ -11,6 +14,9 @@
 namespace {
 
 using support::FakeServer;
+
+/// What a wait of a known length may take longer.
+constexpr std::chrono::seconds busy_machine (4);
 
 /// The channel's letter in a command.
 std::string channel_of (const support::Command &command) {
@@ -223,30 +229,50 @@ TEST (Channels, ARefusedRegistrationIsTriedAgain) {
   EXPECT_EQ (number (orva_channel_position, session, 0), 42u);
 }
 
+/// Answers registrations with `ok`, and reports nothing of channel E.
+class SelectiveServer : public FakeServer {
+public:
+  SelectiveServer () {
+    answer_any ("<ok />");
+    on ("channel_report_register", [] (const support::Command &command) {
+      return channel_of (command) == "<Channel>E</Channel>" ? support::reply_to (command, "<ok />")
+                                                            : registration_reply (command);
+    });
+  }
+};
+
 // Both waits run side by side, so that the test takes the time of one.
-TEST (Channels, AServerThatNeverReportsIsGivenFiveToSixSeconds) {
-  FakeServer server;
-  server.answer ("channel_report_register", "<ok />");
+TEST (Channels, AServerThatNeverReportsIsGivenFiveToSixSecondsAndHoldsNobodyElse) {
+  SelectiveServer server;
+  ReportingServer other_server;
   const Session session (server);
-  const auto start = std::chrono::steady_clock::now ();
-  const auto never_reported = [&] (uint32_t code) {
+  const Session other_session (other_server);
+  std::atomic<int> waiting = 2;
+  const auto never_reported = [&] (uint32_t (*query) (uint32_t, uint32_t, uint32_t *)) {
+    uint32_t value = 77;
+    const auto start = std::chrono::steady_clock::now ();
+    EXPECT_EQ (query (session, 4, &value), ORVA_ERROR);
     const auto passed = std::chrono::steady_clock::now () - start;
-    EXPECT_EQ (code, ORVA_ERROR);
+    --waiting;
     EXPECT_EQ (last_error (), "Register for channel item failed unexpectedly");
     EXPECT_GT (passed, std::chrono::milliseconds (4900));
+    EXPECT_LT (passed, std::chrono::seconds (6) + busy_machine);
+    EXPECT_EQ (value, 77u);
   };
-  uint32_t value = 77;
-  std::thread other ([&] {
-    uint32_t other_value = 77;
-    never_reported (orva_channel_clip_length (session, 2, &other_value));
-  });
-  never_reported (orva_channel_position (session, 0, &value));
-  other.join ();
-  EXPECT_EQ (value, 77u);
-  EXPECT_EQ (server.command_count (), 2u);
-  server.on ("channel_report_register", registration_reply);
+  std::thread one (never_reported, orva_channel_position);
+  std::thread another (never_reported, orva_channel_clip_length);
+  EXPECT_TRUE (server.wait_for_commands (2));
   EXPECT_EQ (number (orva_channel_position, session, 0), 42u);
-  EXPECT_EQ (server.command_count (), 3u) << "the item had not been taken for registered";
+  EXPECT_EQ (notice (session), Pair (ORVA_NOTICE_POSITION, 0));
+  EXPECT_EQ (orva_cmd_play1 (session, 4), ORVA_OK);
+  EXPECT_EQ (clip_of (other_session, 4), "NEWS0123");
+  EXPECT_EQ (waiting, 2) << "somebody has waited with them";
+  one.join ();
+  another.join ();
+  EXPECT_EQ (server.command_count (), 4u);
+  server.on ("channel_report_register", registration_reply);
+  EXPECT_EQ (number (orva_channel_position, session, 4), 42u);
+  EXPECT_EQ (server.command_count (), 5u) << "the item had not been taken for registered";
 }
 
 TEST (Channels, ListReportsLetTheFirstWaitForTheInformationEndEarly) {
@@ -343,6 +369,66 @@ TEST (Channels, ARestartedServerIsAskedAgainInOrder) {
   EXPECT_TRUE (support::wait_until ([&] { return number (orva_channel_position, session, 0) == 50; }));
 }
 
+/// Every byte that came, with '#' for the number in each identifier.
+std::string transcript (const FakeServer &server, size_t connection) {
+  std::string bytes = server.received (connection);
+  for (size_t at = bytes.find ("<xid>"); at != std::string::npos; at = bytes.find ("<xid>", at + 1)) {
+    const size_t first = bytes.find_first_of ("0123456789", at);
+    bytes.replace (first, bytes.find ('<', first) - first, "#");
+  }
+  return bytes;
+}
+
+TEST (Channels, ANewConnectionRegistersClipsThenDirectoriesThenChannelsThenFolders) {
+  ReportingServer server;
+  server.answer_any ("<ok />");
+  const Session session (server);
+  uint32_t store = 0;
+  EXPECT_EQ (orva_open_kvstore (session, wide ("CUES").c_str (), wide ("").c_str (), ORVA_STORE_READ, &store),
+             ORVA_OK);
+  number (orva_channel_status, session, 7);
+  number (orva_channel_clip_length, session, 2);
+  number (orva_channel_repeat, session, 0);
+  number (orva_channel_position, session, 0);
+  double speed = 0;
+  EXPECT_EQ (orva_channel_speed (session, 0, &speed), ORVA_OK);
+  clip_of (session, 0);
+  number (orva_channel_status, session, 0);
+  EXPECT_EQ (orva_track_directory_changes (session), ORVA_OK);
+  EXPECT_EQ (orva_track_clip_changes (session), ORVA_OK);
+  server.drop ();
+  ASSERT_TRUE (server.wait_for_connections (2));
+  EXPECT_TRUE (support::wait_until (
+      [&] { return server.received (2).find ("</download_metadata>\r\n</cmd>") != std::string::npos; }));
+  const char *const elements[] = {
+      "<report_register>\r\n<ReportType>clip_change</ReportType>\r\n</report_register>",
+      "<report_register>\r\n<ReportType>directory_change</ReportType>\r\n</report_register>",
+      "<channel_report_register>\r\n<Channel>A</Channel>\r\n"
+      "<ChannelReportType>status</ChannelReportType>\r\n</channel_report_register>",
+      "<channel_report_register>\r\n<Channel>A</Channel>\r\n"
+      "<ChannelReportType>clipid</ChannelReportType>\r\n</channel_report_register>",
+      "<channel_report_register>\r\n<Channel>A</Channel>\r\n"
+      "<ChannelReportType>speed</ChannelReportType>\r\n</channel_report_register>",
+      "<channel_report_register>\r\n<Channel>A</Channel>\r\n"
+      "<ChannelReportType>timecode</ChannelReportType>\r\n</channel_report_register>",
+      "<channel_report_register>\r\n<Channel>A</Channel>\r\n"
+      "<ChannelReportType>info</ChannelReportType>\r\n</channel_report_register>",
+      "<channel_report_register>\r\n<Channel>C</Channel>\r\n"
+      "<ChannelReportType>info</ChannelReportType>\r\n</channel_report_register>",
+      "<channel_report_register>\r\n<Channel>H</Channel>\r\n"
+      "<ChannelReportType>status</ChannelReportType>\r\n</channel_report_register>",
+      "<watch_metadata_database>\r\n<MetadataDatabase>CUES</MetadataDatabase>\r\n"
+      "</watch_metadata_database>",
+  };
+  std::string expected;
+  for (const char *element : elements)
+    expected += std::string ("<cmd>\r\n<xid>none#</xid>\r\n") + element + "\r\n</cmd>";
+  expected += "<cmd>\r\n<xid>#</xid>\r\n<download_metadata>\r\n"
+              "<MetadataDatabase>CUES</MetadataDatabase>\r\n</download_metadata>\r\n</cmd>";
+  EXPECT_EQ (transcript (server, 2), expected);
+  orva_close_key_value_store (store);
+}
+
 TEST (Notices, TellWhatHasChanged) {
   ReportingServer server;
   const Session session (server);
@@ -364,6 +450,24 @@ TEST (Notices, AreWaitedForAndRecordNoText) {
   EXPECT_EQ (notice (session), Pair (ORVA_NOTICE_SPEED, 2));
   EXPECT_EQ (last_error (), "Channel 8 does not exist");
   EXPECT_EQ (orva_get_notification (session, 0, nullptr, nullptr), ORVA_OK);
+}
+
+// The notices of a caller who does not look are few, however many the reports are, and nothing waits for it.
+TEST (Notices, OfACallerWhoDoesNotLookHoldNobody) {
+  const int bursts = support::rounds (100, 2000);
+  SelectiveServer server;
+  const Session session (server);
+  std::string burst;
+  for (const char channel : {'A', 'B', 'C', 'D', 'E', 'F', 'G', 'H'})
+    for (const char *kind : {"status", "clipid", "speed", "timecode", "info"})
+      burst += reports ({present_value (kind, std::string ("<Channel>") + channel + "</Channel>")});
+  for (int i = 0; i != bursts; ++i)
+    server.send (burst);
+  EXPECT_EQ (orva_cmd_play1 (session, 0), ORVA_OK) << "answered behind all reports";
+  std::set<Pair> seen;
+  for (Pair pair = notice (session, 0); pair.first != 0; pair = notice (session, 0))
+    EXPECT_TRUE (seen.insert (pair).second) << pair.first << " of " << pair.second << " came twice";
+  EXPECT_EQ (seen.size (), 72u);
 }
 
 TEST (Notices, OfAWrongNumberGiveNothing) {
