@@ -12,8 +12,9 @@
 /// Joins a command, whose callbacks the connection's thread runs, with the thread that waits for its outcome.
 /// It is counted: the constructor takes one reference on behalf of the outstanding command, which `finish`
 /// drops, and each `CBRef` holds another; the last one deletes it. Threads: one creates and waits; the
-/// callback runs on the connection's thread or, when sending fails, on the caller's. Code and text are
-/// written before the semaphore is released and read after the wait.
+/// callback runs on the connection's thread or, when the link is down, on any that finds it so: the caller's
+/// own, or that of another caller of this connection. Code and text are written before the semaphore is
+/// released and read after the wait.
 class OrvaConnObject::CBBaseObject {
 public:
   enum class Waiter { none, one };

@@ -26,8 +26,8 @@
 /// those of the export. Each family stands in a source file of its own.
 ///
 /// Counted: the registry holds one reference, each running export another, and each completion object a
-/// third. Threads: operations run on any thread; report handlers, completions and `on_connected` on the
-/// connection's own.
+/// third. Threads: operations run on any thread; report handlers and `on_connected` on the connection's own;
+/// completions there too or, when the link is down, on any thread that finds it so.
 class OrvaConnObject : public QUILL3::Client {
 public:
   // --- Lifecycle (orva_lifecycle.cpp)

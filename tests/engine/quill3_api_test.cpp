@@ -400,6 +400,48 @@ TEST_F (OpenCommands, ThatAreOpenedByAFailureFailInTheSameRun) {
   EXPECT_EQ (wire.outstanding_count (), 0u);
 }
 
+// As it is told in the interface, though the link may be up again by then.
+TEST_F (OpenCommands, ThatAreOpenedByAFailureFailInTheSameRunThoughTheyWereSent) {
+  SendsAgain again{notes, wire, 2};
+  wire.stop ({.Channel = 0}, again.ok (), again.error ());
+  wire.take_sent ();
+  wire.fail_all_commands ();
+  EXPECT_NE (wire.sent, "");
+  EXPECT_EQ (notes.count ("failed " + failing), 3u);
+  EXPECT_EQ (wire.outstanding_count (), 0u);
+}
+
+// A callback that opens two commands and ends the first of them again.
+struct Cancels {
+  Notes &notes;
+  WireInHand &wire;
+  AString other;
+  void failed (AString, uint32_t) {
+    EXPECT_TRUE (wire.cancel_command (other));
+    EXPECT_FALSE (wire.cancel_command (other));
+    AString answered = wire.stop ({.Channel = 1}, notes.ok (), notes.error ());
+    wire.reply (answered, ok_body);
+    wire.stop ({.Channel = 2}, notes.ok (), notes.error ("last error"));
+    EXPECT_EQ (wire.outstanding_count (), 2u) << "this one and the last";
+  }
+};
+
+TEST_F (OpenCommands, CanBeAnsweredAndCancelledWhileAllFail) {
+  Cancels cancels{notes, wire, {}};
+  // All of one length, so that text order is the order of opening.
+  auto digits_after = [] (const AString &xid, uint64_t more) {
+    return std::to_string (number_of (xid) + more).size ();
+  };
+  AString before = wire.stop ({.Channel = 0});
+  while (digits_after (before, 1) != digits_after (before, 4))
+    before = wire.stop ({.Channel = 0});
+  wire.stop ({.Channel = 0}, {}, AMethod::bind (&cancels, &Cancels::failed));
+  cancels.other = stop ("other ");
+  wire.fail_all_commands ();
+  EXPECT_THAT (notes.lines (), ElementsAre ("ok", "last error " + failing + " 0"));
+  EXPECT_EQ (wire.outstanding_count (), 0u);
+}
+
 TEST_F (OpenCommands, CanBeOpenedFromAReplysCallback) {
   SendsAgain again{notes, wire, 1};
   AString xid = wire.stop ({.Channel = 0}, again.ok (), again.error ());
@@ -588,6 +630,65 @@ TEST_F (OpenCommands, AreNeverForgottenByARunThatEnds) {
   for (std::thread &thread : threads)
     thread.join ();
   EXPECT_EQ (failed, senders * rounds);
+  EXPECT_EQ (wire.outstanding_count (), 0u);
+}
+
+// While one thread fails what was open, another opens commands on a link that has come up: these are its own.
+TEST_F (OpenCommands, OfOtherThreadsAreNotFailedByARunThatHasBegun) {
+  struct Holds {
+    std::binary_semaphore entered{0}, leave{0};
+    void failed (AString, uint32_t) {
+      entered.release ();
+      leave.acquire ();
+    }
+  } holds;
+  wire.stop ({.Channel = 0}, {}, AMethod::bind (&holds, &Holds::failed));
+  std::thread run ([&] { wire.fail_all_commands (); });
+  holds.entered.acquire ();
+  AString answered = stop ("answered ");
+  EXPECT_EQ (wire.outstanding_count (), 2u);
+  stop ("lost ");
+  wire.reply (answered, ok_body);
+  EXPECT_THAT (notes.take (), ElementsAre ("answered ok"));
+  // A link that goes meanwhile takes its commands along at once; nobody waits for the other run.
+  wire.fail_all_commands ();
+  EXPECT_THAT (notes.take (), ElementsAre ("lost error " + failing + " 0"));
+  AString left = stop ("left ");
+  holds.leave.release ();
+  run.join ();
+  EXPECT_EQ (wire.outstanding_count (), 1u);
+  wire.reply (left, ok_body);
+  EXPECT_THAT (notes.lines (), ElementsAre ("left ok"));
+}
+
+// Callers who open a new command whenever one has failed do not keep a run from its end.
+TEST_F (OpenCommands, AreFailedInARunThatEndsHoweverBusyOthersAre) {
+  std::atomic<bool> done{false};
+  std::atomic<unsigned> opened{0}, failed{0};
+  struct Count {
+    std::atomic<unsigned> &failed;
+    void on_error (AString, uint32_t) { ++failed; }
+  } count{failed};
+  std::vector<std::thread> threads;
+  for (int i = 0; i != 4; ++i)
+    threads.emplace_back ([&] {
+      while (!done) {
+        ++opened;
+        wire.stop ({.Channel = 0}, {}, AMethod::bind (&count, &Count::on_error));
+        while (wire.outstanding_count () > 2000 && !done) // nobody answers
+          std::this_thread::yield ();
+      }
+    });
+  for (int run = 0; run != 20; ++run) {
+    while (wire.outstanding_count () < 100)
+      std::this_thread::yield ();
+    wire.fail_all_commands ();
+  }
+  done = true;
+  for (std::thread &thread : threads)
+    thread.join ();
+  wire.fail_all_commands ();
+  EXPECT_EQ (failed, opened);
   EXPECT_EQ (wire.outstanding_count (), 0u);
 }
 

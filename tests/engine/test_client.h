@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/amethod.h"
 #include "engine/notes.h"
 #include "engine/quill3_client.h"
 #include "support/fake_server.h"
@@ -24,7 +25,12 @@ public:
   std::function<void (const std::string &)> when_clip;
   std::function<void ()> when_destroyed;
   std::function<int64_t (const void *data, uint64_t length)> instead_of_transmit; ///< 0: transmit as usual
-  std::atomic<int64_t> clock{-1};                                                 ///< below 0: the real one
+  /// Called between taking a link and writing to it, with whether the command is over; gives what to believe.
+  std::function<bool (bool is_over)> when_asked;
+  std::atomic<int64_t> clock{-1}; ///< below 0: the real one
+
+  std::atomic<platform::SocketHandle> last_socket{platform::no_socket}; ///< of the latest transmit
+  std::atomic<bool> in_transmit{false};                                 ///< of one sender
 
   using Client::send_bytes;
   using Client::stop_and_join;
@@ -55,7 +61,21 @@ protected:
   }
   int64_t transmit (platform::SocketHandle socket, const void *data, uint64_t length) override {
     int64_t instead = instead_of_transmit ? instead_of_transmit (data, length) : 0;
-    return instead != 0 ? instead : Client::transmit (socket, data, length);
+    if (instead != 0)
+      return instead;
+    last_socket = socket;
+    in_transmit = true;
+    int64_t sent = Client::transmit (socket, data, length);
+    in_transmit = false;
+    return sent;
+  }
+  void write_document (const XMLTree &document, const AFunction<bool ()> &is_over) override {
+    struct Asked {
+      const TestClient &client;
+      const AFunction<bool ()> &is_over;
+      bool ask () { return client.when_asked (is_over.run ()); }
+    } asked{*this, is_over};
+    Client::write_document (document, when_asked ? AMethod::bind (&asked, &Asked::ask) : is_over);
   }
   int64_t seconds_now () override {
     int64_t set = clock;

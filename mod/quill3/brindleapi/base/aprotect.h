@@ -3,6 +3,7 @@
 #include "base/amutex.h"
 
 #include <memory>
+#include <new>
 
 /// A value that can only be reached with its mutex held. Any thread may call `lock`; the accessor that it
 /// gives stays on the thread that locked. The mutex is recursive, so code that holds an accessor may lock
@@ -37,7 +38,11 @@ public:
     AMutexLock lock_;
   };
 
-  AProtect () : item_ (std::make_shared<ItemObject> ()) {}
+  /// Throws std::bad_alloc when the system has no mutex to give.
+  AProtect () : item_ (std::make_shared<ItemObject> ()) {
+    if (!item_->mutex.is_valid ())
+      throw std::bad_alloc ();
+  }
   AProtect (const AProtect &) = delete;
   AProtect &operator= (const AProtect &) = delete;
 

@@ -54,6 +54,8 @@ AString API::open_command (const Shared &entry, const AString &name, const Rows 
       throw;
     registry_->fail_with_fault (entry);
   }
+  if (is_ending ()) // the link was ended under it, and nobody fails what is open then
+    registry_->fail_unsent (entry);
   return xid;
 }
 

@@ -30,9 +30,9 @@ public:
   // of such a command here.
   //
   // With a callback that is not empty the command is open from before its first byte is sent, and ends once:
-  // callbacks may run on the connection's thread or, when the link is down, on this one, and so before the
-  // wrapper returns. A wrapper that throws has no open command and runs no callback, with one exception: a
-  // command without callbacks may throw at any point.
+  // callbacks may run on the connection's thread or, when the link is down, on any that finds it so, this one
+  // included, and so before the wrapper returns. A wrapper that throws has no open command and runs no
+  // callback, with one exception: a command without callbacks may throw at any point.
 #define PARAMETER(context, reply) callback::reply reply
 #define COMMAND(name, ...)                                                                                   \
   AString name (const command::name &arguments);                                                             \
@@ -48,12 +48,19 @@ public:
   bool cancel_command (const AString &xid);
 
   /// Fails all open commands with "Failing all outstanding commands" and the code 0, each once, in text order
-  /// of the identifiers; commands opened meanwhile are taken along. Returns at once when another call is
-  /// doing that already, which then ends the caller's commands as well. No lock of the registry is held while
-  /// a callback runs. A command whose callback is running at that moment fails when it has returned.
+  /// of the identifiers, and with them those that the callbacks open; called by such a callback, it leaves
+  /// them to the call that is running and returns at once. What other threads open meanwhile is not touched,
+  /// and what another call has begun to fail is left to that one. No lock of the registry is held while a
+  /// callback runs. A command whose callback is running at that moment fails when it has returned.
   void fail_all_commands () noexcept;
 
 protected:
+  /// Whether commands are of no use any more, because the end of this object has begun: one that is sent then
+  /// fails, and those that were open before are left without a word.
+  virtual bool is_ending () const {
+    return false;
+  }
+
 #define PARAMETER(body_name, tag) decltype (body::body_name::tag) tag
 #define REPLY(name, entry, ...)                                                                              \
   void on_##name (AString xid __VA_OPT__ (, EACH (PARAMETER, name, __VA_ARGS__))) override;

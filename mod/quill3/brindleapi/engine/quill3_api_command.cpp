@@ -22,11 +22,12 @@ void APICommand::send_command (const AString &xid, const AString &name, const Ro
 void APICommand::send_document (const XMLTree &document, AFunction<bool ()> is_over) {
   send_hook_.run (document);
   AMutexScope hold (*send_lock_);
-  if (!is_over.run ())
-    write_document (document);
+  write_document (document, is_over);
 }
 
-void APICommand::write_document (const XMLTree &document) {
+void APICommand::write_document (const XMLTree &document, const AFunction<bool ()> &is_over) {
+  if (is_over.run ())
+    return;
   ABuffer buffer (AMethod::bind (this, &APICommand::send_bytes));
   document.write_to (buffer.sink (), XMLLines, true);
   buffer.flush ();

@@ -34,8 +34,9 @@ protected:
   /// was meant for, and must not appear on another
   void send_document (const XMLTree &document, AFunction<bool ()> is_over = {});
 
-  /// Renders a document and hands it to `send_bytes` in pieces of at most 1500 bytes. The send lock is held.
-  virtual void write_document (const XMLTree &document);
+  /// Renders a document and hands it to `send_bytes` in pieces of at most 1500 bytes, unless `is_over`. The
+  /// send lock is held.
+  virtual void write_document (const XMLTree &document, const AFunction<bool ()> &is_over);
 
 private:
   AFunction<void (const XMLTree &)> send_hook_;

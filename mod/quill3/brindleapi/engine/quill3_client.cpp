@@ -1,7 +1,6 @@
 #include "engine/quill3_client.h"
 
 #include "platform/clocks.h"
-#include "platform/threads.h"
 
 #include <algorithm>
 #include <new>
@@ -28,7 +27,7 @@ Client::Client () : Client (default_server_address) {}
 
 Client::Client (uint32_t server_address) : server_address_ (server_address), stop_signal_ (false) {
   // Without these its thread could neither run nor be ended: then there is no connection at all.
-  if (!link_lock_.is_valid () || !stop_signal_.is_valid ())
+  if (!link_lock_.is_valid () || !stop_signal_.is_valid () || !idle_lock_.is_valid ())
     throw std::bad_alloc ();
   platform::sockets_start ();
 }
@@ -41,7 +40,8 @@ void Client::start_thread (int32_t priority) {
   if (thread_running_.exchange (true))
     return;
   auto *block = new (std::nothrow) StartBlock{this, priority};
-  if (block != nullptr && platform::thread_start (&Client::run_thread, block, platform::small_stack))
+  if (block != nullptr &&
+      platform::thread_start (&Client::run_thread, block, platform::small_stack, &thread_))
     return;
   delete block;
   thread_running_ = false;
@@ -67,7 +67,7 @@ void Client::stop_and_join () noexcept {
     link->close (); // the thread may be waiting in a send
   if (is_own_thread ())
     return;
-  while (thread_running_)
+  while (thread_running_ && !thread_.was_ended ())
     platform::sleep_milliseconds (join_delay);
 }
 
@@ -189,8 +189,12 @@ void Client::disconnect () noexcept {
   connected_ = false;
   fail_all_commands ();
   reset_stream ();
-  if (!stop_requested_)
+  if (stop_requested_)
+    return;
+  try {
     on_disconnected ();
+  } catch (...) { // the link is gone already, and that is all a failure costs
+  }
 }
 
 // -- Sending
@@ -205,7 +209,9 @@ void Client::replace_link (std::shared_ptr<Link> link) noexcept {
   link_.swap (link);
 }
 
-void Client::write_document (const XMLTree &document) {
+// The link is taken before it is asked whether the command is over: one that is still open then has either
+// not been failed with an earlier link, or fails with this one.
+void Client::write_document (const XMLTree &document, const AFunction<bool ()> &is_over) {
   struct Bound {
     explicit Bound (Client &client) : binding (client.binding_), before (std::move (binding)) {
       binding = {true, false, client.current_link ()};
@@ -216,7 +222,7 @@ void Client::write_document (const XMLTree &document) {
   };
   Bound bound (*this);
   try {
-    API::write_document (document);
+    API::write_document (document, is_over);
   } catch (...) {
     // A document that was cut off must not be followed by another on the same link.
     if (binding_.begun)

@@ -3,6 +3,7 @@
 #include "base/bsem.h"
 #include "engine/quill3_api.h"
 #include "platform/sockets.h"
+#include "platform/threads.h"
 
 #include <atomic>
 
@@ -76,12 +77,12 @@ protected:
 
   /// Called on the thread when the link has come up, before anything is received. Must not wait for a reply.
   virtual void on_connected () {}
-  /// Called on the thread when the link has gone and all commands have failed.
+  /// Called on the thread when the link has gone and all commands have failed. What it throws is lost.
   virtual void on_disconnected () {}
 
   /// Keeps all bytes of a document on one link: what is left of a document when its link goes must not appear
   /// on the next one.
-  void write_document (const XMLTree &document) override;
+  void write_document (const XMLTree &document, const AFunction<bool ()> &is_over) override;
 
   /// Gives bytes to the system. Tests override it to have a send fail or fall short.
   /// @return the number of bytes taken, below 1 after a failure
@@ -92,9 +93,11 @@ protected:
 
   /// Whether the end of this object has begun.
   bool stop_requested () const { return stop_requested_; }
+  bool is_ending () const override { return stop_requested_; }
 
   /// Ends the thread and waits until it has left; wakes it from whatever it waits in. Commands that are open
-  /// are left alone. Any number of times; on the connection's own thread it does not wait.
+  /// are left alone, later ones fail. Any number of times; on the connection's own thread it does not wait,
+  /// and neither for a thread that the system has ended with the process.
   void stop_and_join () noexcept;
 
 private:
@@ -125,6 +128,7 @@ private:
   std::atomic<bool> thread_running_{false};
   std::atomic<bool> stop_requested_{false};
   std::atomic<uint32_t> thread_number_{0}; ///< of the thread, 0 before it runs
+  platform::ThreadHandle thread_;          ///< set by `start_thread`
 
   AMutex link_lock_;
   std::shared_ptr<Link> link_ KELVANE_GUARDED_BY (link_lock_);

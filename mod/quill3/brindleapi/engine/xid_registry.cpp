@@ -1,6 +1,7 @@
 #include "engine/xid_registry.h"
 
 #include "base/atomic_unsigned.h"
+#include "platform/threads.h"
 
 #include <new>
 
@@ -87,33 +88,49 @@ AString XIDRegistry::free_number () {
   AMutexScope hold (lock_);
   for (;;) {
     AString xid = AString::from_uint32 (next_number ());
-    if (!entries_.contains (xid))
+    if (place_of (xid).table == nullptr)
       return xid;
   }
 }
 
+// What a callback opens during a run belongs to that run, also when there is a new link by then: callers rely
+// on it that after a failure of all commands none of those that it led to is open.
 void XIDRegistry::enter (const Shared &entry) {
   AMutexScope hold (lock_);
   entry->xid_ = free_number ();
-  entries_.emplace (entry->xid_, entry);
+  Run *run = run_of_this_thread ();
+  (run != nullptr ? run->taken : entries_).emplace (entry->xid_, entry);
+}
+
+XIDRegistry::Place XIDRegistry::place_of (const AString &xid) noexcept {
+  Place place{&entries_, entries_.find (xid)};
+  for (Run *run = runs_; place.at == place.table->end (); run = run->next) {
+    if (run == nullptr)
+      return {nullptr, {}};
+    place = {&run->taken, run->taken.find (xid)};
+  }
+  return place;
 }
 
 XIDRegistry::Shared XIDRegistry::find_entry (const AString &xid) {
   AMutexScope hold (lock_);
-  auto found = entries_.find (xid);
-  return found != entries_.end () ? found->second : nullptr;
+  Place place = place_of (xid);
+  return place.table != nullptr ? place.at->second : nullptr;
 }
 
 uint32_t XIDRegistry::outstanding_count () {
   AMutexScope hold (lock_);
-  return static_cast<uint32_t> (entries_.size ());
+  size_t count = entries_.size ();
+  for (const Run *run = runs_; run != nullptr; run = run->next)
+    count += run->taken.size ();
+  return static_cast<uint32_t> (count);
 }
 
 void XIDRegistry::remove_entry (const Shared &entry) noexcept {
   AMutexScope hold (lock_);
-  auto found = entries_.find (entry->xid_);
-  if (found != entries_.end () && found->second == entry)
-    entries_.erase (found);
+  Place place = place_of (entry->xid_);
+  if (place.table != nullptr && place.at->second == entry)
+    place.table->erase (place.at);
 }
 
 bool XIDRegistry::cancel (const AString &xid) {
@@ -146,21 +163,46 @@ void XIDRegistry::fail_with_fault (const Shared &entry) noexcept {
   fail (entry, fault_text ());
 }
 
-// A thread that finds `failing_` set leaves its commands to the thread that set it. That is safe because the
-// mark goes under the lock that has just shown the table empty: a command entered before that is seen here,
-// and one entered after it finds the mark gone.
-XIDRegistry::Shared XIDRegistry::first_to_fail () noexcept {
+void XIDRegistry::fail_unsent (const Shared &entry) noexcept {
+  fail (entry, failure_text ());
+}
+
+XIDRegistry::Run *XIDRegistry::run_of_this_thread () noexcept {
+  if (runs_ == nullptr)
+    return nullptr;
+  const uint32_t thread = platform::thread_number ();
+  Run *run = runs_;
+  while (run != nullptr && run->thread != thread)
+    run = run->next;
+  return run;
+}
+
+bool XIDRegistry::begin (Run &run) noexcept {
   AMutexScope hold (lock_);
-  if (!entries_.empty ())
-    return entries_.begin ()->second;
-  failing_ = false;
+  if (run_of_this_thread () != nullptr)
+    return false;
+  run.taken.swap (entries_);
+  run.next = runs_;
+  runs_ = &run;
+  return true;
+}
+
+XIDRegistry::Shared XIDRegistry::next_of (Run &run) noexcept {
+  AMutexScope hold (lock_);
+  if (!run.taken.empty ())
+    return run.taken.begin ()->second;
+  Run **link = &runs_;
+  while (*link != &run)
+    link = &(*link)->next;
+  *link = run.next;
   return nullptr;
 }
 
 void XIDRegistry::fail_all () noexcept {
-  if (failing_.exchange (true))
+  Run run{platform::thread_number ()};
+  if (!begin (run))
     return;
-  while (Shared entry = first_to_fail ())
+  while (Shared entry = next_of (run))
     fail (entry, failure_text ());
 }
 

@@ -101,11 +101,27 @@ public:
   bool cancel (const AString &xid);
   /// Fails one command with "Internal software error", unless somebody else ends it.
   void fail_with_fault (const Shared &entry) noexcept;
-  /// Fails all open commands in text order of their identifiers, those that are opened meanwhile included.
-  /// While one thread does this, others return at once and their commands are taken along.
+  /// The same with the text of `fail_all`.
+  void fail_unsent (const Shared &entry) noexcept;
+  /// Fails all open commands in text order of their identifiers, and those that their callbacks open on this
+  /// thread; called by such a callback, leaves them to the run that it belongs to. What other threads open
+  /// meanwhile stays open: so a run ends however busy they are. What another thread's run has taken is left
+  /// to that one.
   void fail_all () noexcept;
 
 private:
+  using Table = std::map<AString, Shared>;
+  /// One `fail_all` in progress, on the stack of its thread, and what it still has to fail.
+  struct Run {
+    const uint32_t thread;
+    Table taken{};
+    Run *next = nullptr;
+  };
+  struct Place {
+    Table *table;
+    Table::iterator at;
+  };
+
   // Behind a reply's callback, whatever way it was left.
   struct Finish {
     XIDRegistry &registry;
@@ -123,13 +139,16 @@ private:
   void enter (const Shared &entry);
   void remove_entry (const Shared &entry) noexcept;
   void end_item (const Shared &entry) noexcept;
-  Shared first_to_fail () noexcept;
+  Place place_of (const AString &xid) noexcept KELVANE_REQUIRES (lock_);
+  Run *run_of_this_thread () noexcept KELVANE_REQUIRES (lock_);
+  bool begin (Run &run) noexcept;
+  Shared next_of (Run &run) noexcept;
   void fail (const Shared &entry, const AString &text) noexcept;
   static void tell (const Shared &entry, const AString &text) noexcept;
 
-  AMutex lock_; ///< recursive
-  std::map<AString, Shared> entries_ KELVANE_GUARDED_BY (lock_);
-  std::atomic<bool> failing_{false};
+  AMutex lock_;                                    ///< recursive
+  Table entries_ KELVANE_GUARDED_BY (lock_);       ///< open, but for those that a run has taken
+  Run *runs_ KELVANE_GUARDED_BY (lock_) = nullptr; ///< one for each thread that is failing commands
 };
 
 } // namespace QUILL3

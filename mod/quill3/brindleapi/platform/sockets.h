@@ -13,7 +13,8 @@ using SocketHandle = intptr_t;
 inline constexpr SocketHandle no_socket = -1;
 
 /// Ends the waits of one thread from another. Once set it stays set, so that a wake-up before the wait is not
-/// lost. Where the system has no descriptor to give, waits look at it every 50 ms instead.
+/// lost. Where the system has no descriptor to give, waits look at it every 50 ms instead. On Windows a host
+/// that filters datagrams to itself may keep it from a wait for a second.
 class WakeUp {
 public:
   WakeUp () noexcept;

@@ -17,6 +17,7 @@ using platform::WakeUp;
 
 constexpr int64_t no_end = INT64_MAX;
 constexpr int64_t look_every = 50;
+constexpr int64_t look_at_last = 1000; // also with a descriptor: a host's filter may swallow its datagrams
 
 SOCKET socket_of (SocketHandle handle) {
   return static_cast<SOCKET> (handle);
@@ -61,7 +62,7 @@ SocketHandle open_wake_socket () {
 
 timeval timeval_of (int64_t milliseconds) {
   timeval t;
-  t.tv_sec = static_cast<long> (std::min<int64_t> (milliseconds / 1000, LONG_MAX));
+  t.tv_sec = static_cast<long> (milliseconds / 1000);
   t.tv_usec = static_cast<long> (milliseconds % 1000 * 1000);
   return t;
 }
@@ -86,9 +87,9 @@ Ready wait_for (SocketHandle socket, bool connecting, int64_t end, const WakeUp 
     add (socket, connecting ? writes : reads);
     if (connecting)
       add (socket, errors);
-    int64_t look = wake_up.descriptor () == platform::no_socket ? std::min (left, look_every) : left;
-    timeval time = timeval_of (look);
-    int ready = select (0, &reads, &writes, &errors, look == no_end ? nullptr : &time);
+    int64_t longest = wake_up.descriptor () == platform::no_socket ? look_every : look_at_last;
+    timeval time = timeval_of (std::min (left, longest));
+    int ready = select (0, &reads, &writes, &errors, &time);
     if (wake_up.is_set ())
       return Ready::woken;
     if (ready == SOCKET_ERROR)

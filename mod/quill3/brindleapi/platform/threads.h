@@ -1,18 +1,42 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 
 namespace platform {
 
 /// What a connection thread gets of stack, in bytes.
 inline constexpr unsigned small_stack = 65536;
 
+/// A thread that was started, to see whether it has been ended from outside: on Windows the end of the
+/// process ends all threads but one wherever they are, and that one must not wait for them.
+class ThreadHandle {
+public:
+  ThreadHandle () noexcept = default;
+  explicit ThreadHandle (void *handle) noexcept : handle_ (handle) {}
+  ThreadHandle (const ThreadHandle &) = delete;
+  ThreadHandle &operator= (ThreadHandle &&other) noexcept {
+    std::swap (handle_, other.handle_);
+    return *this;
+  }
+  /// The thread goes on.
+  ~ThreadHandle ();
+
+  /// True once the thread is surely gone. Never where threads end by themselves only, nor without a thread.
+  bool was_ended () const noexcept;
+
+private:
+  void *handle_ = nullptr;
+};
+
 /// Starts a detached thread that calls @p run with @p argument; @p run does not throw. All signals are
 /// blocked in the new thread from its first instruction on. Where the system refuses a stack of @p
 /// stack_bytes, or a sanitizer needs more, the thread gets a larger one. On Windows the first call pins the
 /// module that holds this code in the process.
+/// @param started gets the thread, unless it is null. Only the caller's: the thread may run before that.
 /// @return false when no thread could be had. Any thread may call.
-bool thread_start (void (*run) (void *argument), void *argument, unsigned stack_bytes = small_stack) noexcept;
+bool thread_start (void (*run) (void *argument), void *argument, unsigned stack_bytes = small_stack,
+                   ThreadHandle *started = nullptr) noexcept;
 
 /// Calls @p call with @p argument while all signals are blocked in the calling thread. A thread that is made
 /// meanwhile inherits that. What @p call throws is passed on.

@@ -68,7 +68,15 @@ bool create_with_stack_at_least (size_t stack_bytes, Start *start) {
 
 } // namespace
 
-bool platform::thread_start (void (*run) (void *), void *argument, unsigned stack_bytes) noexcept {
+// Nothing here ends a single thread from outside, and nothing ends some before others.
+platform::ThreadHandle::~ThreadHandle () = default;
+
+bool platform::ThreadHandle::was_ended () const noexcept {
+  return false;
+}
+
+bool platform::thread_start (void (*run) (void *), void *argument, unsigned stack_bytes,
+                             ThreadHandle *) noexcept {
   auto *start = new (std::nothrow) Start{run, argument};
   if (start == nullptr)
     return false;

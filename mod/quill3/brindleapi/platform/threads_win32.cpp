@@ -13,10 +13,11 @@ struct Start {
   void *argument;
 };
 
-void __cdecl thread_main (void *given) {
+unsigned __stdcall thread_main (void *given) {
   Start start = *static_cast<Start *> (given);
   delete static_cast<Start *> (given);
   start.run (start.argument);
+  return 0;
 }
 
 // A thread that still runs while its code is unloaded takes the process with it.
@@ -29,18 +30,34 @@ bool pin_this_module () {
 
 } // namespace
 
-bool platform::thread_start (void (*run) (void *), void *argument, unsigned stack_bytes) noexcept {
+platform::ThreadHandle::~ThreadHandle () {
+  if (handle_ != nullptr)
+    CloseHandle (handle_);
+}
+
+bool platform::ThreadHandle::was_ended () const noexcept {
+  return handle_ != nullptr && WaitForSingleObject (handle_, 0) == WAIT_OBJECT_0;
+}
+
+// Not _beginthread: the handle that it gives is gone when the thread ends, which may be before it is looked
+// at.
+bool platform::thread_start (void (*run) (void *), void *argument, unsigned stack_bytes,
+                             ThreadHandle *started) noexcept {
   [[maybe_unused]] static const bool pinned = pin_this_module ();
   auto *start = new (std::nothrow) Start{run, argument};
   if (start == nullptr)
     return false;
-  while (_beginthread (thread_main, stack_bytes, start) == static_cast<uintptr_t> (-1)) {
+  uintptr_t handle = 0;
+  while ((handle = _beginthreadex (nullptr, stack_bytes, thread_main, start, 0, nullptr)) == 0) {
     if (stack_bytes >= largest_stack) {
       delete start;
       return false;
     }
     stack_bytes *= 2;
   }
+  ThreadHandle thread (reinterpret_cast<void *> (handle));
+  if (started != nullptr)
+    *started = std::move (thread);
   return true;
 }
 

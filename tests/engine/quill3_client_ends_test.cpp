@@ -1,0 +1,307 @@
+#include "engine/connection.h"
+
+#include "base/aref.h"
+#include "platform/threads.h"
+
+#include <list>
+#include <memory>
+#include <semaphore>
+#include <thread>
+
+namespace {
+
+using namespace connection;
+
+// ---- The end
+
+TEST_F (Connection, ThatWasNeverStartedEndsAtOnce) {
+  Notes own;
+  EXPECT_LT (time_of ([&] { TestClient never (own, server.address ()); }), 500ms);
+}
+
+// Ends of a few, and the quickest of them: noticed at once, not when some wait runs out.
+template <class Prepare>
+std::chrono::milliseconds quickest_end (uint32_t address, Prepare prepare) {
+  std::chrono::milliseconds best = 1h;
+  for (int i = 0; i != 5; ++i) {
+    Notes own;
+    TestClient mortal (own, address);
+    mortal.start_thread (-1);
+    prepare (mortal);
+    best = std::min (best, time_of ([&] { mortal.stop_and_join (); }));
+  }
+  return best;
+}
+
+TEST_F (Connection, EndsAtOnceOnASilentLink) {
+  EXPECT_LT (quickest_end (server.address (), [] (TestClient &c) { ASSERT_TRUE (c.wait_connected ()); }),
+             200ms);
+  EXPECT_TRUE (server.wait_until_left ());
+}
+
+TEST_F (Connection, EndsAtOnceInThePauseBeforeAnAttempt) {
+  EXPECT_LT (quickest_end (server.address (), [] (TestClient &) {}), 50ms);
+}
+
+TEST_F (Connection, EndsAtOnceWhileAnAttemptHangs) {
+  server.stall ();
+  EXPECT_LT (quickest_end (server.address (),
+                           [] (TestClient &c) {
+                             EXPECT_FALSE (wait_until ([&] { return c.is_connected (); }, 200ms));
+                           }),
+             200ms);
+}
+
+TEST_F (Connection, EndsWithoutAWordToOpenCommands) {
+  {
+    Notes own;
+    TestClient mortal (own, server.address ());
+    mortal.start_thread (-1);
+    ASSERT_TRUE (mortal.wait_connected ());
+    mortal.stop ({.Channel = 0}, notes.ok (), notes.error ());
+    ASSERT_TRUE (server.wait_for_commands (1));
+  }
+  EXPECT_TRUE (server.wait_until_left ());
+  EXPECT_THAT (notes.lines (), IsEmpty ());
+}
+
+// Nobody would fail it later: whoever sent it must not wait for ever.
+TEST_F (Connection, FailsWhatIsSentBehindItsEndAndNothingElse) {
+  start ();
+  stop ("before ");
+  ASSERT_TRUE (server.wait_for_commands (1));
+  client.stop_and_join ();
+  stop ("after ");
+  client.stop ({.Channel = 0});
+  EXPECT_THAT (notes.take (), ElementsAre ("connected", "after " + failed));
+  EXPECT_EQ (client.outstanding_count (), 1u);
+  EXPECT_EQ (server.command_count (), 1u);
+}
+
+// The stream fails in the very feed during which the end begins.
+TEST_F (Connection, EndsWithoutAWordThoughTheLinkFailsMeanwhile) {
+  std::binary_semaphore in_handler{0}, go_on{0};
+  client.when_clip = [&] (const std::string &) {
+    in_handler.release ();
+    go_on.acquire ();
+  };
+  start ();
+  stop ();
+  ASSERT_TRUE (server.wait_for_commands (1));
+  server.send ("<report>" + created ("C1") + "</report><report></x></report>");
+  in_handler.acquire ();
+  std::thread ending ([&] { client.stop_and_join (); });
+  EXPECT_TRUE (wait_until ([&] { return client.stop_requested (); }));
+  go_on.release ();
+  ending.join ();
+  EXPECT_THAT (notes.lines (), ElementsAre ("connected", "created C1"));
+  EXPECT_EQ (client.outstanding_count (), 1u);
+}
+
+TEST_F (Connection, EndsWhileReportsPourIn) {
+  std::atomic<bool> ended{false};
+  std::thread pouring ([&] {
+    while (!ended) {
+      for (int i = 0; i != 20; ++i)
+        server.report (created ("C"));
+      server.wait_until_sent ();
+    }
+  });
+  for (int i = 0; i != 5; ++i) {
+    Notes own;
+    TestClient mortal (own, server.address ());
+    mortal.start_thread (-1);
+    ASSERT_TRUE (mortal.wait_noted ("created C"));
+  }
+  ended = true;
+  pouring.join ();
+}
+
+// The last reference falls on the connection's own thread: it must not wait for itself, nothing more is
+// handed to the object, and it is destroyed all the same.
+TEST_F (Connection, EndsOnItsOwnThread) {
+  std::atomic<uint32_t> destroyer{0}, last_user{0};
+  std::atomic<int> handled{0};
+  ARef<TestClient> reference = ARef<TestClient>::create (notes, server.address ());
+  TestClient *mortal = reference.get ();
+  mortal->when_destroyed = [&] { destroyer = platform::thread_number (); };
+  mortal->when_clip = [&] (const std::string &) {
+    ++handled;
+    last_user = platform::thread_number ();
+    reference = nullptr;
+  };
+  mortal->start_thread (-1);
+  ASSERT_TRUE (mortal->wait_connected ());
+  ASSERT_TRUE (server.wait_for_connections (1));
+  std::string report = "<report>" + created ("C1") + "</report>";
+  server.send (report + report + report);
+  ASSERT_TRUE (wait_until ([&] { return destroyer != 0; }));
+  EXPECT_EQ (destroyer, last_user);
+  EXPECT_NE (destroyer, platform::thread_number ());
+  EXPECT_EQ (handled, 1);
+  EXPECT_TRUE (server.wait_until_left ());
+  EXPECT_EQ (notes.count ("disconnected"), 0u);
+}
+
+TEST_F (Connection, EndsOnItsOwnThreadInAFailure) {
+  std::atomic<bool> destroyed{false};
+  ARef<TestClient> reference = ARef<TestClient>::create (notes, server.address ());
+  struct Drops {
+    ARef<TestClient> &reference;
+    void failed (AString, uint32_t) { reference = nullptr; }
+  } drops{reference};
+  reference->when_destroyed = [&] { destroyed = true; };
+  reference->start_thread (-1);
+  ASSERT_TRUE (reference->wait_connected ());
+  reference->stop ({.Channel = 0}, {}, AMethod::bind (&drops, &Drops::failed));
+  ASSERT_TRUE (server.wait_for_commands (1));
+  server.drop ();
+  ASSERT_TRUE (wait_until ([&] { return destroyed.load (); }));
+  EXPECT_EQ (notes.count ("disconnected"), 0u);
+}
+
+// A send on the connection's own thread finds that the link is down, and the failure that follows drops the
+// last reference: the send returns into an object that is still there.
+TEST_F (Connection, EndsOnItsOwnThreadInASend) {
+  std::atomic<bool> destroyed{false}, sent{false};
+  ARef<TestClient> reference = ARef<TestClient>::create (notes, server.address ());
+  struct Drops {
+    ARef<TestClient> &reference;
+    void failed (AString, uint32_t) { reference = nullptr; }
+  } drops{reference};
+  TestClient *mortal = reference.get ();
+  mortal->when_destroyed = [&] { destroyed = true; };
+  mortal->instead_of_transmit = [] (const void *, uint64_t) -> int64_t { return -1; };
+  mortal->when_connected = [&, mortal] {
+    mortal->stop ({.Channel = 0}, {}, AMethod::bind (&drops, &Drops::failed));
+    mortal->stop ({.Channel = 1}, notes.ok (), notes.error ()); // finds the link down and fails both
+    EXPECT_TRUE (mortal->stop_requested ());
+    EXPECT_FALSE (destroyed);
+    mortal->stop ({.Channel = 2}, notes.ok (), notes.error ());
+    EXPECT_EQ (mortal->outstanding_count (), 0u);
+    sent = true;
+  };
+  mortal->start_thread (-1);
+  ASSERT_TRUE (wait_until ([&] { return destroyed.load (); }));
+  EXPECT_TRUE (sent);
+  EXPECT_THAT (notes.lines (), ElementsAre ("connected", failed, failed));
+}
+
+TEST_F (Connection, OutlivesWhatItsHandlersThrow) {
+  start ();
+  client.when_disconnected = [&] {
+    client.when_disconnected = nullptr;
+    throw std::bad_alloc ();
+  };
+  server.drop ();
+  wait_for_link (2);
+  client.when_connected = [&] {
+    client.when_connected = nullptr;
+    throw std::bad_alloc ();
+  };
+  server.drop ();
+  wait_for_link (4); // the third was given up
+  client.when_clip = [&] (const std::string &) {
+    client.when_clip = nullptr;
+    throw std::bad_alloc ();
+  };
+  server.report (created ("C1"));
+  wait_for_link (5);
+  server.report (created ("C2"));
+  EXPECT_TRUE (client.wait_noted ("created C2"));
+}
+
+TEST_F (Connection, EndsOnAnotherThread) {
+  std::atomic<uint32_t> destroyer{0};
+  ARef<TestClient> reference = ARef<TestClient>::create (notes, server.address ());
+  reference->when_destroyed = [&] { destroyer = platform::thread_number (); };
+  reference->start_thread (-1);
+  ASSERT_TRUE (reference->wait_connected ());
+  reference = nullptr;
+  EXPECT_EQ (destroyer, platform::thread_number ());
+}
+
+// Two hundred connections, half of them to servers that refuse: their ends do not add up to waits.
+TEST (Connections, EndAtOnceInGreatNumbers) {
+  std::vector<std::unique_ptr<FakeServer>> servers;
+  std::list<Notes> notes;
+  std::vector<std::unique_ptr<TestClient>> clients;
+  for (int i = 0; i != 20; ++i)
+    servers.push_back (std::make_unique<FakeServer> (i % 2 == 0 ? FakeServer::Start::listening
+                                                                : FakeServer::Start::refusing));
+  for (size_t i = 0; i != 200; ++i)
+    clients.push_back (
+        std::make_unique<TestClient> (notes.emplace_back (), servers[i % servers.size ()]->address ()));
+  for (auto &client : clients)
+    client->start_thread (-1);
+  for (size_t i = 0; i != clients.size (); i += 2)
+    ASSERT_TRUE (clients[i]->wait_connected ());
+  EXPECT_LT (time_of ([&] { clients.clear (); }), 5s); // some seconds for each hundred, if they waited
+  for (auto &server : servers)
+    EXPECT_TRUE (server->wait_until_left ());
+}
+
+// ---- Everything at once
+
+// Commands from many threads while the server drops the link again and again: each ends once, and what is
+// answered is answered to the command that asked.
+TEST_F (Connection, EndsEachCommandOnceWhateverHappensToTheLink) {
+  constexpr int senders = 6, rounds = 150;
+  std::atomic<int> served{0};
+  server.on_any ([&] (const support::Command &command) {
+    std::string reply =
+        support::reply_to (command, "<clipexists><ClipID>" + support::text_of (command.document, "ClipID") +
+                                        "</ClipID><Exists>true</Exists></clipexists>");
+    if (++served % 97 == 0)
+      server.drop (command.connection);
+    else if (served % 61 == 0)
+      server.reset (command.connection);
+    return reply;
+  });
+  start ();
+  struct Waiter {
+    std::string clip;
+    std::binary_semaphore done{0};
+    std::atomic<int> answers{0}, failures{0}, wrong{0};
+    void answered (AString ClipID, bool) {
+      wrong += ClipID.to_std_string () == clip ? 0 : 1;
+      ++answers;
+      done.release ();
+    }
+    void failed (AString, uint32_t) {
+      ++failures;
+      done.release ();
+    }
+  };
+  std::atomic<int> answers{0}, failures{0}, bad{0};
+  std::vector<std::thread> threads;
+  for (int i = 0; i != senders; ++i)
+    threads.emplace_back ([&, i] {
+      std::list<Waiter> waiters; // kept to the end, to see what comes late
+      for (int round = 0; round != rounds; ++round) {
+        Waiter &w = waiters.emplace_back ();
+        w.clip = std::to_string (i) + "." + std::to_string (round);
+        client.clip_exists ({.ClipID = AString::from_latin1 (w.clip)}, AMethod::bind (&w, &Waiter::answered),
+                            AMethod::bind (&w, &Waiter::failed));
+        w.done.acquire ();
+        if (w.failures != 0)
+          std::this_thread::yield ();
+        while (!client.is_connected () && round % 2 == 0)
+          std::this_thread::sleep_for (1ms);
+      }
+      for (Waiter &w : waiters) {
+        answers += w.answers;
+        failures += w.failures;
+        bad += w.wrong != 0 || w.answers + w.failures != 1 ? 1 : 0;
+      }
+    });
+  for (std::thread &thread : threads)
+    thread.join ();
+  EXPECT_EQ (bad, 0);
+  EXPECT_EQ (answers + failures, senders * rounds);
+  EXPECT_GT (answers, 0);
+  EXPECT_GT (failures, 0);
+  EXPECT_EQ (client.outstanding_count (), 0u);
+}
+
+} // namespace
