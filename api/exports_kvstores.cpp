@@ -81,8 +81,8 @@ uint32_t orva_kvstore_get_change (uint32_t handle, uint32_t timeout, uint32_t *t
     const ResultCode code = store.get_change (timeout, type, &changed_key, &new_value);
     if (code != ORVA_OK)
       return code;
-    fill_string_buffer (AString::from_utf16 (changed_key), key);
-    fill_string_buffer (AString::from_utf16 (new_value), value);
+    fill_string_buffer (changed_key, key);
+    fill_string_buffer (new_value, value);
     return code;
   });
 }

@@ -197,17 +197,18 @@ ResultCode KVStore::get_change (uint32_t timeout_ms, uint32_t *type, std::u16str
   if (!KELVANE_ASSERT (!changes_order_.empty ()) ||
       !KELVANE_ASSERT (!(changes_set_.empty () && changes_erase_.empty ())))
     return result_internal_error ();
+  const ResultCode ok = result_ok (); // may throw, and nothing must behind it: the change would be lost
   *key = std::move (changes_order_.front ());
   changes_order_.pop_front ();
   if (auto set = changes_set_.extract (*key)) {
     *type = ORVA_STORE_CHANGE_SET;
     *value = std::move (set.mapped ());
-    return result_ok ();
+    return ok;
   }
   if (changes_erase_.erase (*key) != 0) {
     *type = ORVA_STORE_CHANGE_ERASE;
     value->clear ();
-    return result_ok ();
+    return ok;
   }
   KELVANE_ASSERT (0);
   return result_internal_error ();

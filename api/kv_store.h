@@ -46,7 +46,7 @@ public:
   /// Waits until the server has accepted all that is pending, what is added meanwhile included.
   ResultCode flush (uint32_t timeout_ms);
   /// Waits for a change and takes the one whose key changed first. @param type receives an OrvaStoreChange.
-  /// When the time is up, @p key and @p value are empty.
+  /// When the time is up, @p key and @p value are empty. Out of memory takes no change.
   ResultCode get_change (uint32_t timeout_ms, uint32_t *type, std::u16string *key, std::u16string *value);
   /// Waits until the folder has been downloaded.
   ResultCode wait_scan (uint32_t timeout_ms);

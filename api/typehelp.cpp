@@ -2,6 +2,7 @@
 
 #include "base/kelvane_assert.h"
 
+#include <algorithm>
 #include <cmath>
 #include <iterator>
 #include <type_traits>
@@ -73,6 +74,10 @@ void encode (const AString &text, Unit *units, uint32_t count) {
     text.copy_wchar_z (units, count);
   else
     text.copy_utf16_z (units, count);
+}
+
+constexpr bool is_high_surrogate (char16_t unit) {
+  return unit >= 0xD800 && unit < 0xDC00;
 }
 
 } // namespace
@@ -225,16 +230,22 @@ AString text_argument (const orva_char *text) {
 }
 
 std::u16string units_argument (const orva_char *text) {
-  std::u16string units;
-  if (KELVANE_ASSERT (text != nullptr))
-    for (; *text != 0; ++text)
-      units += static_cast<char16_t> (*text);
-  return units;
+  return text_argument (text).to_u16string ();
 }
 
 void fill_string_buffer (const AString &text, OrvaStringBuffer buffer) {
   if (buffer.capacity != 0)
     encode (text, buffer.text, buffer.capacity);
+}
+
+void fill_string_buffer (std::u16string_view text, OrvaStringBuffer buffer) {
+  if (buffer.capacity == 0 || !KELVANE_ASSERT (buffer.text != nullptr))
+    return;
+  size_t count = std::min<size_t> (text.size (), buffer.capacity - 1);
+  if (count != 0 && count != text.size () && is_high_surrogate (text[count - 1]))
+    --count;
+  std::copy_n (text.begin (), count, buffer.text);
+  buffer.text[count] = 0;
 }
 
 } // namespace typehelp

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 /// Conversions between the plain numbers of the exported functions and the values of the protocol. No state;
 /// any thread. A number outside a conversion's range silently gives 0, unless the conversion is `checked`:
@@ -112,10 +113,13 @@ bool standard_is_drop_frame (uint32_t standard);
 /// assertion failure and gives the empty text.
 AString text_argument (const orva_char *text);
 
-/// The units of a text argument as they are. Null is an assertion failure and gives the empty text.
+/// The same as units, which are valid UTF-16 therefore.
 std::u16string units_argument (const orva_char *text);
 
 /// Copies at most capacity - 1 units, cut between two characters, and a terminator. Nothing for capacity 0.
 void fill_string_buffer (const AString &text, OrvaStringBuffer buffer);
+
+/// The same for valid UTF-16. Allocates nothing.
+void fill_string_buffer (std::u16string_view text, OrvaStringBuffer buffer);
 
 } // namespace typehelp

@@ -53,7 +53,9 @@
  * bytes, or one that is not well-formed, ends the connection, which is then made again. But two faults of a
  * server hold the caller of a command: after an answer whose contents cannot be read, the command stays open
  * until the connection is lost; and an answer that is readable, but of a kind that does not belong to the
- * command, ends the command without a word, and its caller waits for ever.
+ * command, ends the command without a word, and its caller waits for ever. Of an asynchronous command, that
+ * is the connection's thread and socket, which then stay after orva_close(); of the download of a store, it
+ * is orva_kvstore_wait_scan(), which then gives ORVA_TIMEOUT for that folder until the connection is gone.
  */
 #ifndef ORVA_H
 #define ORVA_H
@@ -846,7 +848,8 @@ enum OrvaStoreChange { ORVA_STORE_CHANGE_SET = 1, ORVA_STORE_CHANGE_ERASE = 2 };
  * @param folder the name of the database. @param prefix of the keys on the server, part of no key here; may
  *   be empty, and then all keys are the store's. @param mode an OrvaStoreMode.
  * @param handle receives the store.
- * @return ORVA_INVALID_ARGUMENT for another mode. Costs one thread in a mode that writes.
+ * @return ORVA_INVALID_ARGUMENT for another mode; ORVA_ERROR when there is no thread to be had. Costs one
+ *   thread in a mode that writes.
  */
 ORVA_API uint32_t orva_open_kvstore (uint32_t connection, const orva_char *folder, const orva_char *prefix,
                                      uint32_t mode, uint32_t *handle);
@@ -880,7 +883,8 @@ ORVA_API uint32_t orva_kvstore_wait_scan (uint32_t handle, uint32_t timeout);
  * @param key receives the key, cut to fit. @param value receives what it was set to, cut to fit, empty for a
  *   key that was erased.
  * @return ORVA_TIMEOUT when the time was up; ORVA_WRITE_ONLY for a store that only writes. All three are left
- *   alone then. Each change goes to one of the threads that wait.
+ *   alone then. Each change goes to one of the threads that wait. A close of the store does not wake them:
+ *   what is left of it, its connection included, stays until their time is up.
  */
 ORVA_API uint32_t orva_kvstore_get_change (uint32_t handle, uint32_t timeout, uint32_t *type,
                                            OrvaStringBuffer key, OrvaStringBuffer value);

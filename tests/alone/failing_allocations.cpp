@@ -7,6 +7,8 @@
 
 #include <cstdlib>
 #include <new>
+#include <string>
+#include <thread>
 
 namespace {
 
@@ -146,6 +148,44 @@ TEST_F (FailingAllocations, OfOpeningAConnection) {
   EXPECT_GT (count, 3u);
   EXPECT_NE (opened, 0u);
   orva_close (opened);
+}
+
+// On a thread of its own, whose first text has to be allocated too.
+TEST_F (FailingAllocations, OfTakingAChangeLeaveItToBeTaken) {
+  const std::string key (40, 'k');
+  const std::string value (200, 'v');
+  server_.on ("download_metadata", [&] (const support::Command &command) {
+    return support::reply_to (command, "<metadata><MetadataDatabase>CUES</MetadataDatabase><MetadataPrefix />"
+                                       "<MetadataList><Metadata><Key>" +
+                                           key + "</Key><Value>" + value +
+                                           "</Value></Metadata></MetadataList></metadata>") +
+           support::reply_to (command, "<ok />");
+  });
+  const orva_char folder[] = {'C', 'U', 'E', 'S', 0};
+  const orva_char no_prefix[] = {0};
+  uint32_t store = 0;
+  ASSERT_EQ (orva_open_kvstore (connection_, folder, no_prefix, ORVA_STORE_READ, &store), ORVA_OK);
+  ASSERT_EQ (orva_kvstore_wait_scan (store, 20000), ORVA_OK);
+  uint32_t type = 77;
+  orva_char units[2][256];
+  unsigned count = 0;
+  std::thread ([&] {
+    const auto call = [&] {
+      return orva_kvstore_get_change (store, 0, &type, OrvaStringBuffer{units[0], 256},
+                                      OrvaStringBuffer{units[1], 256});
+    };
+    count = fail_each_allocation (call, [&] (uint32_t code) {
+      EXPECT_EQ (code, ORVA_ERROR);
+      EXPECT_EQ (type, 77u);
+    });
+  }).join ();
+  EXPECT_GT (count, 0u);
+  EXPECT_EQ (type, uint32_t{ORVA_STORE_CHANGE_SET});
+  EXPECT_EQ (std::basic_string<orva_char> (units[0]),
+             std::basic_string<orva_char> (key.begin (), key.end ()));
+  EXPECT_EQ (std::basic_string<orva_char> (units[1]),
+             std::basic_string<orva_char> (value.begin (), value.end ()));
+  orva_close_key_value_store (store);
 }
 
 } // namespace

@@ -1,11 +1,15 @@
 // A system that has no thread to give. A program of its own, because it replaces pthread_create.
 
+#include "api/conn_object.h"
+#include "api/kv_store.h"
 #include "engine/test_client.h"
+#include "support/assert_counter.h"
 
 #include <cerrno>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
+#include <system_error>
 
 static int refusals = 0;
 
@@ -31,6 +35,21 @@ TEST (NoThread, LeavesAConnectionThatFailsItsCommandsAndEnds) {
     client.stop ({.Channel = 0}, notes.ok (), notes.error ());
   } // does not wait for a thread that never was
   EXPECT_THAT (notes.lines (), ElementsAre ("error Failing all outstanding commands 0"));
+}
+
+// A store that was left among the watches would be found there by the next one in its place.
+TEST (NoThread, LeavesNothingOfAStoreThatCannotBeOpened) {
+  const AssertCounter failures;
+  const auto connection = ARef<OrvaConnObject>::create ();
+  alignas (KVStore) unsigned char place[sizeof (KVStore)];
+  for (int attempt = 0; attempt != 2; ++attempt)
+    EXPECT_THROW (new (place) KVStore (connection, u"CUES", u"", ORVA_STORE_READ_WRITE), std::system_error);
+  EXPECT_THROW (new (place) KVStore (connection, u"CUES", u"", ORVA_STORE_WRITE), std::system_error);
+  EXPECT_EQ (failures.count (), 0u);
+  auto *const reader = new (place) KVStore (connection, u"CUES", u"", ORVA_STORE_READ); // needs no thread
+  EXPECT_EQ (failures.count (), 0u);
+  reader->close ();
+  reader->~KVStore ();
 }
 
 } // namespace

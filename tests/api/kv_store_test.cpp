@@ -18,6 +18,24 @@ std::string ascii (const std::u16string &units) {
   return std::string (units.begin (), units.end ());
 }
 
+/// The next change as "key=value" or "key gone", empty when there is none.
+std::string taken (KVStore &store) {
+  uint32_t type = 77;
+  std::u16string key = u"before";
+  std::u16string value = u"before";
+  if (store.get_change (0, &type, &key, &value) != ORVA_OK) {
+    EXPECT_EQ (last_error_text ().to_std_string (), "Timeout");
+    EXPECT_TRUE (key.empty () && value.empty ());
+    EXPECT_EQ (type, 77u);
+    return "";
+  }
+  if (type == ORVA_STORE_CHANGE_SET)
+    return ascii (key) + "=" + ascii (value);
+  EXPECT_EQ (type, uint32_t{ORVA_STORE_CHANGE_ERASE});
+  EXPECT_TRUE (value.empty ());
+  return ascii (key) + " gone";
+}
+
 class KVStoreTest : public testing::Test {
 protected:
   KVStore &open (std::u16string prefix, uint32_t mode = ORVA_STORE_READ) {
@@ -43,24 +61,6 @@ protected:
     const XMLTree message = parse_xml_text (AString::from_utf8 ("<report>" + body + "</report>"));
     ASSERT_FALSE (message.is_null ()) << body;
     connection_->dispatch_message (message);
-  }
-
-  /// The next change as "key=value" or "key gone", empty when there is none.
-  static std::string taken (KVStore &store) {
-    uint32_t type = 77;
-    std::u16string key = u"before";
-    std::u16string value = u"before";
-    if (store.get_change (0, &type, &key, &value) != ORVA_OK) {
-      EXPECT_EQ (last_error_text ().to_std_string (), "Timeout");
-      EXPECT_TRUE (key.empty () && value.empty ());
-      EXPECT_EQ (type, 77u);
-      return "";
-    }
-    if (type == ORVA_STORE_CHANGE_SET)
-      return ascii (key) + "=" + ascii (value);
-    EXPECT_EQ (type, uint32_t{ORVA_STORE_CHANGE_ERASE});
-    EXPECT_TRUE (value.empty ());
-    return ascii (key) + " gone";
   }
 
   ARef<OrvaConnObject> connection_ = ARef<OrvaConnObject>::create ();
@@ -181,25 +181,30 @@ private:
   std::map<std::string, std::string> states_;
 };
 
-// Settings to two values and erasures of two keys, and takings, in all sequences of five.
+/// Does one of seven things to a store and to its model: settings of two keys to two values, erasures of
+/// them, and a taking, whose outcome must be the same.
+void do_to_both (unsigned event, KVStore &store, Model &model) {
+  const std::string key = event % 2 == 0 ? "k" : "l";
+  const std::string value = event < 2 ? "1" : "2";
+  const AString key_text = AString::from_latin1 (key);
+  if (event == 6) {
+    ASSERT_EQ (taken (store), model.take ());
+  } else if (event >= 4) {
+    store.on_metadata_remove ("", {key_text});
+    model.erase (key);
+  } else {
+    store.on_metadata_change ("", {{.Key = key_text, .Value = AString::from_latin1 (value)}});
+    model.set (key, value);
+  }
+}
+
 TEST_F (KVStoreTest, FoldsAllSequencesOfFiveEvents) {
   constexpr unsigned events = 7;
   KVStore &store = open (u"");
   for (unsigned sequence = 0; sequence != events * events * events * events * events; ++sequence) {
     Model model;
-    for (unsigned step = 0, rest = sequence; step != 5; ++step, rest /= events) {
-      const unsigned event = rest % events;
-      const std::string key = event % 2 == 0 ? "k" : "l";
-      if (event == 6) {
-        ASSERT_EQ (taken (store), model.take ()) << sequence;
-      } else if (event >= 4) {
-        remove ("", key);
-        model.erase (key);
-      } else {
-        change ("", key, event < 2 ? "1" : "2");
-        model.set (key, event < 2 ? "1" : "2");
-      }
-    }
+    for (unsigned step = 0, rest = sequence; step != 5; ++step, rest /= events)
+      ASSERT_NO_FATAL_FAILURE (do_to_both (rest % events, store, model)) << sequence;
     for (int left = 0; left != 3; ++left)
       ASSERT_EQ (taken (store), model.take ()) << sequence;
   }

@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
+#include <string_view>
 #include <vector>
 
 using namespace typehelp;
@@ -201,10 +203,39 @@ TEST (TypeHelp, StringBuffers) {
   for (const Row &row : rows) {
     SCOPED_TRACE (row.capacity);
     orva_char units[5] = {'#', '#', '#', '#', '#'};
-    fill_string_buffer (AString::from_utf8 (row.utf8), OrvaStringBuffer{units, row.capacity});
+    const AString text = AString::from_utf8 (row.utf8);
+    fill_string_buffer (text, OrvaStringBuffer{units, row.capacity});
     for (size_t i = 0; i < 5; ++i)
       EXPECT_EQ (uint16_t (units[i]), uint16_t (row.expected[i])) << i;
+    std::fill_n (units, 5, orva_char ('#'));
+    fill_string_buffer (text.to_u16string (), OrvaStringBuffer{units, row.capacity});
+    for (size_t i = 0; i < 5; ++i)
+      EXPECT_EQ (uint16_t (units[i]), uint16_t (row.expected[i])) << "from units, " << i;
   }
+}
+
+TEST (TypeHelp, UnitsEndBeforeWhatIsNoText) {
+  const orva_char good[] = {'a', 0xD834, 0xDD1E, 'b', 0};
+  EXPECT_EQ (units_argument (good), u"a\xD834\xDD1E"
+                                    u"b");
+  const orva_char high[] = {'a', 0xD834, 'b', 0};
+  EXPECT_EQ (units_argument (high), u"a");
+  const orva_char low[] = {'a', 0xDD1E, 'b', 0};
+  EXPECT_EQ (units_argument (low), u"a");
+  const orva_char empty[] = {0};
+  EXPECT_EQ (units_argument (empty), u"");
+}
+
+TEST (TypeHelp, NullTextsAreFaultsAndCountAsEmpty) {
+  AssertCounter failures;
+  EXPECT_EQ (units_argument (nullptr), u"");
+  EXPECT_EQ (failures.take (), 1u);
+  EXPECT_TRUE (text_argument (nullptr).is_empty ());
+  EXPECT_EQ (failures.take (), 1u);
+  fill_string_buffer (std::u16string_view (u"abc"), OrvaStringBuffer{nullptr, 3});
+  EXPECT_EQ (failures.take (), 1u);
+  fill_string_buffer (std::u16string_view (u"abc"), OrvaStringBuffer{nullptr, 0});
+  EXPECT_EQ (failures.take (), 0u);
 }
 
 } // namespace

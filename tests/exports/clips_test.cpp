@@ -87,6 +87,7 @@ TEST (Clips, ThatCannotBeAskedForAreSaidNotToExist) {
   EXPECT_EQ (exists, 0u);
   exists = 77;
   EXPECT_EQ (orva_clip_exists (0, clip, &exists), ORVA_INVALID_HANDLE);
+  EXPECT_EQ (exists, 77u);
 }
 
 TEST (Clips, AreAskedForOnAnAsynchronousConnectionToo) {

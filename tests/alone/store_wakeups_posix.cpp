@@ -1,0 +1,49 @@
+// When a store wakes those who wait for changes. A program of its own, because it counts instead of waking.
+
+#include "api/conn_object.h"
+#include "api/kv_store.h"
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+static unsigned wakeups = 0;
+
+extern "C" int pthread_cond_broadcast (pthread_cond_t *) noexcept {
+  ++wakeups;
+  return 0;
+}
+
+namespace {
+
+unsigned taken () {
+  const unsigned count = wakeups;
+  wakeups = 0;
+  return count;
+}
+
+TEST (StoreWakeups, ComeWithAKeyThatDidNotWaitYet) {
+  const auto connection = ARef<OrvaConnObject>::create ();
+  KVStore store (connection, u"CUES", u"", ORVA_STORE_READ);
+  taken ();
+  const auto set = [&] (const char *value) {
+    store.on_metadata_change ("", {{.Key = "k", .Value = value}});
+    return taken ();
+  };
+  const auto erase = [&] (const char *key) {
+    store.on_metadata_remove ("", {key});
+    return taken ();
+  };
+  EXPECT_EQ (set ("1"), 1u);
+  EXPECT_EQ (set ("1"), 0u) << "the same again";
+  EXPECT_EQ (set ("2"), 0u) << "it has its place";
+  EXPECT_EQ (erase ("k"), 0u);
+  EXPECT_EQ (erase ("k"), 0u);
+  EXPECT_EQ (set ("2"), 0u);
+  EXPECT_EQ (erase ("l"), 1u);
+  EXPECT_EQ (erase (""), 0u);
+  store.on_metadata_change ("", {{.Key = "m", .Value = "1"}, {.Key = "n", .Value = "1"}});
+  EXPECT_EQ (taken (), 1u) << "one for a report";
+  store.close ();
+}
+
+} // namespace
