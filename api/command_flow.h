@@ -40,10 +40,14 @@ ResultCode ordinary_command (const ARef<OrvaConnObject> &self, OkWrapper<Command
 }
 
 /// The same for registrations: waits in any case.
+/// @param link receives which of the connection's links has brought the `ok`; may be null
 template <class Command>
 ResultCode forced_command (const ARef<OrvaConnObject> &self, OkWrapper<Command> wrapper,
-                           const std::type_identity_t<Command> &command) {
+                           const std::type_identity_t<Command> &command, unsigned *link = nullptr) {
   const auto completion = OrvaConnObject::make_forced_completion (self);
-  return run_command (self, completion, wrapper, command, completion->ok_callback (),
-                      completion->error_callback ());
+  const ResultCode code = run_command (self, completion, wrapper, command, completion->ok_callback (),
+                                       completion->error_callback ());
+  if (link != nullptr)
+    *link = completion->link;
+  return code;
 }

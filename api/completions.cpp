@@ -47,6 +47,11 @@ void OrvaConnObject::CBBaseObject::decrease_reference () {
     delete this;
 }
 
+void OrvaConnObject::CBOkObject::cb_ok () {
+  link = connection ().links_.load ();
+  finish ();
+}
+
 void OrvaConnObject::CBClipExistsObject::cb_exists (AString, bool given) {
   exists = given;
   finish ();

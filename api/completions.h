@@ -43,6 +43,8 @@ protected:
   CBBaseObject (ARef<OrvaConnObject> connection, Waiter waiter);
   virtual ~CBBaseObject () = default;
 
+  OrvaConnObject &connection () { return *connection_.get (); }
+
 private:
   const ARef<OrvaConnObject> connection_;
   const std::unique_ptr<bsem> semaphore_; ///< null when nobody waits
@@ -73,8 +75,10 @@ public:
   explicit CBOkObject (ARef<OrvaConnObject> connection, Waiter waiter = Waiter::one)
       : CBBaseObject (std::move (connection), waiter) {}
 
-  void cb_ok () { finish (); }
+  void cb_ok ();
   QUILL3::callback::ok ok_callback () { return AMethod::bind (this, &CBOkObject::cb_ok); }
+
+  unsigned link = 0; ///< which of the connection's links, counted from 1, has brought the `ok`
 };
 
 /// Receives whether there is such a clip.

@@ -322,7 +322,12 @@ private:
 
   static ResultCode ensure_report (const ARef<OrvaConnObject> &self, atomic_unsigned &registered,
                                    uint32_t report_type);
+  /// Sees to it that each new connection asks for a report again.
+  /// @param link the one on which the server has accepted the registration
+  /// @return false when there is a newer one, which may not have asked: the caller has to
+  bool keep_registered (atomic_unsigned &registered, unsigned link);
 
+  atomic_unsigned links_; ///< how many there have been; counted before anything is registered on one
   // Not 0: the server has been asked for these reports, and is asked again on each new connection.
   atomic_unsigned clip_reports_registered_;
   atomic_unsigned directory_reports_registered_;

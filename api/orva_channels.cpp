@@ -44,13 +44,16 @@ ResultCode OrvaConnObject::ensure_channel_item (const ARef<OrvaConnObject> &self
                                                 const atomic_unsigned &valid) {
   if (registered.load () != 0)
     return result_ok ();
-  const ResultCode code = forced_command (self, &API::channel_report_register,
-                                          {.Channel = channel, .ChannelReportType = report_type});
+  const QUILL3::command::channel_report_register command = {.Channel = channel,
+                                                            .ChannelReportType = report_type};
+  unsigned link = 0;
+  const ResultCode code = forced_command (self, &API::channel_report_register, command, &link);
   if (code != ORVA_OK)
     return code;
   if (!wait_for_first_value (valid))
     return result_error ("Register for channel item failed unexpectedly");
-  registered.store (1);
+  if (!self->keep_registered (registered, link))
+    self->channel_report_register (command);
   return result_ok ();
 }
 

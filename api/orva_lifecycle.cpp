@@ -43,6 +43,7 @@ void OrvaConnObject::start (uint32_t address) {
 void OrvaConnObject::on_connected () {
   if (stop_requested ())
     return;
+  ++links_;
   if (clip_reports_registered_.load () != 0)
     report_register ({.ReportType = report_clip_change});
   if (directory_reports_registered_.load () != 0)
@@ -51,13 +52,22 @@ void OrvaConnObject::on_connected () {
   kv_restart ();
 }
 
+// Either the new link sees the flag, or this sees the new link: both change the count, and so one comes
+// first.
+bool OrvaConnObject::keep_registered (atomic_unsigned &registered, unsigned link) {
+  registered.store (1);
+  return (links_ += 0) == link;
+}
+
 ResultCode OrvaConnObject::ensure_report (const ARef<OrvaConnObject> &self, atomic_unsigned &registered,
                                           uint32_t report_type) {
   if (registered.load () != 0)
     return result_ok ();
-  const ResultCode code = forced_command (self, &API::report_register, {.ReportType = report_type});
-  if (code == ORVA_OK)
-    registered.store (1);
+  const QUILL3::command::report_register command = {.ReportType = report_type};
+  unsigned link = 0;
+  const ResultCode code = forced_command (self, &API::report_register, command, &link);
+  if (code == ORVA_OK && !self->keep_registered (registered, link))
+    self->report_register (command);
   return code;
 }
 

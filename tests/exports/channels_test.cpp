@@ -429,6 +429,26 @@ TEST (Channels, ANewConnectionRegistersClipsThenDirectoriesThenChannelsThenFolde
   orva_close_key_value_store (store);
 }
 
+// The value that the query waits for comes on a link that nobody has registered anything on.
+TEST (Channels, ALinkThatComesDuringTheFirstWaitIsAskedToo) {
+  FakeServer server;
+  server.answer ("channel_report_register", "<ok />");
+  const Session session (server);
+  std::thread waiter ([&] { EXPECT_EQ (number (orva_channel_position, session, 3), 42u); });
+  EXPECT_TRUE (server.wait_for_commands (1));
+  EXPECT_TRUE (server.wait_until_sent ());
+  server.end_sending ();
+  EXPECT_TRUE (server.wait_for_connections (2));
+  server.report (present_value ("timecode", "<Channel>D</Channel>"));
+  waiter.join ();
+  const support::Command again = server.command (2);
+  EXPECT_EQ (again.connection, 2u);
+  EXPECT_EQ (again.xid.substr (0, 4), "none");
+  EXPECT_EQ (again.document, document (again.xid, registration ("D", "timecode")));
+  EXPECT_EQ (number (orva_channel_position, session, 3), 42u);
+  EXPECT_EQ (server.command_count (), 2u);
+}
+
 TEST (Notices, TellWhatHasChanged) {
   ReportingServer server;
   const Session session (server);
