@@ -53,6 +53,7 @@ AString API::open_command (const Shared &entry, const AString &name, const Rows 
     if (!entry->is_awaited ())
       throw;
     registry_->fail_with_fault (entry);
+    on_send_fault ();
   }
   if (is_ending ()) // the link was ended under it, and nobody fails what is open then
     registry_->fail_unsent (entry);

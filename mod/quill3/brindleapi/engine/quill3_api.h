@@ -55,6 +55,9 @@ public:
   void fail_all_commands () noexcept;
 
 protected:
+  /// Called when a command has failed because there was no memory to send it, on its sender's thread.
+  virtual void on_send_fault () noexcept {}
+
   /// Whether commands are of no use any more, because the end of this object has begun: one that is sent then
   /// fails, and those that were open before are left without a word.
   virtual bool is_ending () const {
