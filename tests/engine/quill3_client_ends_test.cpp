@@ -2,6 +2,7 @@
 
 #include "base/aref.h"
 #include "platform/threads.h"
+#include "support/own_address.h"
 
 #include <list>
 #include <memory>
@@ -188,24 +189,25 @@ TEST_F (Connection, EndsOnItsOwnThreadInASend) {
 }
 
 TEST_F (Connection, OutlivesWhatItsHandlersThrow) {
-  start ();
+  int ups = 0, downs = 0;
   client.when_disconnected = [&] {
-    client.when_disconnected = nullptr;
-    throw std::bad_alloc ();
+    if (++downs == 1)
+      throw std::bad_alloc ();
   };
+  client.when_connected = [&] {
+    if (++ups == 3)
+      throw std::bad_alloc ();
+  };
+  client.when_clip = [&] (const std::string &clip) {
+    if (clip == "BAD")
+      throw std::bad_alloc ();
+  };
+  start ();
   server.drop ();
   wait_for_link (2);
-  client.when_connected = [&] {
-    client.when_connected = nullptr;
-    throw std::bad_alloc ();
-  };
   server.drop ();
   wait_for_link (4); // the third was given up
-  client.when_clip = [&] (const std::string &) {
-    client.when_clip = nullptr;
-    throw std::bad_alloc ();
-  };
-  server.report (created ("C1"));
+  server.report (created ("BAD"));
   wait_for_link (5);
   server.report (created ("C2"));
   EXPECT_TRUE (client.wait_noted ("created C2"));
@@ -221,24 +223,40 @@ TEST_F (Connection, EndsOnAnotherThread) {
   EXPECT_EQ (destroyer, platform::thread_number ());
 }
 
-// Two hundred connections, half of them to servers that refuse: their ends do not add up to waits.
-TEST (Connections, EndAtOnceInGreatNumbers) {
-  std::vector<std::unique_ptr<FakeServer>> servers;
-  std::list<Notes> notes;
-  std::vector<std::unique_ptr<TestClient>> clients;
-  for (int i = 0; i != 20; ++i)
-    servers.push_back (std::make_unique<FakeServer> (i % 2 == 0 ? FakeServer::Start::listening
-                                                                : FakeServer::Start::refusing));
-  for (size_t i = 0; i != 200; ++i)
-    clients.push_back (
-        std::make_unique<TestClient> (notes.emplace_back (), servers[i % servers.size ()]->address ()));
-  for (auto &client : clients)
-    client->start_thread (-1);
-  for (size_t i = 0; i != clients.size (); i += 2)
-    ASSERT_TRUE (clients[i]->wait_connected ());
-  EXPECT_LT (time_of ([&] { clients.clear (); }), 5s); // some seconds for each hundred, if they waited
-  for (auto &server : servers)
-    EXPECT_TRUE (server->wait_until_left ());
+/// Somewhere to connect to, or to be refused: the system takes the connections, and nobody serves them.
+struct Place {
+  support::OwnAddress address;
+  support::net::Handle listener = support::net::no_handle;
+
+  explicit Place (bool listens) {
+    if (listens)
+      listener = support::net::listen_on (address.value (), Client::server_port, 4);
+  }
+  ~Place () {
+    if (listener != support::net::no_handle)
+      support::net::close_handle (listener);
+  }
+};
+
+// Two hundred connections to two hundred addresses, half of which refuse: their ends do not add up to waits.
+// Such waits would make every attempt slow, a busy machine only some.
+TEST (Connections, EndWithinASecondAllTogether) {
+  std::list<Place> places;
+  for (int i = 0; i != 200; ++i)
+    places.emplace_back (i % 2 == 0);
+  std::chrono::milliseconds best = 1h;
+  for (int attempt = 0; attempt != 5 && best >= 1s; ++attempt) {
+    std::list<Notes> notes;
+    std::vector<std::unique_ptr<TestClient>> clients;
+    for (const Place &place : places)
+      clients.push_back (std::make_unique<TestClient> (notes.emplace_back (), place.address.value ()));
+    for (auto &client : clients)
+      client->start_thread (-1);
+    for (size_t i = 0; i != clients.size (); i += 2)
+      ASSERT_TRUE (clients[i]->wait_connected ());
+    best = std::min (best, time_of ([&] { clients.clear (); }));
+  }
+  EXPECT_LT (best, 1s);
 }
 
 // ---- Everything at once

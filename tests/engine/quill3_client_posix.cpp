@@ -2,12 +2,13 @@
 
 #include "base/amethod.h"
 #include "engine/test_client.h"
+#include "support/process_counts.h"
+#include "support/soak.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <dirent.h>
 #include <fcntl.h>
 #include <pthread.h>
 #include <semaphore>
@@ -85,6 +86,31 @@ TEST (ConnectionUnderSignals, AnswersEachCommand) {
   EXPECT_EQ (server.accepted (), 1u);
 }
 
+// A byte at a time, far below what eight callers have to say: none of them is forgotten.
+TEST (ConnectionToASlowServer, AnswersEachCommandInTheEnd) {
+  FakeServer server;
+  server.answer_any ("<ok />");
+  server.read_slowly (1, std::chrono::milliseconds (support::rounds (1, 100)));
+  Notes notes;
+  TestClient client (notes, server.address ());
+  client.start_thread (-1);
+  ASSERT_TRUE (client.wait_connected ());
+  std::list<Waiter> waiters;
+  std::vector<std::thread> threads;
+  for (int i = 0; i != 8; ++i)
+    threads.emplace_back ([&, w = &waiters.emplace_back ()] {
+      client.stop ({.Channel = 0}, AMethod::bind (w, &Waiter::ok), AMethod::bind (w, &Waiter::failed));
+      w->done.acquire ();
+    });
+  for (std::thread &thread : threads)
+    thread.join ();
+  for (Waiter &waiter : waiters) {
+    EXPECT_EQ (waiter.answers, 1);
+    EXPECT_EQ (waiter.failures, 0);
+  }
+  EXPECT_EQ (server.accepted (), 1u);
+}
+
 TEST (ConnectionToASlowServer, EndsEachCommandOnceWhenItGoes) {
   FakeServer server;
   server.read_slowly (1, 1s);
@@ -111,6 +137,50 @@ TEST (ConnectionToASlowServer, EndsEachCommandOnceWhenItGoes) {
     EXPECT_GE (waiter.failures, 1);
     EXPECT_EQ (waiter.answers, 0);
   }
+}
+
+// What a host has set up for its signals is its own, whatever the library goes through.
+TEST (ConnectionAndSignals, LeaveTheHostsDispositionsAlone) {
+  const auto dispositions = [] {
+    std::vector<void (*) (int)> all;
+    for (int number = 1; number != SIGRTMAX + 1; ++number) {
+      struct sigaction action {};
+      all.push_back (sigaction (number, nullptr, &action) == 0 ? action.sa_handler : SIG_ERR);
+    }
+    return all;
+  };
+  struct sigaction own {};
+  struct sigaction earlier {};
+  own.sa_handler = &note_interruption;
+  sigaction (SIGPIPE, &own, &earlier);
+  const auto before = dispositions ();
+  sigset_t mask_before, mask_after;
+  pthread_sigmask (SIG_SETMASK, nullptr, &mask_before);
+  const int interruptions_before = interruptions;
+  {
+    FakeServer server;
+    server.answer_any ("<ok />");
+    Notes notes;
+    TestClient client (notes, server.address ());
+    std::atomic<bool> lost{false};
+    client.when_disconnected = [&] { lost = true; };
+    client.start_thread (-1);
+    ASSERT_TRUE (client.wait_noted ("connected"));
+    client.stop ({.Channel = 0}, notes.ok (), notes.error ());
+    ASSERT_TRUE (client.wait_noted ("ok"));
+    EXPECT_EQ (dispositions (), before);
+    // Sends on a link that the server has aborted, until one fails.
+    server.reset ();
+    while (!lost)
+      client.stop ({.Channel = 0}, {}, notes.error ());
+    ASSERT_TRUE (client.wait_noted ("connected", 2));
+  }
+  EXPECT_EQ (dispositions (), before);
+  pthread_sigmask (SIG_SETMASK, nullptr, &mask_after);
+  for (int number = 1; number != SIGRTMAX + 1; ++number)
+    EXPECT_EQ (sigismember (&mask_before, number), sigismember (&mask_after, number)) << number;
+  EXPECT_EQ (interruptions, interruptions_before) << "a lost link raises no signal";
+  sigaction (SIGPIPE, &earlier, nullptr);
 }
 
 // Opens what is needed for the next descriptor to be beyond what a set of select can hold.
@@ -152,19 +222,10 @@ TEST (ConnectionAmongManyDescriptors, Works) {
   client.stop_and_join ();
 }
 
-size_t open_descriptors () {
-  size_t count = 0;
-  DIR *all = opendir ("/proc/self/fd");
-  while (all != nullptr && readdir (all) != nullptr)
-    ++count;
-  closedir (all);
-  return count;
-}
-
 TEST (ConnectionDescriptors, AreGivenBack) {
   FakeServer server;
   FakeServer refusing (FakeServer::Start::refusing);
-  const size_t before = open_descriptors ();
+  const size_t before = support::open_descriptors ();
   for (int i = 0; i != 5; ++i) {
     Notes notes;
     TestClient client (notes, server.address ());
@@ -176,7 +237,7 @@ TEST (ConnectionDescriptors, AreGivenBack) {
     ASSERT_TRUE (client.wait_noted ("connected", 2));
   }
   ASSERT_TRUE (server.wait_until_left ());
-  EXPECT_TRUE (support::wait_until ([&] { return open_descriptors () <= before; }));
+  EXPECT_TRUE (support::wait_until ([&] { return support::open_descriptors () <= before; }));
 }
 
 } // namespace

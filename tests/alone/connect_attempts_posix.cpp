@@ -1,0 +1,169 @@
+// When connections are attempted, and what is asked of their sockets. A program of its own, because it stands
+// between the library and the system's calls.
+#include "engine/test_client.h"
+#include "support/own_address.h"
+
+#include <arpa/inet.h>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <chrono>
+#include <mutex>
+#include <vector>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using namespace std::chrono_literals;
+
+// What was asked for sockets that go to `watched`; the fake server's own are of no interest.
+std::mutex lock;
+uint32_t watched = 0;
+std::vector<Clock::time_point> attempts;
+std::vector<int> watched_sockets;
+struct Option {
+  int level, name, value;
+  bool operator== (const Option &) const = default;
+};
+std::vector<Option> options;
+
+void watch (uint32_t address) {
+  const std::lock_guard hold (lock);
+  watched = address;
+  attempts.clear ();
+  watched_sockets.clear ();
+  options.clear ();
+}
+
+std::vector<Clock::time_point> seen_attempts () {
+  const std::lock_guard hold (lock);
+  return attempts;
+}
+
+template <class Function>
+Function *next_of (const char *name) {
+  return reinterpret_cast<Function *> (dlsym (RTLD_NEXT, name));
+}
+
+} // namespace
+
+extern "C" int connect (int descriptor, const sockaddr *to, socklen_t length) {
+  static auto *const next = next_of<int (int, const sockaddr *, socklen_t)> ("connect");
+  {
+    const std::lock_guard hold (lock);
+    const auto *ipv4 = reinterpret_cast<const sockaddr_in *> (to);
+    if (to->sa_family == AF_INET && ntohl (ipv4->sin_addr.s_addr) == watched) {
+      attempts.push_back (Clock::now ());
+      watched_sockets.push_back (descriptor);
+    }
+  }
+  return next (descriptor, to, length);
+}
+
+extern "C" int setsockopt (int descriptor, int level, int name, const void *value,
+                           socklen_t length) noexcept {
+  static auto *const next = next_of<int (int, int, int, const void *, socklen_t)> ("setsockopt");
+  {
+    const std::lock_guard hold (lock);
+    if (std::find (watched_sockets.begin (), watched_sockets.end (), descriptor) != watched_sockets.end ())
+      options.push_back ({level, name, length == sizeof (int) ? *static_cast<const int *> (value) : -1});
+  }
+  return next (descriptor, level, name, value, length);
+}
+
+namespace {
+
+using support::FakeServer;
+using support::wait_until;
+
+// From each time to the next.
+std::vector<Clock::duration> gaps (const std::vector<Clock::time_point> &times) {
+  std::vector<Clock::duration> all;
+  for (size_t i = 1; i < times.size (); ++i)
+    all.push_back (times[i] - times[i - 1]);
+  return all;
+}
+
+Clock::duration shortest (const std::vector<Clock::duration> &all, size_t from) {
+  return *std::min_element (all.begin () + static_cast<ptrdiff_t> (from), all.end ());
+}
+
+// The clock of the pause and the one here begin at slightly different instructions.
+constexpr auto pause_at_least = 98ms;
+// A busy machine lengthens some pauses, but not every one of several.
+constexpr auto pause_at_best = 150ms;
+
+TEST (ConnectAttempts, ComeAHundredMillisecondsAfterEachRefusalWithoutEnd) {
+  const support::OwnAddress nobody;
+  watch (nobody.value ());
+  Notes notes;
+  TestClient client (notes, nobody.value ());
+  const auto start = Clock::now ();
+  client.start_thread (-1);
+  ASSERT_TRUE (wait_until ([] { return seen_attempts ().size () >= 16; }));
+  client.stop_and_join ();
+  const auto times = seen_attempts ();
+  EXPECT_GE (times.front () - start, pause_at_least) << "the first comes after a pause too";
+  const auto all = gaps (times);
+  EXPECT_GE (shortest (all, 0), pause_at_least);
+  EXPECT_LT (shortest (all, all.size () - 8), pause_at_best) << "the pause does not grow";
+  EXPECT_FALSE (client.is_connected ());
+  EXPECT_EQ (notes.count (), 0u);
+}
+
+TEST (ConnectAttempts, ComeAHundredMillisecondsAfterEachLossWithoutEnd) {
+  FakeServer server;
+  watch (server.address ());
+  std::vector<Clock::time_point> losses;
+  Notes notes;
+  TestClient client (notes, server.address ());
+  client.when_disconnected = [&] { losses.push_back (Clock::now ()); };
+  client.start_thread (-1);
+  constexpr size_t rounds = 8;
+  for (size_t round = 1; round <= rounds; ++round) {
+    ASSERT_TRUE (client.wait_noted ("connected", round));
+    ASSERT_TRUE (server.wait_for_connections (round));
+    round % 2 == 0 ? server.drop () : server.reset ();
+  }
+  ASSERT_TRUE (client.wait_noted ("connected", rounds + 1));
+  client.stop_and_join ();
+  const auto times = seen_attempts ();
+  ASSERT_EQ (times.size (), rounds + 1) << "one attempt for each link";
+  ASSERT_EQ (losses.size (), rounds);
+  std::vector<Clock::duration> pauses;
+  for (size_t i = 0; i != rounds; ++i)
+    pauses.push_back (times[i + 1] - losses[i]);
+  EXPECT_GE (shortest (pauses, 0), pause_at_least);
+  EXPECT_LT (shortest (pauses, rounds / 2), pause_at_best);
+}
+
+TEST (ConnectAttempts, MakeSocketsThatSendAtOnceAndBlockAndAreNotChangedOtherwise) {
+  FakeServer server;
+  server.answer_any ("<ok />");
+  watch (server.address ());
+  Notes notes;
+  TestClient client (notes, server.address ());
+  client.start_thread (-1);
+  ASSERT_TRUE (client.wait_noted ("connected"));
+  client.stop ({.Channel = 0}, notes.ok (), notes.error ());
+  ASSERT_TRUE (client.wait_noted ("ok"));
+  {
+    const std::lock_guard hold (lock);
+    EXPECT_TRUE (options == std::vector<Option> ({{IPPROTO_TCP, TCP_NODELAY, 1}})) << options.size ();
+  }
+  const int descriptor = static_cast<int> (client.last_socket);
+  int no_delay = 0;
+  socklen_t length = sizeof no_delay;
+  ASSERT_EQ (getsockopt (descriptor, IPPROTO_TCP, TCP_NODELAY, &no_delay, &length), 0);
+  EXPECT_NE (no_delay, 0);
+  EXPECT_EQ (fcntl (descriptor, F_GETFL) & O_NONBLOCK, 0);
+  EXPECT_EQ (fcntl (descriptor, F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
+}
+
+} // namespace
