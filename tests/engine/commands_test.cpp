@@ -1,4 +1,4 @@
-#include "engine/commands.h"
+#include "engine/golden_arguments.h"
 #include "engine/quill3_client.h"
 #include "support/fake_server.h"
 #include "support/wait.h"
@@ -11,18 +11,9 @@
 #include <vector>
 
 using namespace QUILL3;
+using namespace golden;
 
 namespace {
-
-/// Several members of a set.
-template <class Set>
-Set set_of (std::initializer_list<uint32_t> values) {
-  return Set (values.begin (), static_cast<uint32_t> (values.size ()));
-}
-constexpr auto channels = set_of<ChannelSet>;
-constexpr auto reports = set_of<ReportSet>;
-constexpr auto channel_reports = set_of<ChannelReportSet>;
-constexpr auto tracks = set_of<TrackSet>;
 
 /// A text with CR LF for each ~.
 std::string lines (const std::string &text) {

@@ -1,0 +1,233 @@
+// Two readings of the protocol, made apart from each other, talk: the engine's and the simulator's.
+
+#include "engine/golden_arguments.h"
+#include "simulated/talk.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <sstream>
+
+using namespace QUILL3;
+using namespace golden;
+using testing::ElementsAre;
+using testing::StartsWith;
+
+namespace {
+
+using Lines = std::vector<std::string>;
+using Set = std::set<std::string>;
+
+std::string first_word (const std::string &line) {
+  return line.substr (0, line.find (' '));
+}
+
+/// Expects `ok`.
+template <class Command>
+void carry_out (Talk &talk, const Command &command) {
+  EXPECT_THAT (talk.ask (command), ElementsAre ("ok"));
+}
+
+struct Golden {
+  const char *name;
+  Lines (*send) (Talk &talk);
+};
+#define GOLDEN(text, name, ...) {#name, [] (Talk &talk) { return talk.ask (command::name{__VA_ARGS__}); }},
+const Golden goldens[] = {
+#include "engine/commands_golden.inc"
+};
+
+/// The answers beside `error` that each command can get.
+std::map<std::string, Set> promised () {
+  std::map<std::string, Set> answers;
+  const auto add = [&] (const char *name, const std::string &list) {
+    std::istringstream words (list);
+    for (std::string word; words >> word;)
+      answers[name].insert (word.substr (0, word.find (',')));
+  };
+#define COMMAND(name, ...) add (#name, #__VA_ARGS__);
+#include "engine/commands.inc"
+  return answers;
+}
+
+/// Whether a line is an answer that the command can get.
+bool is_promised (const std::string &name, const std::string &line) {
+  static const std::map<std::string, Set> answers = promised ();
+  return answers.at (name).contains (first_word (line));
+}
+
+/// Whether a line refuses a command because of what the server holds, and not because of how it is written.
+bool is_about_the_state (const std::string &line) {
+  static const char *const reasons[] = {" does not exist",
+                                        " exists already",
+                                        " is loaded on channel",
+                                        "No playlist is loaded",
+                                        "No chase list is loaded",
+                                        "Nothing is loaded",
+                                        "Nothing is precued",
+                                        "No reordering has been started",
+                                        " has no angle ",
+                                        " lies beyond the end of ",
+                                        "There is no configuration item "};
+  return first_word (line) == "error" && line.find ("error Tag ") == line.npos &&
+         std::any_of (std::begin (reasons), std::end (reasons),
+                      [&] (const char *reason) { return line.find (reason) != line.npos; });
+}
+
+TEST (Simulator, SaysWhatItCannotRead) {
+  Talk talk;
+  EXPECT_THAT (talk.ask (command::stop{.Channel = 12}),
+               ElementsAre ("error Tag Channel in stop holds the bad value '' 0"));
+  EXPECT_THAT (talk.ask (command::list_play_now{.Channel = 0, .Roll = 7}),
+               ElementsAre ("error Tag Roll in list_play_now holds the bad value '' 0"));
+  EXPECT_FALSE (is_about_the_state ("error Tag Channel in stop holds the bad value '' 0"));
+  EXPECT_TRUE (is_about_the_state ("error Channel L does not exist, this server has A to H 0"));
+}
+
+TEST (Simulator, UnderstandsEveryDocumentOfTheEngine) {
+  Talk talk;
+  carry_out (talk, command::create_clip{
+                       .ClipID = "NEWS0123", .TrackSet = tracks ({0, 1, 2, 3}), .ClipLength = 2000});
+  carry_out (talk, command::cue_clip{.Channel = 2, .ClipID = "NEWS0123"});
+  size_t carried_out = 0;
+  for (const Golden &golden : goldens) {
+    const Lines lines = golden.send (talk);
+    ASSERT_FALSE (lines.empty ()) << golden.name;
+    for (const std::string &line : lines)
+      EXPECT_TRUE (is_promised (golden.name, line) || is_about_the_state (line))
+          << golden.name << ": " << line;
+    carried_out += is_promised (golden.name, lines.back ());
+  }
+  EXPECT_GT (carried_out, std::size (goldens) / 3);
+}
+
+ListElement element_of (const char *clip) {
+  return {.ContentID = {.ClipID = AString (clip)},
+          .GotoPosition = 10,
+          .Transition = Transition{.TransitionType = 1}};
+}
+ChaseElement chase_element_of (const char *clip, uint32_t trigger) {
+  return {.ContentID = {.ClipID = AString (clip)}, .ClipStartOffset = 0, .TcStartTrigger = trigger};
+}
+
+void keep_clips (Talk &talk) {
+  carry_out (talk, command::create_directory{.DirectoryName = "TODAY"});
+  carry_out (talk, command::create_clip{.ClipID = "TODAY/A", .TrackSet = tracks ({0, 2}), .ClipLength = 500});
+  carry_out (talk, command::modify_clip_attributes{.ClipID = "TODAY/A",
+                                                   .ClipAttrChange = {.Title = AString ("<a>")}});
+  carry_out (talk, command::rename_clip{.FromID = "TODAY/A", .ToID = "B"});
+  carry_out (talk, command::rename_dir{.FromDir = "TODAY", .ToDir = "LATER"});
+  EXPECT_THAT (talk.ask (command::clip_exists{.ClipID = "B"}), ElementsAre ("clipexists B true"));
+  EXPECT_THAT (talk.ask (command::get_clip_info{.ClipID = "B"}),
+               ElementsAre (StartsWith ("clipinfo B/<a>/500/")));
+}
+
+void keep_lists (Talk &talk) {
+  carry_out (talk, command::list_save_start{.ListID = "L"});
+  carry_out (talk, command::list_save_element{.ListElement = element_of ("B")});
+  carry_out (talk, command::list_save_end{});
+  carry_out (talk, command::list_save_start{.ListID = "L"});
+  carry_out (talk, command::list_save_element{.ListElement = element_of ("B")});
+  carry_out (talk, command::list_save_end{});
+  EXPECT_THAT (talk.ask (command::download_listids{}), ElementsAre ("listid L", "ok"));
+  EXPECT_THAT (talk.ask (command::download_list{.ListID = "L"}), ElementsAre ("list_element B/-", "ok"));
+  carry_out (talk, command::chase_save_start{.ChaseID = "C"});
+  carry_out (talk, command::chase_save_element{.ChaseElement = chase_element_of ("B", 5)});
+  carry_out (talk, command::chase_save_end{});
+  carry_out (talk, command::chase_save_start{.ChaseID = "C"});
+  carry_out (talk, command::chase_save_element{.ChaseElement = chase_element_of ("B", 7)});
+  carry_out (talk, command::chase_save_end{});
+  EXPECT_THAT (talk.ask (command::download_chaseids{}), ElementsAre ("chaseid C", "ok"));
+  EXPECT_THAT (talk.ask (command::download_chase{.ChaseID = "C"}), ElementsAre ("chase_element -/7", "ok"));
+}
+
+void play_lists (Talk &talk) {
+  carry_out (talk, command::list_load{.Channel = 1, .ListID = "L"});
+  carry_out (talk, command::list_insert{.Channel = 1, .ListIndex = 1, .ListElement = element_of ("B")});
+  carry_out (talk, command::list_set_loop{.Channel = 1, .Loop = 1});
+  carry_out (talk, command::list_play_now{.Channel = 1, .ListIndex = 0, .Roll = 1});
+  carry_out (talk, command::list_play_next{.Channel = 1, .ListIndex = 1, .Roll = 1});
+  carry_out (talk, command::list_remove_item{.Channel = 1, .ListIndex = 1});
+  carry_out (talk, command::list_play_clear_modified{.Channel = 1});
+  carry_out (talk, command::list_unload{.Channel = 1});
+  carry_out (talk, command::chase_load{.Channel = 2, .ChaseID = "C"});
+  carry_out (talk, command::chase_insert{
+                       .Channel = 2, .ChaseIndex = 1, .ChaseElement = chase_element_of ("B", 100)});
+  carry_out (talk, command::sending_chase_ltcin{.Timecode = {.Valid = true, .FieldNumber = 8}});
+  carry_out (talk, command::chase_remove_item{.Channel = 2, .ChaseIndex = 1});
+  carry_out (talk, command::chase_unload{.Channel = 2});
+  carry_out (talk, command::list_delete{.ListID = "L"});
+  carry_out (talk, command::chase_delete{.ChaseID = "C"});
+}
+
+void ask_the_server (Talk &talk) {
+  EXPECT_THAT (talk.ask (command::get_computer_name{}), ElementsAre ("computername SIMULATOR"));
+  EXPECT_THAT (talk.ask (command::get_video_standard{}), ElementsAre ("video_standard 18 1 2"));
+  EXPECT_THAT (talk.ask (command::get_disk_usage{}), ElementsAre (StartsWith ("disk_usage ")));
+  EXPECT_THAT (talk.ask (command::get_reference_source{}), ElementsAre (StartsWith ("reference_source ")));
+  EXPECT_THAT (talk.ask (command::get_version_info{}), ElementsAre ("version_info 1 orva-simulator"));
+  EXPECT_THAT (talk.ask (command::get_compression_info{}), ElementsAre (StartsWith ("compression_info ")));
+  EXPECT_THAT (
+      talk.ask (command::get_configuration{}),
+      testing::AllOf (testing::Contains (StartsWith ("configuration_item ")), testing::Contains ("ok")));
+  carry_out (talk, command::set_configuration{.ConfigurationItemName = "OperatorMessage",
+                                              .ConfigurationItemValue = "on air"});
+  EXPECT_THAT (talk.ask (command::get_one_configuration{.ConfigurationItemName = "OperatorMessage"}),
+               ElementsAre ("one_configuration_item OperatorMessage=on air"));
+  EXPECT_THAT (talk.ask (command::steal_channel{.Channel = 7, .PlayOrRecord = 1}),
+               ElementsAre ("steal_info false"));
+  EXPECT_THAT (talk.ask (command::get_current_timecode{.Channel = 7}),
+               ElementsAre (StartsWith ("channel_current_timecode 7 true/")));
+  EXPECT_THAT (talk.ask (command::get_volatile_file_info{.ClipID = "B"}), testing::Contains ("ok"));
+  carry_out (talk, command::export_initiate{.Channel = 3});
+}
+
+void change_tables (Talk &talk) {
+  carry_out (talk, command::watch_metadata_database{.MetadataDatabase = "db"});
+  carry_out (talk, command::metadata_set{.MetadataDatabase = "db", .MetadataList = {{"k", "v & w"}}});
+  EXPECT_THAT (talk.ask (command::download_metadata{.MetadataDatabase = "db"}),
+               ElementsAre ("metadata db  [k=v & w]", "ok"));
+  carry_out (talk, command::metadata_erase{.MetadataDatabase = "db", .KeyList = {"k"}});
+  carry_out (talk, command::userdict_watch{.Key = "desk"});
+  carry_out (talk, command::userdict_set{.Key = "desk", .Value = "4"});
+}
+
+void run_a_channel (Talk &talk) {
+  carry_out (talk, command::cue_clip{.Channel = 0, .ClipID = "B"});
+  carry_out (talk, command::play{.Channel = 0, .Speed = Kelvane::fixed{-32768}});
+  carry_out (talk, command::stop{.Channel = 0});
+  carry_out (talk, command::unload{.Channel = 0});
+}
+
+TEST (Simulator, SaysNothingThatTheEngineCannotRead) {
+  Talk talk;
+  carry_out (talk, command::reports_register{.ReportSet = reports ({0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11})});
+  carry_out (talk, command::channel_reports_register{.ChannelSet = channels ({0, 1, 2, 3, 4, 5, 6, 7}),
+                                                     .ChannelReportSet =
+                                                         channel_reports ({0, 1, 2, 3, 4, 5, 6, 7})});
+  keep_clips (talk);
+  run_a_channel (talk);
+  keep_lists (talk);
+  play_lists (talk);
+  ask_the_server (talk);
+  change_tables (talk);
+  for (const uint32_t channel : {1u, 2u})
+    carry_out (talk, command::unload{.Channel = channel});
+  carry_out (talk, command::delete_clip{.ClipID = "B"});
+  carry_out (talk, command::sync{});
+  Set names;
+  for (const std::string &line : talk.listener.reports.take ())
+    names.insert (first_word (line));
+  Set all;
+#define REPORT(name, ...) all.insert (#name);
+#include "engine/reports.inc"
+  // The simulator has no alerts and no melts, and never clears a list that stays loaded.
+  for (const char *never :
+       {"alert", "melt_available", "channel_listplay_clear_all", "channel_chaseplay_clear_all"})
+    EXPECT_EQ (all.erase (never), 1u);
+  EXPECT_EQ (names, all);
+}
+
+} // namespace

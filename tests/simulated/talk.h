@@ -1,0 +1,84 @@
+#pragma once
+
+#include "engine/commands.h"
+#include "engine/notes.h"
+#include "engine/quill3_client.h"
+#include "support/simulator_process.h"
+#include "support/wait.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+/// A connection that notes what every report says, as one line under its name.
+class Listener : public QUILL3::Client {
+public:
+  explicit Listener (uint32_t address) : Client (address) { start_thread (0); }
+  ~Listener () override { stop_and_join (); }
+  using Client::stop_and_join;
+
+  Notes reports;
+
+protected:
+#define PARAMETER(body_name, tag) decltype (QUILL3::body::body_name::tag) given_##tag
+#define VALUE(context, tag) given_##tag
+#define REPORT(name, ...)                                                                                    \
+  void on_##name (EACH (PARAMETER, name, __VA_ARGS__)) override {                                            \
+    note (#name, EACH (VALUE, , __VA_ARGS__));                                                               \
+  }
+#include "engine/reports.inc"
+#undef PARAMETER
+#undef VALUE
+
+private:
+  template <class... Values>
+  void note (std::string line, const Values &...values) {
+    ((line += " " + show::text (values)), ...);
+    reports.add (line);
+  }
+};
+
+/// The protocol engine and a strict simulator. Everything that the simulator sends has to make sense to the
+/// engine, which the end of the talk tests.
+class Talk {
+public:
+  explicit Talk (std::vector<std::string> arguments = {}) : simulator (strict (std::move (arguments))) {
+    EXPECT_TRUE (support::wait_until ([&] { return listener.is_connected (); }));
+  }
+  ~Talk () {
+    listener.stop_and_join ();
+    EXPECT_EQ (listener.first_error_text ().to_std_string (), "");
+  }
+  Talk (const Talk &) = delete;
+  Talk &operator= (const Talk &) = delete;
+
+  /// Sends a command by its own wrapper with a callback for each answer that it can get, and waits until it
+  /// has ended. @return a line for each answer: its name and values.
+#define HEAR(context, reply) answers_.make<QUILL3::callback::reply> (#reply)
+#define COMMAND(name, ...)                                                                                   \
+  std::vector<std::string> ask (const QUILL3::command::name &arguments) {                                    \
+    listener.name (arguments, EACH (HEAR, , __VA_ARGS__), answers_.error ());                                \
+    return ended (#name);                                                                                    \
+  }
+#include "engine/commands.inc"
+#undef HEAR
+
+private:
+  static std::vector<std::string> strict (std::vector<std::string> arguments) {
+    arguments.insert (arguments.end (), {"--strict", "--quiet"});
+    return arguments;
+  }
+
+  std::vector<std::string> ended (const char *name) {
+    EXPECT_TRUE (support::wait_until ([&] { return listener.outstanding_count () == 0; })) << name;
+    return answers_.take ();
+  }
+
+  Notes answers_;
+
+public:
+  support::SimulatorProcess simulator;
+  Listener listener{simulator.address ()};
+};
