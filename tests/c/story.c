@@ -1,11 +1,18 @@
 #include "c/story.h"
 
-const AnyFunction functions_from_c[] = {
-    (AnyFunction)orva_connect,        (AnyFunction)orva_get_last_error, (AnyFunction)orva_sync,
-    (AnyFunction)orva_cmd_gang_play3, (AnyFunction)orva_precue4,        (AnyFunction)orva_gang_ee_all_off,
-    (AnyFunction)orva_vclip_ripple,   (AnyFunction)orva_disk_usage2,
-};
-const size_t functions_from_c_count = sizeof functions_from_c / sizeof functions_from_c[0];
+enum { text_units = 32, generous_milliseconds = 20000 };
+
+typedef struct Text {
+  orva_char units[text_units];
+} Text;
+
+static Text text_of (const char *latin1) {
+  Text text = {{0}};
+  size_t i;
+  for (i = 0; latin1[i] != 0 && i + 1 < text_units; ++i)
+    text.units[i] = (unsigned char)latin1[i];
+  return text;
+}
 
 static OrvaStringBuffer buffer_of (orva_char *text, uint32_t capacity) {
   OrvaStringBuffer buffer;
@@ -14,19 +21,110 @@ static OrvaStringBuffer buffer_of (orva_char *text, uint32_t capacity) {
   return buffer;
 }
 
-Story tell_story (uint32_t address) {
-  static const orva_char clip[] = {'N', 'E', 'W', 'S', 0xE9, 0};
-  Story story = {0};
+static void note (Story *story, const char *call, uint32_t code) {
+  if (story->step_count != sizeof story->steps / sizeof story->steps[0]) {
+    story->steps[story->step_count].call = call;
+    story->steps[story->step_count].code = code;
+    ++story->step_count;
+  }
+}
+
+static void ask (Story *story, uint32_t server) {
+  note (story, "orva_server_name", orva_server_name (server, buffer_of (story->server_name, 16)));
+  note (story, "orva_disk_usage2", orva_disk_usage2 (server, &story->disk_total, &story->disk_available));
+}
+
+static void run (Story *story, uint32_t server) {
+  const Text clip = text_of ("NEWS\xE9");
+  note (story, "orva_cmd_loadclip2", orva_cmd_loadclip2 (server, 1, clip.units, ORVA_REPEAT_LOOP));
+  note (story, "orva_cmd_play2", orva_cmd_play2 (server, 1, 1.5));
+  note (story, "orva_cmd_gang_stop1", orva_cmd_gang_stop1 (server, 5));
+  note (story, "orva_cmd_stop1", orva_cmd_stop1 (server, 1));
+  orva_get_last_error (buffer_of (story->error_text, 32));
+  note (story, "orva_cmd_playlist_cue_list", orva_cmd_playlist_cue_list (server, 2));
+}
+
+static void edit_vclip (Story *story, uint32_t server) {
+  const Text vclip = text_of ("CUT");
+  const Text clip = text_of ("NEWS");
+  note (story, "orva_vclip_create", orva_vclip_create (server, vclip.units, 500));
+  note (story, "orva_vclip_add_segment1",
+        orva_vclip_add_segment1 (server, vclip.units, clip.units, 10, 1, 20, 30));
+  note (story, "orva_vclip_ripple", orva_vclip_ripple (server, vclip.units, 5, 40, -50));
+}
+
+static void browse (Story *story, uint32_t server) {
+  const Text clip = text_of ("NEWS");
+  uint32_t list = 0;
+  size_t i;
+  note (story, "orva_clip_exists", orva_clip_exists (server, clip.units, &story->clip_exists));
+  note (story, "orva_open_clip_list", orva_open_clip_list (server, &list));
+  for (i = 0; i != 2; ++i)
+    note (story, "orva_get_clip_name", orva_get_clip_name (list, buffer_of (story->listed[i], 16)));
+  orva_close_clip_list (list);
+  note (story, "orva_get_clip_name", orva_get_clip_name (list, buffer_of (story->added, 16)));
+}
+
+static void follow_changes (Story *story, uint32_t server) {
+  note (story, "orva_track_clip_changes", orva_track_clip_changes (server));
+  /* Its answer comes behind the change that the server has told meanwhile. */
+  note (story, "orva_track_directory_changes", orva_track_directory_changes (server));
+  note (story, "orva_track_change_added_clip",
+        orva_track_change_added_clip (server, buffer_of (story->added, 16)));
+}
+
+static void annotate (Story *story, uint32_t server) {
+  const Text clip = text_of ("NEWS0123");
+  const Text key = text_of ("desk");
+  const Text value = text_of ("4");
+  uint32_t handle = 0;
+  note (story, "orva_open_clip_metadata", orva_open_clip_metadata (server, clip.units, &handle));
+  note (story, "orva_clip_title", orva_clip_title (handle, buffer_of (story->title, 16)));
+  note (story, "orva_clip_length", orva_clip_length (handle, &story->clip_length));
+  note (story, "orva_clip_set_meta", orva_clip_set_meta (handle, key.units, value.units));
+  note (story, "orva_clip_get_meta", orva_clip_get_meta (handle, key.units, buffer_of (story->metadata, 16)));
+  note (story, "orva_close_clip_metadata", orva_close_clip_metadata (handle));
+}
+
+static void watch (Story *story, uint32_t server) {
+  note (story, "orva_channel_speed", orva_channel_speed (server, 1, &story->speed));
+  note (story, "orva_get_notification",
+        orva_get_notification (server, generous_milliseconds, &story->notice_kind, &story->notice_channel));
+}
+
+static void mirror (Story *story, uint32_t server) {
+  const Text folder = text_of ("rundown");
+  const Text prefix = text_of ("");
+  const Text key = text_of ("next");
+  const Text value = text_of ("OPENER");
+  uint32_t store = 0;
+  note (story, "orva_open_kvstore",
+        orva_open_kvstore (server, folder.units, prefix.units, ORVA_STORE_READ_WRITE, &store));
+  note (story, "orva_kvstore_wait_scan", orva_kvstore_wait_scan (store, generous_milliseconds));
+  note (story, "orva_kvstore_get_change",
+        orva_kvstore_get_change (store, generous_milliseconds, &story->change_type,
+                                 buffer_of (story->change_key, 16), buffer_of (story->change_value, 16)));
+  note (story, "orva_kvstore_set", orva_kvstore_set (store, key.units, value.units));
+  note (story, "orva_kvstore_flush", orva_kvstore_flush (store, generous_milliseconds));
+  orva_close_key_value_store (store);
+}
+
+void tell_story (uint32_t address, Story *story) {
   const uint32_t server = orva_connect (address);
-  story.connection = server;
-  story.connected = orva_wait_until_connected (server);
-  story.name_code = orva_server_name (server, buffer_of (story.name, 16));
-  story.load_code = orva_cmd_loadclip2 (server, 1, clip, ORVA_REPEAT_LOOP);
-  story.play_code = orva_cmd_play2 (server, 1, 1.5);
-  story.stop_code = orva_cmd_stop1 (server, 1);
-  orva_get_last_error (buffer_of (story.stop_text, 32));
-  story.disk_code = orva_disk_usage2 (server, &story.disk_total, &story.disk_available);
+  story->connection = server;
+  story->connected = orva_wait_until_connected (server);
+  ask (story, server);
+  run (story, server);
+  edit_vclip (story, server);
+  browse (story, server);
+  follow_changes (story, server);
+  annotate (story, server);
+  watch (story, server);
+  mirror (story, server);
+  orva_synchronous (server, 1);
+  note (story, "orva_jog1", orva_jog1 (server, 0, -2));
+  orva_sync (server);
   orva_close (server);
-  story.closed_code = orva_cmd_stop1 (server, 1);
-  return story;
+  story->connected_after_close = orva_connected (server);
+  note (story, "orva_cmd_stop1", orva_cmd_stop1 (server, 1));
 }

@@ -228,7 +228,7 @@ const std::string two_pairs = metadata_list ({{"desk", "foreign"}, {"late", "no"
 TEST (ClipSetters, LeaveTheSnapshotAloneWhenTheServerRefuses) {
   FakeServer server;
   accept (server, two_pairs);
-  server.answer ("modify_clip_attributes", refused_body);
+  server.answer ("modify_clip_attributes", refused ("Clip is locked"));
   const Session session (server);
   const Snapshot snapshot (session);
   EXPECT_EQ (state_of (snapshot), state_before);
@@ -246,7 +246,7 @@ TEST (ClipSetters, LeaveTheSnapshotAloneWhenTheServerRefuses) {
 TEST (ClipSetters, ChangeTheSnapshotInAnyCaseOnAnAsynchronousConnection) {
   FakeServer server;
   accept (server, two_pairs);
-  server.answer ("modify_clip_attributes", refused_body);
+  server.answer ("modify_clip_attributes", refused ("Clip is locked"));
   const Session session (server);
   const Snapshot snapshot (session);
   orva_synchronous (session, 1);

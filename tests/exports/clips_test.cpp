@@ -15,8 +15,7 @@ std::string existence (const std::string &exists) {
   return "<clipexists><ClipID>NEWS0123</ClipID><Exists>" + exists + "</Exists></clipexists>";
 }
 
-const std::string refusal = "<error><ErrorMessage>Clip is locked</ErrorMessage><ErrorCode>general</ErrorCode>"
-                            "</error>";
+const std::string refusal = refused ("Clip is locked");
 
 TEST (Clips, AreRenamedDeletedAndCreated) {
   expect_wire ({

@@ -10,8 +10,7 @@ namespace {
 using support::FakeServer;
 using Names = std::vector<std::string>;
 
-const std::string refusal = "<error><ErrorMessage>Disk is gone</ErrorMessage><ErrorCode>general</ErrorCode>"
-                            "</error>";
+const std::string refusal = refused ("Disk is gone");
 
 /// Answers with these names, in UTF-8, and the end of the list.
 void hold_clips (FakeServer &server, const Names &names) {

@@ -6,7 +6,7 @@ namespace {
 
 using support::FakeServer;
 
-const std::string refusal = "<error><ErrorMessage>No</ErrorMessage><ErrorCode>general</ErrorCode></error>";
+const std::string refusal = refused ("No");
 
 std::string standard_body (const std::string &standard, const std::string &rate,
                            const std::string &resolution) {

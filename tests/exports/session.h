@@ -28,6 +28,11 @@ inline std::string last_error () {
   return filled (orva_get_last_error);
 }
 
+/// The body of an answer that refuses a command.
+inline std::string refused (const std::string &text) {
+  return "<error><ErrorMessage>" + text + "</ErrorMessage><ErrorCode>general</ErrorCode></error>";
+}
+
 /// The document that a client writes around an element, with CR LF for each '|' of the pattern.
 inline std::string document (const std::string &xid, std::string_view pattern) {
   std::string bytes = "<cmd>\r\n<xid>" + xid + "</xid>\r\n";

@@ -39,9 +39,6 @@ inline std::string clip_info (const std::map<std::string, std::string> &changed 
   return "<clipinfo><ClipInfo>" + text + optional + "</ClipInfo></clipinfo>";
 }
 
-inline const std::string refused_body =
-    "<error><ErrorMessage>Clip is locked</ErrorMessage><ErrorCode>general</ErrorCode></error>";
-
 /// A metadata handle of the clip "NEWS0123" that closes itself.
 class Snapshot {
 public:
