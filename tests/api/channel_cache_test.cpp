@@ -197,6 +197,34 @@ TEST_F (ChannelCacheTest, UnusableReportsChangeNothing) {
   EXPECT_EQ (cache ().speed.valid.load (), 0u);
 }
 
+// Their values are looked at all the same: what cannot be read is noted.
+TEST_F (ChannelCacheTest, ReportsThatNobodyWantsAreReadAndDropped) {
+  const struct {
+    const char *good, *bad, *failure;
+  } rows[] = {
+      {"<temperature><Temperature10>415</Temperature10></temperature>",
+       "<temperature><Temperature10>warm</Temperature10></temperature>",
+       "Tag Temperature10 contains invalid value 'warm'"},
+      {"<channel_aux_audio_timecode><Channel>B</Channel><ClipPosition>7</ClipPosition>"
+       "</channel_aux_audio_timecode>",
+       "<channel_aux_audio_timecode><Channel>M</Channel><ClipPosition>7</ClipPosition>"
+       "</channel_aux_audio_timecode>",
+       "Tag channel_aux_audio_timecode contains invalid value 'Channel'"},
+      {"<userdict_change><Key>k</Key><Value /></userdict_change>",
+       "<userdict_change><Key>k</Key></userdict_change>", "Tag 'Value' not found within 'userdict_change'"},
+      {"<config_changed />", "<playlist_changed />", "Tag 'ListID' not found within 'playlist_changed'"},
+  };
+  for (const auto &row : rows) {
+    report (row.good);
+    EXPECT_TRUE (connection_->error_slot_free ()) << row.good;
+    report (row.bad);
+    EXPECT_FALSE (connection_->error_slot_free ()) << row.bad;
+    EXPECT_EQ (connection_->first_error_text ().to_std_string (), row.failure);
+  }
+  EXPECT_TRUE (notices ().empty ());
+  cache ().each_item ([] (auto &item) { EXPECT_EQ (item.valid.load (), 0u); });
+}
+
 TEST_F (ChannelCacheTest, ListReportsMarkTheInformationValidAndRaiseNothing) {
   listplay ("list", "<ListID>EVENING</ListID><ListPlayMode>pgm_pvw</ListPlayMode>");
   EXPECT_EQ (cache ().info.valid.load (), 1u);

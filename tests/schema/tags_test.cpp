@@ -588,6 +588,14 @@ TEST (Vectors, AreReadWithDuplicatesUpToTheirCapacity) {
   EXPECT_EQ (value_of (get_ChannelSet, "<ChannelSet />").count, 0u);
 }
 
+/// An element that holds so many empty ones.
+std::string repeated (const std::string &outer, const std::string &inner, unsigned count) {
+  std::string text = "<" + outer + ">";
+  for (unsigned i = 0; i < count; ++i)
+    text += "<" + inner + " />";
+  return text + "</" + outer + ">";
+}
+
 TEST (Vectors, AreRefusedBeyondItBeforeAnyIsRead) {
   ChannelSet set (5);
   AString err;
@@ -599,14 +607,16 @@ TEST (Vectors, AreRefusedBeyondItBeforeAnyIsRead) {
   const struct {
     std::string failure, expected;
   } rows[] = {
-      {failure_of (get_TrackSet, "<TrackSet><TrackType /><TrackType /><TrackType /><TrackType /><TrackType />"
-                                 "</TrackSet>"),
+      {failure_of (get_TrackSet, repeated ("TrackSet", "TrackType", 5)),
        "Tag TrackSet contains %u subelements. The maximum is 4."},
-      {failure_of (get_ChannelReportSet,
-                   "<ChannelReportSet><ChannelReportType /><ChannelReportType /><ChannelReportType />"
-                   "<ChannelReportType /><ChannelReportType /><ChannelReportType /><ChannelReportType />"
-                   "<ChannelReportType /><ChannelReportType /></ChannelReportSet>"),
-       "Tag ChannelReportSet contains %u subelements. The maximum is 8."}};
+      {failure_of (get_ChannelReportSet, repeated ("ChannelReportSet", "ChannelReportType", 9)),
+       "Tag ChannelReportSet contains %u subelements. The maximum is 8."},
+      {failure_of (get_ReportSet, repeated ("ReportSet", "ReportType", 13)),
+       "Tag ReportSet contains %u subelements. The maximum is 12."},
+      {failure_of (get_TrackInfoVector, repeated ("TrackInfoVector", "TrackInfo", 18)),
+       "Tag TrackInfoVector contains %u subelements. The maximum is 17."},
+      {failure_of (get_TrackAttrVector, "<a>" + repeated ("TrackAttrVector", "TrackAttr", 13) + "</a>"),
+       "Tag TrackAttrVector contains %u subelements. The maximum is 12."}};
   for (const auto &row : rows)
     EXPECT_EQ (row.failure, row.expected);
 }
