@@ -4,27 +4,25 @@
 #include "base/amutex.h"
 #include "base/atomic_unsigned.h"
 #include "base/fixed.h"
+#include "schema/members.h"
 #include "schema/records.h"
 
 #include <cstdint>
 #include <new>
+#include <string_view>
 
-/// The kinds of channel reports that the library asks for: members of the enumeration ChannelReportType.
-enum class ChannelReport : uint32_t {
-  status = 0,
-  clipid = 1,
-  speed = 2,
-  timecode = 3,
-  info = 4,
-  listplay = 5
-};
+/// A member of the enumeration ChannelReportType.
+consteval uint32_t channel_report_type (std::string_view kind) {
+  return member (QUILL3::Enumeration::ChannelReportType, kind);
+}
 
 /// One kind of state of one channel, and what the server has been asked for. Threads: flags from any thread;
 /// the value under the lock, which is held for a copy only.
-template <ChannelReport Report, class V>
+/// @tparam ReportType enumeration ChannelReportType
+template <uint32_t ReportType, class V>
 struct ChannelItem {
   using Value = V;
-  static constexpr uint32_t report_type = static_cast<uint32_t> (Report);
+  static constexpr uint32_t report_type = ReportType;
 
   /// Throws std::bad_alloc when there is no lock to be had.
   ChannelItem () {
@@ -48,12 +46,12 @@ struct ChannelPosition {
 /// The state of one channel as the server's reports tell it. A lost connection leaves it as it is. Its items
 /// are independent: two of them may be from different moments.
 struct ChannelCache {
-  ChannelItem<ChannelReport::status, uint32_t> status; ///< enumeration ChannelStatus
-  ChannelItem<ChannelReport::clipid, AString> clipid;
-  ChannelItem<ChannelReport::speed, Kelvane::fixed> speed;
-  ChannelItem<ChannelReport::timecode, ChannelPosition> timecode;
-  ChannelItem<ChannelReport::info, QUILL3::ChannelInformation> info;
-  ChannelItem<ChannelReport::listplay, ListPlayState> listplay;
+  ChannelItem<channel_report_type ("status"), uint32_t> status; ///< enumeration ChannelStatus
+  ChannelItem<channel_report_type ("clipid"), AString> clipid;
+  ChannelItem<channel_report_type ("speed"), Kelvane::fixed> speed;
+  ChannelItem<channel_report_type ("timecode"), ChannelPosition> timecode;
+  ChannelItem<channel_report_type ("info"), QUILL3::ChannelInformation> info;
+  ChannelItem<channel_report_type ("listplay"), ListPlayState> listplay;
 
   /// Calls @p visit with each item in the order of their report types.
   template <class Visit>

@@ -1,16 +1,18 @@
 #include "api/clip_attributes.h"
 
+#include "schema/members.h"
+
 using namespace typehelp;
 using QUILL3::ClipAttrChange;
 using QUILL3::ClipInfo;
+using QUILL3::Enumeration;
 
 namespace {
 
-// Members of the enumerations TrackType, TimecodeSource and DropFrameFlag.
-constexpr uint32_t last_exported_track = 2;
-constexpr uint32_t source_zero_based = 0;
-constexpr uint32_t source_striped = 1;
-constexpr uint32_t wire_non_drop = 1;
+constexpr uint32_t last_exported_track = member (Enumeration::TrackType, "audio");
+constexpr uint32_t source_zero_based = member (Enumeration::TimecodeSource, "zerobased");
+constexpr uint32_t source_striped = member (Enumeration::TimecodeSource, "striped");
+constexpr uint32_t wire_non_drop = member (Enumeration::DropFrameFlag, "ndf");
 
 // Standards without a rate of their own count as drop frame here, and quietly: a server may have them.
 bool is_drop_frame (uint32_t standard) {

@@ -4,6 +4,7 @@
 #include "api/kv_watch.h"
 #include "api/notify.h"
 #include "api/results.h"
+#include "api/typehelp.h"
 #include "base/amutex.h"
 #include "base/aprotect.h"
 #include "base/aref.h"
@@ -33,7 +34,7 @@ public:
   // --- Lifecycle (orva_lifecycle.cpp)
 
   /// Number of channels that callers know.
-  static constexpr uint32_t channel_count = 8;
+  static constexpr uint32_t channel_count = typehelp::exported_channels;
 
   /// Not started, with 127.0.0.1 as its server.
   OrvaConnObject ();

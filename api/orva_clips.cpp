@@ -74,8 +74,8 @@ ResultCode OrvaConnObject::set_readonly (ARef<OrvaConnObject>, const orva_char *
   return result_error ("Not implemented");
 }
 
-ResultCode OrvaConnObject::unset_readonly (ARef<OrvaConnObject>, const orva_char *) {
-  return result_error ("Not implemented");
+ResultCode OrvaConnObject::unset_readonly (ARef<OrvaConnObject> self, const orva_char *clip) {
+  return set_readonly (std::move (self), clip);
 }
 
 ResultCode OrvaConnObject::modify_clip (ARef<OrvaConnObject> self, const AString &clip,

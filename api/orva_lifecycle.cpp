@@ -2,15 +2,15 @@
 #include "api/command_flow.h"
 
 #include "platform/threads.h"
+#include "schema/members.h"
 
 #include <new>
 
 namespace {
 
 constexpr int thread_priority = -1;
-// Members of the enumeration ReportType.
-constexpr uint32_t report_clip_change = 0;
-constexpr uint32_t report_directory_change = 5;
+constexpr uint32_t report_clip_change = member (QUILL3::Enumeration::ReportType, "clip_change");
+constexpr uint32_t report_directory_change = member (QUILL3::Enumeration::ReportType, "directory_change");
 
 constexpr unsigned sync_poll_milliseconds = 1;
 

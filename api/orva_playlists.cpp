@@ -2,6 +2,7 @@
 #include "api/channel_query.h"
 #include "api/command_flow.h"
 #include "api/typehelp.h"
+#include "schema/members.h"
 
 #include <utility>
 
@@ -9,9 +10,8 @@ using namespace typehelp;
 
 namespace {
 
-// Members of the enumeration Roll.
-constexpr uint32_t cue_only = 0;
-constexpr uint32_t roll = 1;
+constexpr uint32_t cue_only = member (QUILL3::Enumeration::Roll, "cueonly");
+constexpr uint32_t roll = member (QUILL3::Enumeration::Roll, "roll");
 
 /// The low 16 bits are the place in the list.
 uint16_t index_argument (uint32_t index) {

@@ -1,13 +1,14 @@
 // Virtual clips: each operation is one command of the protocol, and the server keeps all state.
 #include "api/command_flow.h"
 #include "api/typehelp.h"
+#include "schema/members.h"
 
 using namespace typehelp;
 
 namespace {
 
 /// `ClipScope`: the name is that of a virtual clip.
-constexpr uint32_t scope_vclip = 1;
+constexpr uint32_t scope_vclip = member (QUILL3::Enumeration::ClipScope, "vclip");
 
 /// The tracks of a virtual clip; its timecode is not a track of its own.
 QUILL3::TrackSet tracks (uint32_t track_mask) {

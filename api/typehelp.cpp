@@ -1,6 +1,7 @@
 #include "api/typehelp.h"
 
 #include "base/kelvane_assert.h"
+#include "schema/members.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,17 +12,16 @@ namespace typehelp {
 
 namespace {
 
-// Members of the enumerations TrackType, VideoResolution, VideoStandard and Playback.
-constexpr uint32_t track_video = 0;
-constexpr uint32_t track_key = 1;
-constexpr uint32_t track_audio = 2;
-constexpr uint32_t track_timecode = 3;
-constexpr uint32_t first_exported_resolution = 2;
-constexpr uint32_t first_exported_standard = 17;
-constexpr uint32_t first_exported_playback = 1;
+using QUILL3::Enumeration;
+constexpr uint32_t track_video = member (Enumeration::TrackType, "video");
+constexpr uint32_t track_key = member (Enumeration::TrackType, "key");
+constexpr uint32_t track_audio = member (Enumeration::TrackType, "audio");
+constexpr uint32_t track_timecode = member (Enumeration::TrackType, "timecode");
+constexpr uint32_t first_exported_resolution = member (Enumeration::VideoResolution, "1080i");
+constexpr uint32_t first_exported_standard = member (Enumeration::VideoStandard, "1080_60i");
+constexpr uint32_t first_exported_playback = member (Enumeration::Playback, "field");
 constexpr uint32_t exported_playbacks = 2;
 
-constexpr uint32_t exported_channels = 8;
 constexpr uint32_t edit_bit_0 = 0x10;
 constexpr uint32_t edit_bit_1 = 0x20;
 constexpr uint32_t edit_bit_2 = 0x3CF;

@@ -14,6 +14,9 @@
 /// then it is an assertion failure first.
 namespace typehelp {
 
+/// Number of channels that callers know.
+inline constexpr uint32_t exported_channels = 8;
+
 // Exported number to protocol value.
 
 /// 0 to 7 as they are; any other channel is channel 0.

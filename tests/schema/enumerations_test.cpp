@@ -1,4 +1,4 @@
-#include "schema/enumerations.h"
+#include "schema/members.h"
 #include "schema/tags.h"
 #include "support/assert_counter.h"
 
@@ -137,6 +137,15 @@ TEST (Enumerations, AreLookedUpEachByItself) {
   EXPECT_EQ (status, 4u);
   EXPECT_EQ (record, 0u);
   EXPECT_EQ (start, 0u);
+}
+
+TEST (Enumerations, GiveTheirMembersToTheCompiler) {
+  static_assert (member (Enumeration::Channel, "A") == 0);
+  static_assert (member (Enumeration::Interp, "off") == 2);
+  static_assert (member (Enumeration::VideoStandard, "1080_60i") == 17);
+  static_assert (member (Enumeration::booleans, "true") == 1);
+  constexpr uint32_t last = member (Enumeration::ReportType, "ltc_input");
+  EXPECT_EQ (last, 11u);
 }
 
 TEST (Enumerations, MindTheCase) {
