@@ -1,6 +1,9 @@
 # How everything in this tree is compiled.
 find_package(Threads REQUIRED)
 
+# The queue swaps 16 bytes in one step.
+add_compile_options(-mcx16)
+
 # The binaries name no path of the machine that built them.
 add_compile_options(-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
 

@@ -2,11 +2,13 @@
 
 #include "base/kelvane_assert.h"
 
+#include <iterator>
+
 namespace {
 
 constexpr unsigned continuation_bits = 6;
 constexpr uint32_t continuation_pattern = 128;
-constexpr uint32_t largest_code_point = 1114111;
+constexpr uint32_t largest_code_point = std::rbegin (utf8_tbl)->largest;
 constexpr uint32_t first_high_surrogate = 55296;
 constexpr uint32_t first_low_surrogate = 56320;
 constexpr uint32_t last_surrogate = 57343;

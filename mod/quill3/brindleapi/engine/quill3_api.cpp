@@ -62,7 +62,7 @@ AString API::open_command (const Shared &entry, const AString &name, const Rows 
 
 #define EMPTY(context, reply) callback::reply ()
 #define PARAMETER(context, reply) callback::reply reply
-#define SET(context, reply) entry->reply = reply;
+#define SET(context, reply) entry->reply = reply
 #define COMMAND(name, ...)                                                                                   \
   AString API::name (const command::name &arguments) {                                                       \
     return name (arguments, EACH (EMPTY, , __VA_ARGS__), callback::error ());                                \
@@ -70,7 +70,7 @@ AString API::open_command (const Shared &entry, const AString &name, const Rows 
   AString API::name (const command::name &arguments, EACH (PARAMETER, , __VA_ARGS__),                        \
                      callback::error error) {                                                                \
     auto entry = std::make_shared<XIDRegistryEntry> ();                                                      \
-    EACH_DO (SET, , __VA_ARGS__)                                                                             \
+    EACH (SET, , __VA_ARGS__);                                                                               \
     entry->error = error;                                                                                    \
     return open_command (entry, command_name (CommandNumber::name), rows_of (&arguments), &arguments);       \
   }

@@ -30,9 +30,8 @@
 ///
 ///     body::channel_status status;
 ///     AString err;
-///     if (read_body (tree, &status, &err))
-///       with_fields (std::move (status), [this] (auto... values) { on_channel_status (std::move
-///       (values)...); });
+///     if (!read_body (tree, &status, &err))
+///       record_error (xid, err);
 namespace QUILL3 {
 
 /// One row: a member and the tag that carries it. Made by FIELD.
@@ -83,29 +82,6 @@ bool read_record (const XMLTree &tree, S *to, AString *err) {
 template <class S>
 bool read_body (const XMLTree &tree, S *to, AString *err) {
   return read_body (tree, rows_of (static_cast<const S *> (to)), to, err);
-}
-
-/// Calls @p function with the members of @p from one by one, at most four, moving them out.
-template <class S, class F>
-requires std::is_rvalue_reference_v<S &&>
-decltype (auto) with_fields (S &&from, F &&function) {
-  constexpr uint16_t count = rows_of (static_cast<const S *> (nullptr)).count;
-  static_assert (count <= 4);
-  if constexpr (count == 0) {
-    return function ();
-  } else if constexpr (count == 1) {
-    auto &[a] = from;
-    return function (std::move (a));
-  } else if constexpr (count == 2) {
-    auto &[a, b] = from;
-    return function (std::move (a), std::move (b));
-  } else if constexpr (count == 3) {
-    auto &[a, b, c] = from;
-    return function (std::move (a), std::move (b), std::move (c));
-  } else {
-    auto &[a, b, c, d] = from;
-    return function (std::move (a), std::move (b), std::move (c), std::move (d));
-  }
 }
 
 /// A row's two sides must fit: the member is of the tag's type, or an AOption of it.

@@ -3,8 +3,6 @@
 #include "schema/codec.h"
 #include "schema/records.h"
 
-#pragma GCC diagnostic ignored "-Winvalid-offsetof"
-
 namespace QUILL3 {
 
 namespace {
@@ -28,6 +26,8 @@ constexpr Codec record () {
   return {.kind = Kind::record, .rows = rows_of (static_cast<const S *> (nullptr))};
 }
 
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Winvalid-offsetof"
 template <class V>
 constexpr Codec vector (Tag element) {
   static_assert (offsetof (V, count) == 0);
@@ -37,6 +37,7 @@ constexpr Codec vector (Tag element) {
           .first = offsetof (V, vec),
           .stride = sizeof (V::vec[0])};
 }
+#pragma GCC diagnostic pop
 
 template <class L>
 constexpr ListAccess access{[] (void *list) { static_cast<L *> (list)->clear (); },
