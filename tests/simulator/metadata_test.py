@@ -86,6 +86,60 @@ class Databases(support.Case):
         self.set(actor, "heard", [("c", "4")])
         self.assertEqual(one.settled_reports(), [])
 
+    def test_what_is_long_is_told_in_several_messages(self):
+        client = self.client()
+        self.watch(client, "long")
+        items = [("key%d" % number, "&lt;" * (1500 + 900 * number)) for number in range(6)] + [
+            ("huge", "x" * 32200)]
+        self.set(client, "long", items)
+        reports = client.settled_reports()
+        self.assertGreater(len(reports), 3)
+        self.assertLess(max(len(report) for report in reports), 32700)
+        self.assertEqual(re.findall("<Key>(.*?)</Key><Value>(.*?)</Value>", "".join(reports)), items)
+        rows = self.download(client, "long")
+        self.assertLess(max(len(row) for row in rows), 32700)
+        self.assertEqual(re.findall("<Key>(.*?)</Key><Value>(.*?)</Value>", "".join(rows)), sorted(items))
+        self.assertRefused(client, "<metadata_set>" + DATABASE % "long" + pairs(("huge", "x" * 32500)) +
+                           "</metadata_set>", "A key and its value are too long to be told")
+        self.erase(client, "long", [key for key, _ in items])
+        self.assertEqual(self.download(client, "long"), ["<ok />"])
+
+    def test_reports_stand_behind_the_answer(self):
+        client = self.client()
+        self.watch(client, "order")
+        self.set(client, "order", [("k", "1")])
+        self.assertEqual(client.reports, [])
+        self.assertEqual(len(client.settled_reports()), 1)
+
+    def test_a_client_has_one_watch_of_a_database(self):
+        actor, one, other = (self.client() for _ in range(3))
+        self.watch(one, "watch", prefix("a/"))
+        self.watch(one, "watch", prefix("b/"))
+        self.watch(other, "watch")
+        self.set(actor, "watch", [("a/x", "1"), ("b/x", "2")])
+        self.assertEqual([re.findall("<Key>(.*?)</Key>", report) for report in one.settled_reports()], [["b/x"]])
+        self.assertEqual(one.answer("<unwatch_metadata_database>" + DATABASE % "watch" +
+                                    "</unwatch_metadata_database>"), "<ok />")
+        other.settled_reports()
+        self.set(actor, "watch", [("b/y", "3")])
+        self.assertEqual(one.settled_reports(), [])
+        self.assertEqual(len(other.settled_reports()), 1)
+        self.watch(one, "watch")
+        one.close()
+        self.set(actor, "watch", [("b/y", "4")])
+        self.assertEqual(len(other.settled_reports()), 1)
+
+    def test_databases_are_apart(self):
+        client = self.client()
+        self.set(client, "one", [("k", "1"), ("%", "2"), ("K", "3")])
+        self.set(client, "One", [("k", "4")])
+        self.erase(client, "One", ["K"])
+        self.assertEqual(self.download(client, "one", prefix("k")), [
+            "<metadata>" + DATABASE % "one" + prefix("k") +
+            "<MetadataList><Metadata><Key /><Value>1</Value></Metadata></MetadataList></metadata>", "<ok />"])
+        self.assertEqual(self.download(client, "one", prefix("%"))[0].count("<Key"), 1)
+        self.assertEqual(self.download(client, "one")[0].count("<Key>"), 3)
+
     def test_a_bad_change_changes_nothing(self):
         client = self.client()
         self.assertRefused(client, "<metadata_set>" + DATABASE % "bad" + pairs(("k", "v"), ("", "w")) +
@@ -121,3 +175,20 @@ class Refusing(support.Case):
         self.assertEqual([answer == "<ok />" for answer in answers], [True, True, False, True, True, False, True])
         self.assertEqual(answers[2], "<error><ErrorMessage>The change of metadata is refused, as this server was asked "
                          "to do</ErrorMessage><ErrorCode>general</ErrorCode></error>")
+
+    def test_a_refused_change_changes_nothing_and_is_told_to_nobody(self):
+        client = self.client()
+        client.answer("<watch_metadata_database>" + DATABASE % "r" + "</watch_metadata_database>")
+        erase = "<metadata_erase>" + DATABASE % "r" + keys("k") + "</metadata_erase>"
+        change = "<metadata_set>" + DATABASE % "r" + pairs(("k", "%d")) + "</metadata_set>"
+        while client.answer(change % 0) == "<ok />":
+            pass
+        client.settled_reports()
+        self.assertEqual([client.answer(change % 1), client.answer(change % 2)], ["<ok />"] * 2)
+        self.assertIn("<error>", client.answer(erase))
+        self.assertEqual(client.ask("<download_metadata>" + DATABASE % "r" + "</download_metadata>")[0].count(
+            "<Value>2</Value>"), 1)
+        self.assertEqual([client.answer(erase), client.answer(erase)], ["<ok />"] * 2)
+        self.assertIn("<error>", client.answer(change % 3))
+        self.assertEqual(client.ask("<download_metadata>" + DATABASE % "r" + "</download_metadata>"), ["<ok />"])
+        self.assertEqual(len(client.settled_reports()), 3)

@@ -6,37 +6,52 @@ namespace sim {
 
 namespace {
 
-// A message may not be longer than 32768 bytes; a row is closed well before.
-constexpr std::size_t full_row = 16384;
-constexpr std::size_t pairs_of_row = 200;
+// A message may not be longer than 32768 bytes. One is closed well before; a pair that would not even fit
+// into one of its own is refused.
+constexpr std::size_t full_message = 16384;
+constexpr std::size_t items_of_message = 200;
+constexpr std::size_t longest_body = 32500;
 
 std::string prefix_of (const Arguments &arguments) {
   return arguments.maybe_text ("MetadataPrefix").value_or ("");
 }
 
-Writer started (const char *body, const std::string &name, const std::string &prefix, const char *list) {
+// A list that is told in as many messages as it takes.
+struct Told {
+  const char *body;
+  const char *list;
+  std::string name, prefix;
+
+  std::vector<std::string> messages (const std::vector<std::string> &items) const {
+    std::vector<std::string> all;
+    for (std::size_t next = 0; next < items.size ();) {
+      Writer out;
+      out.open (body).text ("MetadataDatabase", name).text ("MetadataPrefix", prefix).open (list);
+      const std::size_t first = next;
+      do
+        out.raw (items[next++]);
+      while (next < items.size () && next - first < items_of_message &&
+             out.result ().size () + items[next].size () < full_message);
+      all.push_back (out.close (list).close (body).take ());
+    }
+    return all;
+  }
+};
+
+std::string written_pair (const std::string &key, const std::string &value) {
   Writer out;
-  out.open (body).text ("MetadataDatabase", name).text ("MetadataPrefix", prefix).open (list);
-  return out;
+  out.open ("Metadata").text ("Key", key).text ("Value", value).close ("Metadata");
+  return out.take ();
 }
 
 void download_metadata (Call &call) {
-  const std::string &name = call.arguments.text ("MetadataDatabase");
-  const std::string prefix = prefix_of (call.arguments);
-  const Pairs pairs = call.world.metadata.find (name, prefix);
-  for (std::size_t next = 0; next < pairs.size ();) {
-    Writer out = started ("metadata", name, prefix, "MetadataList");
-    for (std::size_t in_row = 0;
-         next < pairs.size () && in_row < pairs_of_row && out.result ().size () < full_row;
-         ++in_row, ++next) {
-      const auto &[key, value] = pairs[next];
-      out.open ("Metadata")
-          .text ("Key", key.substr (prefix.size ()))
-          .text ("Value", value)
-          .close ("Metadata");
-    }
-    call.row (out.close ("MetadataList").close ("metadata").take ());
-  }
+  const Told told = {"metadata", "MetadataList", call.arguments.text ("MetadataDatabase"),
+                     prefix_of (call.arguments)};
+  std::vector<std::string> items;
+  for (const auto &[key, value] : call.world.metadata.find (told.name, told.prefix))
+    items.push_back (written_pair (key.substr (told.prefix.size ()), value));
+  for (const std::string &row : told.messages (items))
+    call.row (row);
 }
 
 void maybe_refuse (World &world) {
@@ -48,33 +63,29 @@ void maybe_refuse (World &world) {
 // Everyone who watches the database hears of it, the one who caused it included, but only of keys that start
 // with the prefix of the watch.
 struct Change {
-  const char *body;
-  const char *list;
-  std::string name, prefix;
+  Told told;
   std::vector<std::pair<std::string, std::string>> items; ///< full keys, and what is written for them
 };
 
-std::string written_change (const Change &change, const std::string &watched) {
-  Writer out = started (change.body, change.name, change.prefix, change.list);
-  bool any = false;
+std::vector<std::string> items_under (const Change &change, const std::string &watched) {
+  std::vector<std::string> items;
   for (const auto &[key, written] : change.items)
-    if (key.starts_with (watched)) {
-      out.raw (written);
-      any = true;
-    }
-  return any ? out.close (change.list).close (change.body).take () : std::string ();
+    if (key.starts_with (watched))
+      items.push_back (written);
+  return items;
 }
 
 void report_change (World &world, const Change &change) {
+  const std::string &name = change.told.name;
   std::set<std::string> prefixes;
   world.each_client ([&] (const Client &client) {
-    if (const auto watch = client.watched.find (change.name); watch != client.watched.end ())
+    if (const auto watch = client.watched.find (name); watch != client.watched.end ())
       prefixes.insert (watch->second);
   });
   for (const std::string &watched : prefixes)
-    if (std::string body = written_change (change, watched); !body.empty ())
+    for (std::string &body : change.told.messages (items_under (change, watched)))
       world.report_if (
-          [name = change.name, watched] (const Client &client) {
+          [name, watched] (const Client &client) {
             const auto watch = client.watched.find (name);
             return watch != client.watched.end () && watch->second == watched;
           },
@@ -83,23 +94,21 @@ void report_change (World &world, const Change &change) {
 
 void metadata_set (Call &call) {
   maybe_refuse (call.world);
-  Change change = {"metadata_change",
-                   "MetadataList",
-                   call.arguments.text ("MetadataDatabase"),
-                   prefix_of (call.arguments),
+  Change change = {{"metadata_change", "MetadataList", call.arguments.text ("MetadataDatabase"),
+                    prefix_of (call.arguments)},
                    {}};
+  const std::string &name = change.told.name, &prefix = change.told.prefix;
   for (const Element &pair : call.arguments.list ("MetadataList")) {
     const std::string &key = pair.child ("Key")->text, &value = pair.child ("Value")->text;
-    if ((change.prefix + key).empty ())
+    if ((prefix + key).empty ())
       throw Refusal ("A key is empty");
-    Writer out;
-    out.open ("Metadata").text ("Key", key).text ("Value", value).close ("Metadata");
-    change.items.emplace_back (change.prefix + key, out.take ());
+    change.items.emplace_back (prefix + key, written_pair (key, value));
+    if (change.told.messages ({change.items.back ().second}).front ().size () > longest_body)
+      throw Refusal ("A key and its value are too long to be told");
   }
   Transaction transaction (call.world.database);
   for (const Element &pair : call.arguments.list ("MetadataList"))
-    call.world.metadata.set (change.name, change.prefix + pair.child ("Key")->text,
-                             pair.child ("Value")->text);
+    call.world.metadata.set (name, prefix + pair.child ("Key")->text, pair.child ("Value")->text);
   transaction.finish ();
   report_change (call.world, change);
 }
@@ -107,11 +116,13 @@ void metadata_set (Call &call) {
 void metadata_erase (Call &call) {
   maybe_refuse (call.world);
   Change change = {
-      "metadata_remove", "KeyList", call.arguments.text ("MetadataDatabase"), prefix_of (call.arguments), {}};
+      {"metadata_remove", "KeyList", call.arguments.text ("MetadataDatabase"), prefix_of (call.arguments)},
+      {}};
+  const std::string &name = change.told.name, &prefix = change.told.prefix;
   Transaction transaction (call.world.database);
   for (const Element &key : call.arguments.list ("KeyList"))
-    if (call.world.metadata.erase (change.name, change.prefix + key.text))
-      change.items.emplace_back (change.prefix + key.text, Writer ().text ("Key", key.text).take ());
+    if (call.world.metadata.erase (name, prefix + key.text))
+      change.items.emplace_back (prefix + key.text, Writer ().text ("Key", key.text).take ());
   transaction.finish ();
   report_change (call.world, change);
 }
