@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <thread>
 
 namespace {
@@ -60,6 +61,17 @@ TEST (LeavingTheProcess, WithOpenStoresAndBlockedCallers) {
   const uint32_t retrying = open_store (orva_connect (absent.address ()), ORVA_STORE_WRITE);
   EXPECT_EQ (orva_kvstore_set (retrying, text, text), ORVA_OK);
   EXPECT_EQ (orva_kvstore_flush (retrying, 0), ORVA_TIMEOUT);
+}
+
+TEST (LeavingTheProcess, WithCallersWhoWaitForConnectionsThatNeverCome) {
+  static std::atomic<int> returned{0};
+  support::FakeServer server;
+  static const uint32_t closed = orva_connect (server.address ());
+  orva_wait_until_connected (closed);
+  orva_close (closed);
+  std::thread ([] { returned += orva_wait_until_connected (closed); }).detach ();
+  std::thread ([] { returned += orva_wait_until_connected (0); }).detach ();
+  EXPECT_FALSE (support::wait_until ([] { return returned.load () != 0; }, std::chrono::milliseconds (300)));
 }
 
 TEST (LeavingTheProcess, AThreadMayEndBeforeItsConnection) {

@@ -612,6 +612,37 @@ TEST_F (OpenCommands, EndOnceWhoeverIsFirst) {
   }
 }
 
+// Callbacks of failures that send again, on several threads that are all in the middle of a send: nobody
+// waits for anybody's lock.
+TEST_F (OpenCommands, MayBeOpenedByFailuresOnManyThreadsAtOnce) {
+  constexpr int senders = 4, rounds = 500;
+  struct Sends {
+    WireInHand &wire;
+    std::atomic<int> left{3 * senders * rounds}, opened{0}, failed{0};
+    void send () {
+      ++opened;
+      wire.stop ({.Channel = 0}, {}, AMethod::bind (this, &Sends::on_error));
+    }
+    void on_error (AString, uint32_t) {
+      ++failed;
+      if (--left >= 0)
+        send ();
+    }
+  } sends{wire};
+  wire.link_is_up = false;
+  std::vector<std::thread> threads;
+  for (int i = 0; i != senders; ++i)
+    threads.emplace_back ([&] {
+      for (int round = 0; round != rounds; ++round)
+        sends.send ();
+    });
+  for (std::thread &thread : threads)
+    thread.join ();
+  EXPECT_EQ (sends.opened, 4 * senders * rounds);
+  EXPECT_EQ (sends.failed, sends.opened);
+  EXPECT_EQ (wire.outstanding_count (), 0u);
+}
+
 // Commands that are opened while another thread fails everything: none is left behind.
 TEST_F (OpenCommands, AreNeverForgottenByARunThatEnds) {
   constexpr int senders = 4, rounds = 2000;

@@ -1,15 +1,21 @@
-// Callers on Linux whose threads are interrupted by signals all the time, as a host with profiling timers
-// does.
+// What a connection costs its host on Linux, and callers whose threads are interrupted by signals all the
+// time, as those of a host with profiling timers are.
 #include "exports/session.h"
 #include "support/soak.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <csignal>
+#include <dirent.h>
+#include <fstream>
 #include <list>
 #include <pthread.h>
+#include <set>
+#include <sys/resource.h>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -33,6 +39,43 @@ public:
 private:
   struct sigaction before_ {};
 };
+
+// The numbers of this process's threads, in order.
+std::set<pid_t> threads () {
+  std::set<pid_t> all;
+  DIR *const tasks = opendir ("/proc/self/task");
+  while (const dirent *task = readdir (tasks))
+    if (task->d_name[0] != '.')
+      all.insert (static_cast<pid_t> (std::stol (task->d_name)));
+  closedir (tasks);
+  return all;
+}
+
+// The mask of blocked signals as the system tells it, bit n - 1 for signal n.
+unsigned long blocked_signals (pid_t thread) {
+  std::ifstream status ("/proc/self/task/" + std::to_string (thread) + "/status");
+  for (std::string line; std::getline (status, line);)
+    if (line.rfind ("SigBlk:", 0) == 0)
+      return std::stoul (line.substr (7), nullptr, 16);
+  return 0;
+}
+
+TEST (AConnection, CostsOneThreadJustBelowNormalThatNoSignalReaches) {
+  FakeServer server;
+  const std::set<pid_t> before = threads ();
+  const Session session (server);
+  std::set<pid_t> added;
+  for (const pid_t thread : threads ())
+    if (before.count (thread) == 0)
+      added.insert (thread);
+  ASSERT_EQ (added.size (), 1u);
+  const pid_t thread = *added.begin ();
+  const int own = getpriority (PRIO_PROCESS, static_cast<id_t> (gettid ()));
+  EXPECT_EQ (getpriority (PRIO_PROCESS, static_cast<id_t> (thread)), std::min (own + 1, 19));
+  for (const int number : {SIGHUP, SIGINT, SIGQUIT, SIGUSR1, SIGUSR2, SIGPIPE, SIGALRM, SIGTERM, SIGCHLD,
+                           SIGPROF, SIGVTALRM, SIGRTMIN + 3})
+    EXPECT_NE (blocked_signals (thread) >> (number - 1) & 1, 0u) << number;
+}
 
 TEST (InterruptedCallers, GetTheirOwnAnswersAndFullWaits) {
   const Handler handler;

@@ -61,6 +61,21 @@ TEST (Connections, ComeBackAfterALoss) {
   EXPECT_TRUE (support::wait_until ([&] { return orva_cmd_stop1 (session, 0) == ORVA_OK; }));
 }
 
+TEST (Connections, AreDownWhileTheServerIsAway) {
+  FakeServer server;
+  server.answer_any ("<ok />");
+  const Session session (server);
+  server.refuse ();
+  server.drop ();
+  EXPECT_TRUE (support::wait_until ([&] { return orva_connected (session) == 0; }));
+  EXPECT_EQ (orva_cmd_stop1 (session, 0), ORVA_ERROR);
+  EXPECT_EQ (last_error (), "Failing all outstanding commands");
+  EXPECT_EQ (orva_connected (session), 0);
+  server.listen ();
+  EXPECT_EQ (orva_wait_until_connected (session), 1);
+  EXPECT_EQ (server.command_count (), 0u);
+}
+
 TEST (Connections, AreUnknownOnceClosed) {
   FakeServer server;
   Session session (server);
@@ -136,6 +151,21 @@ TEST (LastError, FollowsTheRuleOfBuffers) {
   orva_get_last_error (OrvaStringBuffer{&untouched, 0});
   EXPECT_EQ (untouched, orva_char ('#'));
   orva_get_last_error (OrvaStringBuffer{nullptr, 0});
+}
+
+TEST (LastError, IsLeftAloneByFunctionsWithoutACode) {
+  FakeServer server;
+  EXPECT_EQ (orva_cmd_stop1 (0, 0), ORVA_INVALID_HANDLE);
+  const uint32_t connection = orva_connect (server.address ());
+  orva_wait_until_connected (connection);
+  orva_connected (connection);
+  orva_synchronous (connection, 1);
+  orva_sync (connection);
+  orva_close_clip_list (0);
+  orva_close_directory_list (0);
+  EXPECT_EQ (orva_get_notification (connection, 0, nullptr, nullptr), ORVA_OK);
+  orva_close (connection);
+  EXPECT_EQ (last_error (), "Invalid handle");
 }
 
 // --- Commands that fail
