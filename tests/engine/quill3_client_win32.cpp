@@ -1,0 +1,24 @@
+// What the end of a process does to a connection on Windows: the system ends its thread wherever it is, and
+// only then are the libraries told, which may still close their connections.
+#include "engine/connection.h"
+
+#include <windows.h>
+
+namespace {
+
+using namespace connection;
+
+TEST_F (Connection, DoesNotWaitForAThreadThatTheSystemHasEnded) {
+  std::atomic<uint32_t> thread{0};
+  client.when_connected = [&] { thread = platform::thread_number (); };
+  start ();
+  ASSERT_TRUE (wait_until ([&] { return thread != 0; }));
+  HANDLE handle = OpenThread (THREAD_TERMINATE | SYNCHRONIZE, FALSE, thread);
+  ASSERT_NE (handle, nullptr);
+  ASSERT_TRUE (TerminateThread (handle, 0));
+  EXPECT_EQ (WaitForSingleObject (handle, 20000), WAIT_OBJECT_0);
+  CloseHandle (handle);
+  client.stop_and_join ();
+}
+
+} // namespace
