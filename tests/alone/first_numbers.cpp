@@ -1,4 +1,4 @@
-// What the first connections and commands of a process are numbered.
+// What the first connections, commands and stores of a process are numbered.
 #include "orva.h"
 #include "support/fake_server.h"
 
@@ -23,6 +23,13 @@ TEST (FirstNumbers, ConnectionsAndCommandsAreCountedFromOne) {
              "<cmd>\r\n<xid>2</xid>\r\n<stop>\r\n<Channel>A</Channel>\r\n</stop>\r\n</cmd>");
   EXPECT_NE (server.command (1).connection, server.command (2).connection);
   orva_close (first);
+  const orva_char text[] = {'k', 0};
+  for (uint32_t expected = 1; expected != 3; ++expected) {
+    uint32_t store = 0;
+    EXPECT_EQ (orva_open_kvstore (second, text, text, ORVA_STORE_READ, &store), ORVA_OK);
+    EXPECT_EQ (store, expected) << "stores have numbers of their own";
+    orva_close_key_value_store (store);
+  }
   EXPECT_EQ (orva_connect (server.address ()), 3u) << "numbers are not used again";
   orva_close (second);
   orva_close (3);

@@ -10,6 +10,7 @@
 
 #include <map>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -210,14 +211,20 @@ TEST_F (KVStoreTest, FoldsAllSequencesOfFiveEvents) {
   }
 }
 
-TEST_F (KVStoreTest, APendingSettingAndErasureReplaceEachOther) {
-  KVStore &store = open (u"p/", ORVA_STORE_WRITE); // there is no server, so all stays pending
+// There is no server, so all stays pending.
+TEST_F (KVStoreTest, WhatIsPendingIsWaitedForUntilTheStoreHasEnded) {
+  KVStore store (connection_, u"CUES", u"p/", ORVA_STORE_WRITE);
   EXPECT_EQ (store.flush (0), 0u);
   EXPECT_EQ (store.set (u"k", u"1"), 0u);
   EXPECT_EQ (store.flush (0), 5u);
   EXPECT_EQ (last_error_text ().to_std_string (), "Timeout");
   EXPECT_EQ (store.erase (u"k"), 0u);
   EXPECT_EQ (store.flush (0), 5u);
+  ResultCode flushed = 77;
+  std::thread waiting ([&] { flushed = store.flush (60000); });
+  store.close ();
+  waiting.join ();
+  EXPECT_EQ (flushed, 0u) << "nothing will become of it any more";
 }
 
 TEST_F (KVStoreTest, TheSameStoreTwiceIsAFault) {

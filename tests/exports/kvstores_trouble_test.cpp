@@ -180,6 +180,26 @@ TEST (Stores, ADownloadAnsweredWithSomethingElseNeverCountsAsDone) {
   EXPECT_EQ (orva_kvstore_wait_scan (second, 0), ORVA_TIMEOUT);
 }
 
+TEST (Stores, AClosedStoreStaysUntilItsCallersReturn) {
+  MetadataServer server;
+  uint32_t code = 77;
+  std::thread waiting;
+  {
+    const SettledSession session (server);
+    Store store (session, "CUES", "", ORVA_STORE_READ);
+    waiting = std::thread ([&, handle = uint32_t{store}] {
+      uint32_t type = 0;
+      const OrvaStringBuffer none{nullptr, 0};
+      code = orva_kvstore_get_change (handle, 1000, &type, none, none);
+    });
+    EXPECT_EQ (orva_kvstore_wait_scan (store, generous_milliseconds), ORVA_OK);
+    store.close ();
+  }
+  waiting.join ();
+  EXPECT_TRUE (code == ORVA_TIMEOUT || code == ORVA_INVALID_HANDLE) << "the latter when it came too late";
+  EXPECT_TRUE (server.wait_until_left ());
+}
+
 TEST (Stores, AReaderClosesWithoutWaiting) {
   FakeServer server;
   const SettledSession session (server);

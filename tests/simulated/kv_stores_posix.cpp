@@ -179,6 +179,26 @@ private:
   std::thread thread_;
 };
 
+TEST (StoresOfASimulatedServer, AreToldTheirOwnWritesAndThoseOfOthers) {
+  const SimulatorProcess server ({"--quiet"});
+  const Session session (server.address ());
+  const Session other_session (server.address ());
+  Store one (session, "<&>", "p/", ORVA_STORE_READ_WRITE);
+  Store other (other_session, "<&>", "", ORVA_STORE_READ_WRITE);
+  for (const Store *store : {&one, &other})
+    EXPECT_EQ (orva_kvstore_wait_scan (*store, generous_milliseconds), ORVA_OK);
+  one.set ("<a> & \"b\"", "]]>");
+  EXPECT_EQ (change (one), "<a> & \"b\"=]]>");
+  EXPECT_EQ (change (other), "p/<a> & \"b\"=]]>");
+  other.erase ("p/<a> & \"b\"");
+  EXPECT_EQ (change (one), "<a> & \"b\" gone");
+  EXPECT_EQ (change (other), "p/<a> & \"b\" gone");
+  other.set ("p", "1"); // outside the prefix
+  other.set ("p/", "2");
+  other.set ("p/k", "");
+  EXPECT_EQ (change (one), "k=");
+}
+
 class StoresOfAServerThatDies : public testing::Test {
 protected:
   void pause () { std::this_thread::sleep_for (std::chrono::milliseconds (any_ (12))); }
