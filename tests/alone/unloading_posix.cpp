@@ -48,7 +48,7 @@ private:
   void *handle_;
 };
 
-#define IN(library, name) (library).function<decltype (name)> (#name)
+#define FROM(library, name) (library).function<decltype (name)> (#name)
 
 TEST (Unloading, LeavesOpenConnectionsAtWork) {
   FakeServer server, silent;
@@ -58,14 +58,14 @@ TEST (Unloading, LeavesOpenConnectionsAtWork) {
   uint32_t connection = 0;
   {
     const Library library;
-    connection = IN (library, orva_connect) (server.address ());
-    IN (library, orva_wait_until_connected) (connection);
-    EXPECT_EQ (IN (library, orva_cmd_stop1) (connection, 0), ORVA_OK);
-    const uint32_t unanswered = IN (library, orva_connect) (silent.address ());
-    IN (library, orva_wait_until_connected) (unanswered);
-    IN (library, orva_synchronous) (unanswered, 1);
-    EXPECT_EQ (IN (library, orva_cmd_stop1) (unanswered, 0), ORVA_OK);
-    IN (library, orva_connect) (absent.address ());
+    connection = FROM (library, orva_connect) (server.address ());
+    FROM (library, orva_wait_until_connected) (connection);
+    EXPECT_EQ (FROM (library, orva_cmd_stop1) (connection, 0), ORVA_OK);
+    const uint32_t unanswered = FROM (library, orva_connect) (silent.address ());
+    FROM (library, orva_wait_until_connected) (unanswered);
+    FROM (library, orva_synchronous) (unanswered, 1);
+    EXPECT_EQ (FROM (library, orva_cmd_stop1) (unanswered, 0), ORVA_OK);
+    FROM (library, orva_connect) (absent.address ());
   }
   // Its threads go on: each of these runs code of the library.
   ASSERT_TRUE (silent.wait_for_commands (1));
@@ -79,8 +79,8 @@ TEST (Unloading, LeavesOpenConnectionsAtWork) {
   EXPECT_TRUE (absent.wait_for_connections (1));
 
   const Library again;
-  EXPECT_TRUE (support::wait_until ([&] { return IN (again, orva_cmd_stop1) (connection, 0) == ORVA_OK; }));
-  IN (again, orva_close) (connection);
+  EXPECT_TRUE (support::wait_until ([&] { return FROM (again, orva_cmd_stop1) (connection, 0) == ORVA_OK; }));
+  FROM (again, orva_close) (connection);
   EXPECT_TRUE (server.wait_until_left ());
 }
 
@@ -89,10 +89,10 @@ TEST (Unloading, HappensAgainAndAgainWithoutGrowth) {
   server.answer_any ("<ok />");
   for (int round = 0; round != 5; ++round) {
     const Library library;
-    const uint32_t connection = IN (library, orva_connect) (server.address ());
-    IN (library, orva_wait_until_connected) (connection);
-    EXPECT_EQ (IN (library, orva_cmd_stop1) (connection, 0), ORVA_OK);
-    IN (library, orva_close) (connection);
+    const uint32_t connection = FROM (library, orva_connect) (server.address ());
+    FROM (library, orva_wait_until_connected) (connection);
+    EXPECT_EQ (FROM (library, orva_cmd_stop1) (connection, 0), ORVA_OK);
+    FROM (library, orva_close) (connection);
   }
   EXPECT_TRUE (server.wait_until_left ());
 }
