@@ -192,6 +192,31 @@ class Transport(support.Case):
         desk.do("play", "<Speed>100X</Speed>")
         desk.wait_status("stop")
 
+    def test_each_kind_of_loop(self):
+        kinds = (("B", "loop", "1.5X", 0, True), ("C", "loop", "-1.5X", 300, True), ("D", "loopto", "1.5X", 0, False),
+                 ("E", "pingpong", "-2X", 0, True), ("F", "pingpongto", "-2X", 240, False))
+        desks = []
+        for letter, loop, speed, start, _ in kinds:
+            desks.append(self.desk(letter, "COUNTDOWN", "<Loop>%s</Loop><GotoPosition>%d</GotoPosition>"
+                                   "<LoopIn>100</LoopIn><LoopOut>111</LoopOut>" % (loop, start)))
+            desks[-1].register("timecode", "speed")
+            desks[-1].client.settled_reports()
+            desks[-1].do("play", "<Speed>%s</Speed>" % speed)
+        for desk, (_, loop, _, start, inside_at_once) in zip(desks, kinds):
+            seen, speeds = [], set()
+            while len([position for position in seen if 100 <= position <= 111]) < 40:
+                report = desk.client.wait_report(lambda report: True)
+                if "channel_speed" in report:
+                    speeds.add(tag(report, "Speed"))
+                elif tag(report, "ClipPosition") != str(start):
+                    seen.append(int(tag(report, "ClipPosition")))
+            with self.subTest(loop=loop, start=start, seen=seen):
+                self.assertEqual(100 <= seen[0] <= 111, inside_at_once)
+                self.assertTrue(all(100 <= position <= 111 for position in seen[-40:]))
+                self.assertGreater(len(set(seen[-40:])), 3)
+                self.assertEqual(len(speeds), 2 if "pingpong" in loop else 1, speeds)
+            desk.do("unload")
+
     def test_ping_pong_turns_round(self):
         desk = self.desk("B", "COUNTDOWN", "<Loop>pingpongto</Loop><LoopIn>20</LoopIn><LoopOut>40</LoopOut>")
         desk.register("speed", "timecode")
@@ -301,6 +326,28 @@ class Transport(support.Case):
         self.assertEqual(tag(desk.present("speed"), "Speed"), "100X")
         desk.do("unload")
 
+    def test_what_waits_for_a_stop_comes_at_the_end_too(self):
+        desk = self.desk("B", "COUNTDOWN")
+        desk.do("precue", "<ClipID>BARS</ClipID><PrecueCondition>previous_stops</PrecueCondition>"
+                "<GotoPosition>30</GotoPosition>")
+        desk.do("stop")
+        self.assertEqual(tag(desk.present("clipid"), "ClipID"), "COUNTDOWN")
+        desk.do("play", "<Speed>100X</Speed>")
+        desk.register("clipid")
+        desk.client.wait_report(lambda report: ">BARS<" in report)
+        self.assertEqual(desk.status(), "stop")
+        self.assertEqual(desk.position(), 30)
+
+    def test_what_waits_for_the_switch_waits(self):
+        desk = self.desk("B", "COUNTDOWN")
+        desk.do("precue", "<ClipID>BARS</ClipID><PrecueCondition>explicit_switch</PrecueCondition>")
+        desk.do("play", "<Speed>100X</Speed>")
+        desk.wait_status("stop")
+        desk.do("stop")
+        self.assertEqual(tag(desk.present("info"), "PrecueCount"), "1")
+        self.assertEqual(tag(desk.present("clipid"), "ClipID"), "COUNTDOWN")
+        desk.do("precue_clear")
+
     def test_take(self):
         desk = self.desk("C", "BARS")
         desk.do("precue", "<ClipID>COUNTDOWN</ClipID>")
@@ -336,6 +383,49 @@ class Transport(support.Case):
         self.assertEqual(client.answer("<gang_stop><ChannelSet></ChannelSet></gang_stop>"), "<ok />")
         self.assertRefused(client, "<gang_stop>" + gang("AL") + "</gang_stop>",
                            "Channel L does not exist, this server has A to H")
+
+    def test_gangs_keep_their_distance(self):
+        client = self.client()
+        desks = [self.desk(letter, "BARS", "<GotoPosition>%d</GotoPosition>" % place)
+                 for letter, place in (("B", 5000), ("C", 5100), ("G", 9000))]
+
+        def do(command, arguments=""):
+            self.assertEqual(client.answer("<%s>%s%s</%s>" % (command, gang("BCG"), arguments, command)), "<ok />")
+
+        for speed in ("1.5X", "-0.75X"):
+            do("gang_play", "<Speed>%s</Speed>" % speed)
+            place = desks[0].position()
+            desks[0].wait_position(lambda position: abs(position - place) > 20)
+            do("gang_stop")
+            places = [desk.position() for desk in desks]
+            self.assertEqual((places[1] - places[0], places[2] - places[0]), (100, 4000), speed)
+        do("gang_jog", "<JogDistance>-7</JogDistance>")
+        self.assertEqual([desk.position() for desk in desks], [place - 7 for place in places])
+
+    def test_positions_come_once_a_field_at_most(self):
+        desk = self.desk("D", "BARS")
+        desk.register("timecode")
+        start, count = time.monotonic(), 0
+        while count < 40:
+            desk.do("jog", "<JogDistance>1</JogDistance>")
+            count += len([report for report in desk.client.settled_reports() if "channel_timecode" in report])
+        self.assertGreaterEqual((time.monotonic() - start) * 50, 37)
+
+    def test_registrations_belong_to_the_connection_and_the_channel_to_the_server(self):
+        desk = self.desk("E", "BARS")
+        other = Desk(self, "E")
+        desk.register("status", "clipid", "info")
+        desk.client.settled_reports()
+        other.do("cue_clip", "<ClipID>COUNTDOWN</ClipID><GotoPosition>50</GotoPosition>")
+        desk.client.wait_report(lambda report: "<ClipID>COUNTDOWN</ClipID>" in report)
+        self.assertEqual(other.client.settled_reports(), [])
+        desk.client.close()
+        again = Desk(self, "E")
+        self.assertEqual(again.position(), 50)
+        other.do("set_loop", "<Loop>loop</Loop>")
+        self.assertEqual(again.client.settled_reports(), [])
+        self.assertEqual(tag(again.present("info"), "Loop"), "loop")
+        other.do("unload")
 
     def test_steal(self):
         one, other = self.client(), self.client()
@@ -383,3 +473,24 @@ class NothingLoaded(support.Case):
 
     def test_channels_are_idle(self):
         self.assertEqual(Desk(self, "A").status(), "idle")
+
+
+class FieldRate(support.Case):
+    arguments = ("--standard", "1080_47_95i")
+
+    def test_it_is_the_standard_s_in_both_directions(self):
+        desk = Desk(self, "A")
+        desk.do("gotocmd", "<GotoPosition>9000</GotoPosition>")
+        for speed in (1.0, -1.0, 2.5, -0.5):
+            desk.do("play", "<Speed>%gX</Speed>" % speed)
+            before = time.monotonic()
+            first = desk.position()
+            after = time.monotonic()
+            desk.wait_position(lambda position: abs(position - first) >= 25 * abs(speed))
+            before_last = time.monotonic()
+            last = desk.position()
+            after_last = time.monotonic()
+            with self.subTest(speed=speed):
+                fields = (last - first) / speed
+                self.assertGreaterEqual(fields, (before_last - after) * 48000 / 1001 - 3)
+                self.assertLessEqual(fields, (after_last - before) * 48000 / 1001 + 3)
