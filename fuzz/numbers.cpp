@@ -1,25 +1,15 @@
 // Number parsers and printers against a model that reckons in 128 bits and in decimal digits. The input is
 // one text in Latin-1; its bytes also serve as numbers to print.
 #include "base/astring.h"
+#include "require.h"
 
 #include <atomic>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 
 namespace {
 
 __extension__ using uint128 = unsigned __int128;
-
-void require (bool holds) {
-  if (!holds)
-    std::abort ();
-}
-
-unsigned reports = 0;
-void count_report (const char *, const char *, unsigned) {
-  ++reports;
-}
 
 std::string trimmed (const std::string &text) {
   const char *blanks = " \t\n\r\v\f";

@@ -1,8 +1,8 @@
 // Templates against a model on plain strings. The first line is the template, each other line a value.
 #include "base/astringformat.h"
+#include "require.h"
 
 #include <cctype>
-#include <cstdlib>
 #include <string>
 #include <utility>
 #include <vector>
@@ -47,11 +47,6 @@ std::string joined (const std::vector<Piece> &pieces) {
   for (const Piece &piece : pieces)
     text += piece.text;
   return text;
-}
-
-void require (bool holds) {
-  if (!holds)
-    std::abort ();
 }
 
 } // namespace

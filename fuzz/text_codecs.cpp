@@ -1,24 +1,14 @@
 // Text from outside: what UTF-8 and UTF-16 decode to, that nothing they hold is reported, and that it comes
 // back.
 #include "base/astring.h"
+#include "require.h"
 
 #include <algorithm>
 #include <atomic>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 namespace {
-
-void require (bool holds) {
-  if (!holds)
-    std::abort ();
-}
-
-unsigned reports = 0;
-void count_report (const char *, const char *, unsigned) {
-  ++reports;
-}
 
 // The code point that `bytes` begins with, decoded by bit patterns. Gives its length, 0 when it is refused.
 size_t model_utf8 (const unsigned char *bytes, size_t available, uint32_t *value) {
