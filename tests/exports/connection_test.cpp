@@ -185,7 +185,7 @@ TEST (Refusals, ArriveWithTheServersTextAsItCame) {
 
 TEST (Refusals, AreForgottenWithTheNextSuccess) {
   FakeServer server;
-  server.answer ("stop", "<error><ErrorMessage>No</ErrorMessage><ErrorCode>general</ErrorCode></error>");
+  server.answer ("stop", refused ("No"));
   server.answer ("play", "<ok />");
   const Session session (server);
   EXPECT_EQ (orva_cmd_stop1 (session, 0), ORVA_ERROR);
@@ -380,7 +380,7 @@ TEST (Asynchronous, CommandsOnADownedConnectionGiveOk) {
 
 TEST (Asynchronous, RefusalsAreNeverSeen) {
   FakeServer server;
-  server.answer_any ("<error><ErrorMessage>No</ErrorMessage><ErrorCode>general</ErrorCode></error>");
+  server.answer_any (refused ("No"));
   const Session session (server);
   orva_synchronous (session, 1);
   EXPECT_EQ (orva_cmd_stop1 (session, 0), ORVA_OK);
@@ -410,7 +410,7 @@ TEST (Asynchronous, KeepsTheMannerInWhichACommandStarted) {
   server.silent (false);
   server.answer ("play", "<ok />");
   EXPECT_EQ (orva_cmd_play1 (session, 0), ORVA_OK);
-  server.answer_any ("<error><ErrorMessage>No</ErrorMessage><ErrorCode>general</ErrorCode></error>");
+  server.answer_any (refused ("No"));
   EXPECT_EQ (orva_cmd_stop1 (session, 0), ORVA_ERROR) << "commands wait again";
 }
 

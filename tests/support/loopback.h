@@ -3,8 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Bare sockets for the far end of a connection in tests. Addresses and ports are in host byte order.
-/// Failures end the test program: they are faults of the machine, not of what is tested.
+/// The far end of a connection in tests of single sockets: as support::net, but every call waits until it is
+/// done, and a failure to get a socket at all ends the test program. Addresses and ports are in host byte
+/// order.
 namespace loopback {
 
 using Handle = intptr_t;

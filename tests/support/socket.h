@@ -37,6 +37,9 @@ void silence (Handle bell);
 /// A listening, non-blocking stream socket; no_handle when somebody else listens there.
 Handle listen_on (uint32_t address, uint16_t port, int backlog);
 
+/// The port of a socket.
+uint16_t port_of (Handle handle);
+
 /// The next connection that waits at a listener, non-blocking and without delay; no_handle when there is
 /// none.
 Handle accept_one (Handle listener);
