@@ -825,7 +825,7 @@ ORVA_API uint32_t orva_playlist_count (uint32_t connection, uint32_t channel, ui
  * A store is a view of one part, told by a prefix, of a named metadata database of the server, called a
  * folder here: keys and values that are texts. What a caller sets and erases goes out by itself, on a thread
  * of the store's own, one key at a time, and is tried again every 200 ms until the server has accepted it: a
- * key that the server always refuses holds up the others. Only the last value of a key that is set repeatedly
+ * key that the server always refuses may hold up others. Only the last value of a key that is set repeatedly
  * need go out, and settings go before erasures. What changes on the server, whoever changed it, is told as
  * changes; a key that changes many times before the caller looks is told once, with its last state, in the
  * order of first changes. A store that reads and writes is told its own writes too.

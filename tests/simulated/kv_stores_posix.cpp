@@ -199,6 +199,25 @@ TEST (StoresOfASimulatedServer, AreToldTheirOwnWritesAndThoseOfOthers) {
   EXPECT_EQ (change (one), "k=");
 }
 
+TEST (StoresOfASimulatedServer, AreToldTheWholeFolderByItsScan) {
+  const SimulatorProcess server ({"--quiet"});
+  const Session session (server.address ());
+  Store writer (session, "CUES", "all/", ORVA_STORE_WRITE);
+  Table expected;
+  for (int number = 0; number != 600; ++number) {
+    const std::string key = std::to_string (number);
+    writer.set (key.c_str (), "v");
+    expected[key] = "v";
+  }
+  EXPECT_EQ (orva_kvstore_flush (writer, generous_milliseconds), ORVA_OK);
+  const Store reader (session, "CUES", "all/", ORVA_STORE_READ);
+  EXPECT_EQ (orva_kvstore_wait_scan (reader, generous_milliseconds), ORVA_OK);
+  Table told;
+  for (std::string one; !(one = change (reader, 0)).empty ();)
+    told[one.substr (0, one.find ('='))] = one.substr (one.find ('=') + 1);
+  EXPECT_EQ (told, expected);
+}
+
 class StoresOfAServerThatDies : public testing::Test {
 protected:
   void pause () { std::this_thread::sleep_for (std::chrono::milliseconds (any_ (12))); }
