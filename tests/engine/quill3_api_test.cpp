@@ -692,35 +692,39 @@ TEST_F (OpenCommands, OfOtherThreadsAreNotFailedByARunThatHasBegun) {
   EXPECT_THAT (notes.lines (), ElementsAre ("left ok"));
 }
 
-// Callers who open a new command whenever one has failed do not keep a run from its end.
+// Another caller opens a new command whenever one has failed, before the next one fails: that does not keep a
+// run from its end.
 TEST_F (OpenCommands, AreFailedInARunThatEndsHoweverBusyOthersAre) {
-  std::atomic<bool> done{false};
-  std::atomic<unsigned> opened{0}, failed{0};
-  struct Count {
-    std::atomic<unsigned> &failed;
-    void on_error (AString, uint32_t) { ++failed; }
-  } count{failed};
-  std::vector<std::thread> threads;
-  for (int i = 0; i != 4; ++i)
-    threads.emplace_back ([&] {
-      while (!done) {
-        ++opened;
-        wire.stop ({.Channel = 0}, {}, AMethod::bind (&count, &Count::on_error));
-        while (wire.outstanding_count () > 2000 && !done) // nobody answers
-          std::this_thread::yield ();
+  struct Refills {
+    WireInHand &wire;
+    std::binary_semaphore wanted{0}, opened{0};
+    std::atomic<int> failed{0};
+    std::atomic<bool> done{false};
+    void open () { wire.stop ({.Channel = 0}, {}, AMethod::bind (this, &Refills::on_error)); }
+    void on_error (AString, uint32_t) {
+      if (++failed > 1000 || done)
+        return;
+      wanted.release ();
+      opened.acquire ();
+    }
+    void refill () {
+      for (wanted.acquire (); !done; wanted.acquire ()) {
+        open ();
+        opened.release ();
       }
-    });
-  for (int run = 0; run != 20; ++run) {
-    while (wire.outstanding_count () < 100)
-      std::this_thread::yield ();
-    wire.fail_all_commands ();
-  }
-  done = true;
-  for (std::thread &thread : threads)
-    thread.join ();
+    }
+  } refills{wire};
+  std::thread busy ([&] { refills.refill (); });
+  for (int i = 0; i != 5; ++i)
+    refills.open ();
   wire.fail_all_commands ();
-  EXPECT_EQ (failed, opened);
-  EXPECT_EQ (wire.outstanding_count (), 0u);
+  EXPECT_EQ (refills.failed, 5);
+  EXPECT_EQ (wire.outstanding_count (), 5u);
+  refills.done = true;
+  refills.wanted.release ();
+  busy.join ();
+  wire.fail_all_commands ();
+  EXPECT_EQ (refills.failed, 10);
 }
 
 TEST (Registry, HoldsAHundredThousandOpenCommands) {
