@@ -13,6 +13,7 @@ namespace {
 
 using Pair = std::pair<uint32_t, uint32_t>;
 
+/// Opens the way to what only handlers reach.
 class Observed : public OrvaConnObject {
 public:
   using OrvaConnObject::channel_cache;
@@ -42,7 +43,9 @@ protected:
                                   "</ListPlaybackIndex>");
   }
 
-  ChannelCache &cache (uint32_t channel = 1) { return connection_->channel_cache (channel); }
+  ChannelCache &cache (uint32_t channel = 1) {
+    return (connection_.get ()->*&Observed::channel_cache) (channel);
+  }
   ListPlayState &list () { return cache ().listplay.value; }
 
   /// The clips of the list, "-" for a place without an element.
@@ -63,14 +66,14 @@ protected:
   std::vector<Pair> notices () {
     std::vector<Pair> all;
     for (Pair pair (1, 0); pair.first != 0;) {
-      connection_->notifier ().take (0, &pair.first, &pair.second);
+      (connection_.get ()->*&Observed::notifier) ().take (0, &pair.first, &pair.second);
       if (pair.first != 0)
         all.push_back (pair);
     }
     return all;
   }
 
-  ARef<Observed> connection_ = ARef<Observed>::create ();
+  ARef<OrvaConnObject> connection_ = ARef<OrvaConnObject>::create ();
 };
 
 TEST_F (ChannelCacheTest, StartsEmpty) {
@@ -313,6 +316,26 @@ TEST_F (ChannelCacheTest, UnloadedTakesAllButTheLoop) {
   EXPECT_EQ (list ().loop.value_or (9), 1u);
   EXPECT_EQ (clips (), "");
   EXPECT_EQ (positions (), "- - - ");
+}
+
+// No report lets these queries succeed; what they would give then is in the mirror.
+TEST_F (ChannelCacheTest, PlaylistQueriesReadTheMirror) {
+  cache ().listplay.registered.store (1);
+  uint32_t loaded = 77;
+  uint32_t count = 77;
+  EXPECT_EQ (OrvaConnObject::playlist_status (connection_, 1, &loaded), 0u);
+  EXPECT_EQ (OrvaConnObject::playlist_count (connection_, 1, &count), 0u);
+  EXPECT_EQ (loaded, 0u);
+  EXPECT_EQ (count, 0u);
+  listplay ("list", "<ListID>EVENING</ListID><ListPlayMode>pgm_pvw</ListPlayMode>");
+  item ("exists", 0, "a");
+  item ("exists", 1, "b");
+  EXPECT_EQ (OrvaConnObject::playlist_status (connection_, 1, &loaded), 0u);
+  EXPECT_EQ (OrvaConnObject::playlist_count (connection_, 1, &count), 0u);
+  EXPECT_EQ (loaded, 1u);
+  EXPECT_EQ (count, 2u);
+  EXPECT_EQ (OrvaConnObject::playlist_status (connection_, 1, nullptr), 0u);
+  EXPECT_EQ (OrvaConnObject::playlist_count (connection_, 1, nullptr), 0u);
 }
 
 TEST_F (ChannelCacheTest, CountLeavesOutAnEmptyLastElement) {

@@ -429,6 +429,47 @@ TEST (Channels, ANewConnectionRegistersClipsThenDirectoriesThenChannelsThenFolde
   orva_close_key_value_store (store);
 }
 
+TEST (Channels, TwoThreadsMayRegisterOneItemAtATime) {
+  FakeServer server;
+  const Session session (server);
+  std::thread one ([&] { EXPECT_EQ (number (orva_channel_position, session, 0), 42u); });
+  std::thread other ([&] { EXPECT_EQ (number (orva_channel_position, session, 0), 42u); });
+  for (size_t i = 1; i <= 2; ++i) {
+    const support::Command command = server.command (i);
+    EXPECT_EQ (command.document, document (command.xid, registration ("A", "timecode")));
+  }
+  for (const support::Command &command : server.commands ())
+    server.send (registration_reply (command));
+  one.join ();
+  other.join ();
+  EXPECT_EQ (server.command_count (), 2u);
+}
+
+TEST (Channels, TheFirstQueryWaitsOnAnAsynchronousConnectionToo) {
+  ReportingServer server;
+  const Session session (server);
+  orva_synchronous (session, 1);
+  EXPECT_EQ (number (orva_channel_position, session, 0), 42u);
+  server.answer ("channel_report_register",
+                 "<error><ErrorMessage>Not now</ErrorMessage><ErrorCode>general</ErrorCode></error>");
+  uint32_t value = 77;
+  EXPECT_EQ (orva_channel_position (session, 1, &value), ORVA_ERROR);
+  EXPECT_EQ (last_error (), "Not now");
+}
+
+TEST (Channels, AClipsNameFollowsTheRuleOfBuffers) {
+  ReportingServer server;
+  const Session session (server);
+  const auto cut = [&] (uint32_t capacity) {
+    return filled ([&] (OrvaStringBuffer text) { EXPECT_EQ (orva_channel_clip (session, 0, text), ORVA_OK); },
+                   capacity);
+  };
+  EXPECT_EQ (cut (9), "NEWS0123");
+  EXPECT_EQ (cut (8), "NEWS012");
+  EXPECT_EQ (cut (1), "");
+  EXPECT_EQ (orva_channel_clip (session, 0, OrvaStringBuffer{nullptr, 0}), ORVA_OK);
+}
+
 // The value that the query waits for comes on a link that nobody has registered anything on.
 TEST (Channels, ALinkThatComesDuringTheFirstWaitIsAskedToo) {
   FakeServer server;

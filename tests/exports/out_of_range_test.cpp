@@ -27,6 +27,30 @@ struct Taker {
   const char *element; ///< '|' stands for CR LF
 };
 
+/// What all of them have in common: a wrong number of a connection gives code 3, the server's refusal arrives
+/// with its text, and nobody waits who does not want to.
+template <class Value>
+void expect_manners (const std::vector<Taker<Value>> &commands, Value value) {
+  support::FakeServer server;
+  server.answer_any ("<error><ErrorMessage>Not now</ErrorMessage><ErrorCode>general</ErrorCode></error>");
+  const Session session (server);
+  for (const Taker<Value> &taker : commands) {
+    SCOPED_TRACE (taker.what);
+    EXPECT_EQ (taker.call (0, value), ORVA_INVALID_HANDLE);
+    EXPECT_EQ (last_error (), "Invalid handle");
+    EXPECT_EQ (taker.call (session, value), ORVA_ERROR);
+    EXPECT_EQ (last_error (), "Not now");
+  }
+  server.silent (true);
+  orva_synchronous (session, 1);
+  for (const Taker<Value> &taker : commands)
+    EXPECT_EQ (taker.call (session, value), ORVA_OK) << taker.what;
+  EXPECT_TRUE (server.wait_for_commands (2 * commands.size ()));
+  EXPECT_EQ (server.command_count (), 2 * commands.size ());
+  server.drop ();
+  orva_sync (session);
+}
+
 /// Gives each command each value and compares what arrives, byte by byte.
 template <class Value>
 void expect_written (const std::vector<Given<Value>> &values, const std::vector<Taker<Value>> &commands) {
@@ -45,6 +69,7 @@ void expect_written (const std::vector<Given<Value>> &values, const std::vector<
       EXPECT_EQ (command.document, document (command.xid, element));
     }
   EXPECT_EQ (server.command_count (), values.size () * commands.size ());
+  expect_manners (commands, values.front ().value);
 }
 
 constexpr uint32_t highest = 0xFFFFFFFF;
