@@ -180,7 +180,7 @@ private:
 };
 
 TEST (StoresOfASimulatedServer, AreToldTheirOwnWritesAndThoseOfOthers) {
-  const SimulatorProcess server ({"--quiet"});
+  const SimulatorProcess server ({"--quiet", "--strict"});
   const Session session (server.address ());
   const Session other_session (server.address ());
   Store one (session, "<&>", "p/", ORVA_STORE_READ_WRITE);
@@ -200,7 +200,7 @@ TEST (StoresOfASimulatedServer, AreToldTheirOwnWritesAndThoseOfOthers) {
 }
 
 TEST (StoresOfASimulatedServer, AreToldTheWholeFolderByItsScan) {
-  const SimulatorProcess server ({"--quiet"});
+  const SimulatorProcess server ({"--quiet", "--strict"});
   const Session session (server.address ());
   Store writer (session, "CUES", "all/", ORVA_STORE_WRITE);
   Table expected;
@@ -254,7 +254,7 @@ protected:
   }
 
   const OwnFolder folder_;
-  SimulatorProcess server_{{"--quiet", "--refuse-metadata", "41", "--database", folder_.file ()}};
+  SimulatorProcess server_{{"--quiet", "--strict", "--refuse-metadata", "41", "--database", folder_.file ()}};
   Session session_{server_.address ()};
   const Store a_{session_, "CUES", "a/", ORVA_STORE_READ_WRITE};
   const Store b_{session_, "CUES", "b/", ORVA_STORE_WRITE};
