@@ -18,15 +18,11 @@ uint16_t index_argument (uint32_t index) {
   return static_cast<uint16_t> (index);
 }
 
-ResultCode play_now (const ARef<OrvaConnObject> &self, uint32_t channel, uint32_t index, uint32_t how) {
+template <class Command>
+ResultCode play_item (const ARef<OrvaConnObject> &self, OkWrapper<Command> wrapper, uint32_t channel,
+                      uint32_t index, uint32_t how) {
   return ordinary_command (
-      self, &QUILL3::API::list_play_now,
-      {.Channel = channel_argument (channel), .ListIndex = index_argument (index), .Roll = how});
-}
-
-ResultCode play_next (const ARef<OrvaConnObject> &self, uint32_t channel, uint32_t index, uint32_t how) {
-  return ordinary_command (
-      self, &QUILL3::API::list_play_next,
+      self, wrapper,
       {.Channel = channel_argument (channel), .ListIndex = index_argument (index), .Roll = how});
 }
 
@@ -34,26 +30,26 @@ ResultCode play_next (const ARef<OrvaConnObject> &self, uint32_t channel, uint32
 
 ResultCode OrvaConnObject::cmd_playlist_play_now (ARef<OrvaConnObject> self, uint32_t channel,
                                                   uint32_t index) {
-  return play_now (self, channel, index, roll);
+  return play_item (self, &API::list_play_now, channel, index, roll);
 }
 
 ResultCode OrvaConnObject::cmd_playlist_play_next (ARef<OrvaConnObject> self, uint32_t channel,
                                                    uint32_t index) {
-  return play_next (self, channel, index, roll);
+  return play_item (self, &API::list_play_next, channel, index, roll);
 }
 
 ResultCode OrvaConnObject::cmd_playlist_cue_now (ARef<OrvaConnObject> self, uint32_t channel,
                                                  uint32_t index) {
-  return play_now (self, channel, index, cue_only);
+  return play_item (self, &API::list_play_now, channel, index, cue_only);
 }
 
 ResultCode OrvaConnObject::cmd_playlist_cue_next (ARef<OrvaConnObject> self, uint32_t channel,
                                                   uint32_t index) {
-  return play_next (self, channel, index, cue_only);
+  return play_item (self, &API::list_play_next, channel, index, cue_only);
 }
 
 ResultCode OrvaConnObject::cmd_playlist_cue_list (ARef<OrvaConnObject> self, uint32_t channel) {
-  return play_now (self, channel, 0, cue_only);
+  return play_item (self, &API::list_play_now, channel, 0, cue_only);
 }
 
 ResultCode OrvaConnObject::playlist_status (ARef<OrvaConnObject> self, uint32_t channel, uint32_t *loaded) {
