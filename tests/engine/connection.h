@@ -53,6 +53,12 @@ protected:
   AString stop (const std::string &name = "") {
     return client.stop ({.Channel = 0}, notes.ok (name + "ok"), notes.error (name + "error"));
   }
+  // What was noted first; on a busy machine the next link may have come since.
+  std::vector<std::string> first_lines (size_t count) const {
+    std::vector<std::string> lines = notes.lines ();
+    lines.resize (std::min (lines.size (), count));
+    return lines;
+  }
   // Waits until this connection has gone and the next has come.
   void wait_for_link (size_t number) {
     ASSERT_TRUE (client.wait_noted ("connected", number));

@@ -3,6 +3,7 @@
 #include "base/aref.h"
 #include "platform/threads.h"
 #include "support/own_address.h"
+#include "support/soak.h"
 
 #include <list>
 #include <memory>
@@ -264,7 +265,8 @@ TEST (Connections, EndWithinASecondAllTogether) {
 // Commands from many threads while the server drops the link again and again: each ends once, and what is
 // answered is answered to the command that asked.
 TEST_F (Connection, EndsEachCommandOnceWhateverHappensToTheLink) {
-  constexpr int senders = 6, rounds = 150;
+  constexpr int senders = 6;
+  const int rounds = support::rounds (100, 20000);
   std::atomic<int> served{0};
   server.on_any ([&] (const support::Command &command) {
     std::string reply =

@@ -54,7 +54,8 @@ TEST (ConnectionUnderSignals, AnswersEachCommand) {
   TestClient client (notes, server.address ());
   client.start_thread (-1);
   ASSERT_TRUE (client.wait_connected ());
-  constexpr size_t senders = 4, rounds = 20;
+  constexpr size_t senders = 4;
+  const size_t rounds = static_cast<size_t> (support::rounds (20, 2000));
   const AString large = AString::from_latin1 (std::string (200000, 'x'));
   std::atomic<size_t> ended{0}, answered{0};
   std::atomic<bool> stop{false};
