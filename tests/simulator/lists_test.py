@@ -59,6 +59,7 @@ class Lists(support.Case):
     def test_what_is_told_of_a_loaded_list(self):
         desk = self.desk("A", "TOLD", [item("BARS"), item("COUNTDOWN")])
         whole = [report("list", "A", "<ListID>TOLD</ListID><ListPlayMode>single_channel</ListPlayMode>"),
+                 report("clear_all", "A", ""),
                  report("item_exists", "A", "<ListIndex>0</ListIndex>" + item("BARS")),
                  report("item_exists", "A", "<ListIndex>1</ListIndex>" + item("COUNTDOWN")),
                  report("air_now", "A", index(None)), report("air_lock", "A", index(None)),
@@ -90,6 +91,18 @@ class Lists(support.Case):
         desk.do("list_unload")
         self.assertEqual(desk.client.settled_reports(), [report("unloaded", "A", "")])
         desk.refused("list_take", "", "No playlist is loaded on channel A")
+
+    def test_a_shorter_list_leaves_nothing_of_a_longer_one(self):
+        desk = self.desk("A", "LONG", [item("BARS"), item("COUNTDOWN"), item("LOCKED")])
+        self.save(desk.client, "SHORT", [item("LOCKED")])
+        desk.register("listplay")
+        desk.client.settled_reports()
+        desk.do("list_load", "<ListID>SHORT</ListID>")
+        self.assertEqual(desk.client.settled_reports()[:4], [
+            report("list", "A", "<ListID>SHORT</ListID><ListPlayMode>single_channel</ListPlayMode>"),
+            report("clear_all", "A", ""), report("item_exists", "A", "<ListIndex>0</ListIndex>" + item("LOCKED")),
+            report("air_now", "A", index(None))])
+        desk.do("list_unload")
 
     def test_reordering(self):
         desk = self.desk("B", "ORDER", [item(name) for name in ("BARS", "COUNTDOWN", "LOCKED", "NEWS/OPENER")])
@@ -189,6 +202,12 @@ class Lists(support.Case):
                           "</ChaseElement></chase_save_element>" % (clip, rest, trigger))
         client.answer("<chase_save_end />")
         desk.do("chase_load", "<ChaseID>FOLLOW</ChaseID>")
+        other = self.client()
+        other.answer("<channel_report_register><Channel>A</Channel><ChannelReportType>chaseplay</ChannelReportType>"
+                     "</channel_report_register>")
+        self.assertEqual(other.settled_reports()[:2], [
+            "<channel_chaseplay_chase><Channel>A</Channel><ChaseID>FOLLOW</ChaseID></channel_chaseplay_chase>",
+            "<channel_chaseplay_clear_all><Channel>A</Channel></channel_chaseplay_clear_all>"])
         watcher = self.client()
         watcher.answer("<report_register><ReportType>chase_ltc_timecode</ReportType></report_register>")
 

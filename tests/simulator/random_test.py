@@ -130,9 +130,12 @@ class Mirror:
 
     def take_list(self, name, channel, report):
         if name == "unloaded":
-            self.lists[channel] = None
+            self.lists[channel] = {"items": []}
         elif name == "list":
-            self.lists[channel] = {"id": tag(report, "ListID"), "items": []}
+            self.lists.setdefault(channel, {"items": []})["list"] = report
+        elif name == "clear_all":
+            kept = {key: told for key, told in self.lists[channel].items() if key in ("list", "loop")}
+            self.lists[channel] = {**kept, "items": []}
         elif name.startswith("item_"):
             items, index = self.lists[channel]["items"], int(tag(report, "ListIndex"))
             element = re.search("<ListElement>.*</ListElement>", report)

@@ -335,7 +335,8 @@ std::vector<std::string> list_bodies (const World &world, int channel, const Lis
   out.open (body).word ("Channel", channel).text (kind.id, list->id);
   if (&kind == &playlists)
     out.word ("ListPlayMode", list->mode);
-  std::vector<std::string> bodies = {out.close (body).take ()};
+  // Whoever mirrors another list has its items still: the name of a list takes none of them away.
+  std::vector<std::string> bodies = {out.close (body).take (), channel_body (kind, "clear_all", channel)};
   for (std::size_t index = 0; index < list->items.size (); ++index)
     bodies.push_back (item_body (kind, "item_exists", channel, index, &list->items[index]));
   for (std::string &air : air_bodies (world, channel, kind))
