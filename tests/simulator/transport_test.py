@@ -299,6 +299,10 @@ class Transport(support.Case):
                 "<Angle>1</Angle>")
         desk.refused("precue", "<ClipID>COUNTDOWN</ClipID><GotoPosition>600</GotoPosition>",
                      "Position 600 lies beyond the end of &apos;COUNTDOWN&apos;, which has 600 fields")
+        for place, length, last in ((100, 501, 600), (100, 0xFFFFFFFF, 0xFFFFFFFF), (1, 0xFFFFFFFF, 0xFFFFFFFF)):
+            desk.refused("precue", "<ClipID>COUNTDOWN</ClipID><GotoPosition>%d</GotoPosition><ClipLength>%d"
+                         "</ClipLength>" % (place, length),
+                         "Position %d lies beyond the end of &apos;COUNTDOWN&apos;, which has 600 fields" % last)
         self.assertEqual(tag(desk.present("info"), "PrecueCount"), "2")
         desk.do("precue_activate")
         self.assertEqual(desk.position(), 100)

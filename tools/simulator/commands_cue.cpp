@@ -28,6 +28,12 @@ Content wanted_content (World &world, const Arguments &arguments) {
                                                                                  : clip_content (world, name);
 }
 
+// What no number holds becomes the greatest, which lies beyond the end of every clip, too.
+std::uint32_t last_of (std::uint32_t first, std::uint32_t length) {
+  constexpr std::uint32_t most = 0xFFFFFFFF;
+  return length - 1 > most - first ? most : first + (length - 1);
+}
+
 // A position of 0 does not end a clip before it has begun: it means the end.
 void cue_clip (Call &call) {
   const int channel = channel_of (call.arguments);
@@ -50,7 +56,7 @@ void precue (Call &call) {
   precued.cue = whole_cue (clip_content (call.world, call.arguments.text ("ClipID")));
   set_common (precued.cue, call.arguments);
   if (const auto length = call.arguments.maybe_number ("ClipLength"); length && *length != 0)
-    precued.cue.out = precued.cue.in + *length - 1;
+    precued.cue.out = last_of (precued.cue.in, *length);
   check_cue (precued.cue);
   std::deque<Precued> &queue = call.world.deck (channel).precued;
   if (precued.condition == precue_immediate) {
