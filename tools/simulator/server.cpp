@@ -122,15 +122,14 @@ public:
   explicit FieldClock (const Standard &standard) : standard_ (standard), start_ (Clock::now ()) {}
 
   Clock::time_point next () const {
-    return start_ +
-           std::chrono::nanoseconds ((passed_ + 1) * standard_.seconds * 1'000'000'000 / standard_.fields);
+    return start_ + std::chrono::nanoseconds (nanoseconds_of_fields (standard_, passed_ + 1));
   }
 
   /// The fields since the last call; after a long sleep of the machine not more than some seconds of them.
   int take () {
     const auto since =
         std::chrono::duration_cast<std::chrono::microseconds> (Clock::now () - start_).count ();
-    const std::int64_t total = since * standard_.fields / (standard_.seconds * 1'000'000);
+    const std::int64_t total = fields_in_microseconds (standard_, since);
     const std::int64_t due = total - passed_;
     passed_ = total;
     return static_cast<int> (std::clamp<std::int64_t> (due, 0, 600));

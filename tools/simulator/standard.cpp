@@ -59,6 +59,20 @@ constexpr Standard with_rate (const Row &row) {
   return {};
 }
 
+// An overflow in a constant expression is an error, so a clock that would go wrong in a year does not
+// compile.
+constexpr Standard odd = {"", "", "", 60000, 1001, true};
+constexpr Standard even = {"", "", "", 50, 1, false};
+static_assert (nanoseconds_of_fields (odd, 1) == 16'683'333);
+static_assert (nanoseconds_of_fields (odd, 60'000) == 1'001'000'000'000);
+static_assert (nanoseconds_of_fields (odd, 9'214'158) == 153'722'869'300'000);
+static_assert (nanoseconds_of_fields (odd, 60'000ll * 9'000'000) == 9'009'000'000'000'000'000);
+static_assert (nanoseconds_of_fields (even, 50ll * 9'000'000'000 + 1) == 9'000'000'000'020'000'000);
+static_assert (fields_in_microseconds (odd, 16'683) == 0 && fields_in_microseconds (odd, 16'684) == 1);
+static_assert (fields_in_microseconds (odd, 1'001'000'000) == 60'000);
+static_assert (fields_in_microseconds (odd, 9'009'000'000'000'000) == 540'000'000'000);
+static_assert (fields_in_microseconds (even, 9'000'000'000'020'000) == 450'000'000'001);
+
 } // namespace
 
 std::optional<Standard> find_standard (std::string_view name) {

@@ -16,6 +16,18 @@ struct Standard {
   bool drop_frame;
 };
 
+/// How long so many fields take, rounded down. Right for centuries: what is multiplied stays small.
+constexpr std::int64_t nanoseconds_of_fields (const Standard &standard, std::int64_t fields) {
+  const std::int64_t period = standard.seconds * 1'000'000'000;
+  return fields / standard.fields * period + fields % standard.fields * period / standard.fields;
+}
+
+/// The whole fields that pass in a time. Right for centuries, too.
+constexpr std::int64_t fields_in_microseconds (const Standard &standard, std::int64_t microseconds) {
+  const std::int64_t period = standard.seconds * 1'000'000;
+  return microseconds / period * standard.fields + microseconds % period * standard.fields / period;
+}
+
 /// The standard of that name, if there is one.
 std::optional<Standard> find_standard (std::string_view name);
 
