@@ -266,7 +266,7 @@ TEST (Connections, EndWithinASecondAllTogether) {
 // answered is answered to the command that asked.
 TEST_F (Connection, EndsEachCommandOnceWhateverHappensToTheLink) {
   constexpr int senders = 6;
-  const int rounds = support::rounds (100, 20000);
+  const int rounds = support::rounds (100, 4000);
   std::atomic<int> served{0};
   server.on_any ([&] (const support::Command &command) {
     std::string reply =

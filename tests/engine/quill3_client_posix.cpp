@@ -55,7 +55,7 @@ TEST (ConnectionUnderSignals, AnswersEachCommand) {
   client.start_thread (-1);
   ASSERT_TRUE (client.wait_connected ());
   constexpr size_t senders = 4;
-  const size_t rounds = static_cast<size_t> (support::rounds (20, 2000));
+  const size_t rounds = static_cast<size_t> (support::rounds (20, 400));
   const AString large = AString::from_latin1 (std::string (200000, 'x'));
   std::atomic<size_t> ended{0}, answered{0};
   std::atomic<bool> stop{false};
