@@ -271,10 +271,12 @@ class Kept(unittest.TestCase):
                              "<ClipLength>12</ClipLength>", "<FieldNumber>7</FieldNumber>", "<Value>v w</Value>",
                              "<ReadOnly>false</ReadOnly>", "<ReadOnlyMeta>true</ReadOnlyMeta>"):
                     self.assertIn(part, info)
-            with open(path, "a", encoding="utf-8") as file:
-                file.write("clip BAD length=long\n")
-            with self.assertRaisesRegex(RuntimeError, "clips.txt, line 6: 'long' is no number"):
-                support.Simulator("--clips", path)
+            for word, fault in (("length=long", "'long' is no number"), ("angles=256", "'256' is no number up to 255"),
+                                ("stripe=2147483648", "'2147483648' is no number up to 2147483647")):
+                with open(path, "w", encoding="utf-8") as file:
+                    file.write("clip GOOD\nclip BAD %s\n" % word)
+                with self.assertRaisesRegex(RuntimeError, "clips.txt, line 2: " + fault):
+                    support.Simulator("--clips", path)
 
     def test_an_empty_server(self):
         with Running("--clips", "/dev/null") as client:

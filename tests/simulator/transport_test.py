@@ -288,6 +288,11 @@ class Transport(support.Case):
         place = desk.position()
         desk.wait_position(lambda position: position > place + 3)
         self.assertEqual(tag(desk.present("info"), "AngleCount"), "8")
+        for _ in range(2):
+            desk.do("jog", "<JogDistance>2147483647</JogDistance>")
+        far = desk.present("timecode")
+        self.assertEqual(tag(far, "ClipPosition"), "4294967294")
+        self.assertIn("<DisplayTimecode><Valid>false</Valid></DisplayTimecode>", far)
         desk.do("go_live", "<ClipID>SPORT/GOAL</ClipID><Angle>1</Angle><TimeDelay>10</TimeDelay>")
         desk.wait_status("stop")
         self.assertEqual(desk.position(), 2999)

@@ -111,6 +111,10 @@ std::vector<std::string> present_bodies (const World &world, int channel, int ki
 
 void write_timecode (Writer &out, std::string_view tag, const World &world, std::int64_t field,
                      bool drop_frame) {
+  if (field != static_cast<std::int32_t> (field)) {
+    out.open (tag).boolean ("Valid", false).close (tag);
+    return;
+  }
   out.open (tag).boolean ("Valid", true).text ("VideoStandard", world.standard.name);
   out.distance ("FieldNumber", field).text ("DropFrameFlag", drop_frame ? "df" : "ndf").close (tag);
 }

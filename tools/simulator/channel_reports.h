@@ -13,7 +13,7 @@ class World;
 /// The bodies that tell a client the present state of a channel, as one kind of report.
 std::vector<std::string> present_bodies (const World &world, int channel, int kind);
 
-/// The field number, with what it counts in.
+/// The field number, with what it counts in. One that a timecode cannot hold is no valid timecode.
 void write_timecode (Writer &out, std::string_view tag, const World &world, std::int64_t field,
                      bool drop_frame);
 /// The timecode of the picture a channel shows.

@@ -22,6 +22,9 @@ directory SPORT
 clip SPORT/GOAL length=3000 tracks=video,audio,audio,timecode angles=4 title="The goal, four cameras" project=Sport
 )";
 
+constexpr std::uint32_t most_timecode = 0x7FFFFFFF;
+constexpr std::uint32_t most_angles = 0xFF;
+
 // Words parted by blanks; quotes hold blanks together and vanish.
 std::vector<std::string> words_of (const std::string &line) {
   std::vector<std::string> words;
@@ -42,10 +45,10 @@ std::vector<std::string> words_of (const std::string &line) {
   return words;
 }
 
-std::int64_t number_of (const std::string &value) {
-  const auto number = read_unsigned (value, 0xFFFFFFFFu);
+std::int64_t number_of (const std::string &value, std::uint32_t most = 0xFFFFFFFF) {
+  const auto number = read_unsigned (value, most);
   if (!number)
-    throw std::runtime_error ("'" + value + "' is no number");
+    throw std::runtime_error (fmt::format ("'{}' is no number up to {}", value, most));
   return static_cast<std::int64_t> (*number);
 }
 
@@ -67,7 +70,7 @@ std::vector<Track> tracks_of (const std::string &value) {
 void set_stripe (Clip &clip, const std::string &value) {
   clip.timecode_source = 1;
   clip.stripe_valid = 1;
-  clip.stripe_field = number_of (value);
+  clip.stripe_field = number_of (value, most_timecode);
 }
 
 void set_attribute (Clip &clip, const std::string &word) {
@@ -77,7 +80,7 @@ void set_attribute (Clip &clip, const std::string &word) {
   const std::map<std::string, std::function<void ()>> setters = {
       {"length", [&] { clip.untrimmed = number_of (value); }},
       {"tracks", [&] { clip.tracks = tracks_of (value); }},
-      {"angles", [&] { clip.angles = std::max<std::int64_t> (number_of (value), 1); }},
+      {"angles", [&] { clip.angles = std::max<std::int64_t> (number_of (value, most_angles), 1); }},
       {"title", [&] { clip.title = value; }},
       {"creator", [&] { clip.creator = value; }},
       {"project", [&] { clip.project = value; }},
