@@ -185,6 +185,43 @@ class Lists(support.Case):
         beside.refused("list_load", "<ListID>PAIR</ListID><ListPlayMode>pgm_pvw</ListPlayMode>",
                        "Channel H has no channel beside it for the preview")
 
+    def test_the_preview_follows_what_is_next(self):
+        desk = self.desk("G", "AHEAD", [item("BARS", "", 0, 90), item("COUNTDOWN", "", 7, 90), item("LOCKED", "", 3, 9)],
+                         "<ListPlayMode>pgm_pvw</ListPlayMode>")
+        beside = Desk(self, "H")
+
+        def preview():
+            return tag(beside.present("clipid"), "ClipID"), beside.position()
+
+        self.assertEqual(preview(), ("BARS", 0))
+        desk.do("list_play_next", "<ListIndex>2</ListIndex><Roll>cueonly</Roll>")
+        self.assertEqual(preview(), ("LOCKED", 3))
+        desk.refused("list_play_next", "<ListIndex>3</ListIndex><Roll>roll</Roll>",
+                     "The list has 3 items, none at 3")
+        self.assertEqual(preview(), ("LOCKED", 3))
+        desk.do("list_remove_item", "<ListIndex>2</ListIndex>")
+        self.assertEqual(preview(), ("BARS", 0))
+        desk.do("list_play_now", "<ListIndex>1</ListIndex><Roll>cueonly</Roll>")
+        desk.do("list_insert", "<ListIndex>2</ListIndex>" + item("SPORT/GOAL", "", 40, 50))
+        self.assertEqual(preview(), ("SPORT/GOAL", 40))
+        desk.do("list_play_now", "<ListIndex>2</ListIndex><Roll>cueonly</Roll>")
+        desk.do("list_set_loop", "<Loop>loop</Loop>")
+        self.assertEqual(preview(), ("BARS", 0))
+
+    def test_a_chase_list_leaves_the_preview_alone(self):
+        desk = self.desk("E", "WITH", [item("BARS"), item("COUNTDOWN", "", 7, 90)],
+                         "<ListPlayMode>pgm_pvw</ListPlayMode>")
+        desk.do("list_take")
+        desk.client.answer("<chase_save_start><ChaseID>BESIDE</ChaseID></chase_save_start>")
+        desk.client.answer("<chase_save_end />")
+        beside = Desk(self, "F")
+        beside.do("gotocmd", "<GotoPosition>20</GotoPosition>")
+        desk.do("chase_load", "<ChaseID>BESIDE</ChaseID>")
+        self.assertIn("<PreviewChannel>F</PreviewChannel>", desk.present("info"))
+        self.assertEqual(beside.position(), 20)
+        desk.do("list_unload")
+        desk.do("chase_unload")
+
     def test_what_is_missing_stops_the_list(self):
         desk = self.desk("B", "GAP", [item("BARS", "", 0, 2), item("GONE")])
         desk.do("list_play_now", "<ListIndex>0</ListIndex><Roll>roll</Roll>")

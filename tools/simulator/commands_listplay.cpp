@@ -3,8 +3,6 @@
 #include "listplay.h"
 #include "vocabulary.h"
 
-#include <fmt/format.h>
-
 namespace sim {
 
 namespace {
@@ -83,10 +81,7 @@ void list_bed (Call &call) {
 }
 
 void list_set_loop (Call &call) {
-  LoadedList &list = loaded_list (call.world, channel_of (call.arguments), playlists);
-  list.loop = call.arguments.word ("Loop");
-  if (list.now && *list.now + 1 >= list.items.size ())
-    list.next = list.loop == loop_off ? std::nullopt : std::optional<std::size_t> (0);
+  set_list_loop (call.world, channel_of (call.arguments), call.arguments.word ("Loop"));
 }
 
 void list_play_now (Call &call) {
@@ -97,12 +92,8 @@ void list_play_now (Call &call) {
 }
 
 void list_play_next (Call &call) {
-  LoadedList &list = loaded_list (call.world, channel_of (call.arguments), playlists);
-  const std::size_t index = call.arguments.number ("ListIndex");
-  if (index >= list.items.size ())
-    throw Refusal (fmt::format ("The list has {} items, none at {}", list.items.size (), index));
-  list.next = index;
-  list.next_stands = call.arguments.word ("Roll") == roll_cueonly;
+  choose_next (call.world, channel_of (call.arguments), call.arguments.number ("ListIndex"),
+               call.arguments.word ("Roll") == roll_cueonly);
 }
 
 void list_take (Call &call) {

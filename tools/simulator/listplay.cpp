@@ -77,17 +77,6 @@ void report_items (World &world, int channel, const ListKind &kind, std::vector<
     world.report_channel (channel, kind.channel_report_type, std::move (body));
 }
 
-// The items have changed: those who mirror the list have moved its air positions on their own, so these are
-// told again.
-void after_edit (World &world, int channel, const ListKind &kind, std::vector<std::string> bodies) {
-  LoadedList &list = loaded_list (world, channel, kind);
-  list.modified = true;
-  if (!list.next)
-    list.next = list.now ? following (list, *list.now) : first_item (list);
-  report_items (world, channel, kind, std::move (bodies));
-  report_items (world, channel, kind, air_bodies (world, channel, kind));
-}
-
 // The other channel of a pair shows what will be taken.
 void show_preview (World &world, int channel) {
   const Deck &deck = world.seen (channel);
@@ -98,6 +87,24 @@ void show_preview (World &world, int channel) {
   } catch (const Refusal &refusal) {
     log_line (fmt::format ("channel {} has no preview: {}", word_at ("Channel", channel), refusal.what ()));
   }
+}
+
+void preview_next (World &world, int channel, const ListKind &kind) {
+  if (&kind == &playlists)
+    show_preview (world, channel);
+}
+
+// The items have changed: those who mirror the list have moved its air positions on their own, so these are
+// told again.
+void after_edit (World &world, int channel, const ListKind &kind, std::vector<std::string> bodies) {
+  LoadedList &list = loaded_list (world, channel, kind);
+  list.modified = true;
+  if (!list.next) {
+    list.next = list.now ? following (list, *list.now) : first_item (list);
+    preview_next (world, channel, kind);
+  }
+  report_items (world, channel, kind, std::move (bodies));
+  report_items (world, channel, kind, air_bodies (world, channel, kind));
 }
 
 void start_item (World &world, int channel, const Item &item, bool roll) {
@@ -161,11 +168,12 @@ void load_list (World &world, int channel, const ListKind &kind, LoadedList list
   if (list.mode == list_pgm_pvw && channel + 1 >= channel_count)
     throw Refusal (
         fmt::format ("Channel {} has no channel beside it for the preview", word_at ("Channel", channel)));
-  deck.preview = list.mode == list_pgm_pvw ? std::optional (channel + 1) : std::nullopt;
+  if (&kind == &playlists)
+    deck.preview = list.mode == list_pgm_pvw ? std::optional (channel + 1) : std::nullopt;
   list.next = first_item (list);
   deck.loaded_list (kind) = std::move (list);
   report_items (world, channel, kind, list_bodies (world, channel, kind));
-  show_preview (world, channel);
+  preview_next (world, channel, kind);
 }
 
 void unload_list (World &world, int channel, const ListKind &kind) {
@@ -241,6 +249,23 @@ void play_item (World &world, int channel, std::size_t index, bool roll, std::in
   list.next = following (list, index);
   list.next_stands = false;
   start_item (world, channel, item, roll);
+  show_preview (world, channel);
+}
+
+void choose_next (World &world, int channel, std::size_t index, bool stands) {
+  LoadedList &list = loaded_list (world, channel, playlists);
+  check_index (list, index);
+  list.next = index;
+  list.next_stands = stands;
+  show_preview (world, channel);
+}
+
+void set_list_loop (World &world, int channel, int loop) {
+  LoadedList &list = loaded_list (world, channel, playlists);
+  list.loop = loop;
+  if (!list.now || *list.now + 1 < list.items.size ())
+    return;
+  list.next = loop == loop_off ? std::nullopt : Index (0);
   show_preview (world, channel);
 }
 

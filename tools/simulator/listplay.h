@@ -23,6 +23,10 @@ void reorder_items (World &world, int channel, const ListKind &kind, const std::
 
 /// Puts an item on the channel, so many fields behind its first one, and starts it or not.
 void play_item (World &world, int channel, std::size_t index, bool roll, std::int32_t distance);
+/// Names the item that comes next: it starts as its own rule says, or is only to be cued.
+void choose_next (World &world, int channel, std::size_t index, bool stands);
+/// Behind the last item comes the first one again, or nothing.
+void set_list_loop (World &world, int channel, int loop);
 /// Puts the next item on the channel. It starts as its own rule says.
 void take_next (World &world, int channel);
 /// The item on the air has come to its end. @return whether a list decided what follows
