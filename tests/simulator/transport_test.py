@@ -170,6 +170,15 @@ class Transport(support.Case):
         desk.do("play", "<Speed>7X</Speed>")
         desk.wait_status("stop")
         self.assertEqual(desk.position(), 40)
+        desk.do("gotocmd", "<GotoPosition>0</GotoPosition>")
+        desk.do("set_loop", "<Loop>loop</Loop>")
+        desk.do("play", "<Speed>7X</Speed>")
+        desk.wait_position(lambda position: position > 300)
+        desk.do("gotocmd", "<GotoPosition>0</GotoPosition>")
+        desk.do("set_loop", "<Loop>off</Loop>")
+        desk.do("play", "<Speed>7X</Speed>")
+        desk.wait_status("stop")
+        self.assertEqual(desk.position(), 40)
         desk.do("clear_out_point")
         desk.do("play", "<Speed>100X</Speed>")
         desk.wait_status("stop")
@@ -392,6 +401,38 @@ class Transport(support.Case):
         self.assertEqual(client.answer("<gang_stop><ChannelSet></ChannelSet></gang_stop>"), "<ok />")
         self.assertRefused(client, "<gang_stop>" + gang("AL") + "</gang_stop>",
                            "Channel L does not exist, this server has A to H")
+
+    def test_a_refused_gang_leaves_no_trace_on_the_clips(self):
+        desk, idle = self.desk("F"), self.desk("H")
+        desk.client.answer("<create_clip><ClipID>TRACE</ClipID><TrackSet><TrackType>video</TrackType></TrackSet>"
+                           "<Channel>F</Channel></create_clip>")
+        idle.do("unload")
+        desk.do("insert_edit", "<SonyEditMask>1023</SonyEditMask>")
+        desk.do("precue", "<ClipID>COUNTDOWN</ClipID>")
+        desk.do("play")
+        desk.wait_position(lambda position: position >= 3)
+        watcher = self.client()
+        for kind in ("clip_change", "disk_space"):
+            watcher.answer("<report_register><ReportType>%s</ReportType></report_register>" % kind)
+        watcher.settled_reports()
+
+        def records():
+            return [watcher.answer("<get_clip_info><ClipID>%s</ClipID></get_clip_info>" % clip)
+                    for clip in ("TRACE", "COUNTDOWN")] + [watcher.answer("<get_disk_usage />")]
+
+        before = records()
+        self.assertRefused(desk.client, "<gang_play>" + gang("FH") + "</gang_play>", "Nothing is loaded on channel H")
+        self.assertRefused(desk.client, "<gang_precue_activate>" + gang("FH") + "</gang_precue_activate>",
+                           "Nothing is precued on channel H")
+        self.assertEqual(records(), before)
+        self.assertEqual(watcher.settled_reports(), [])
+        self.assertEqual(desk.status(), "record")
+        self.assertEqual(desk.client.answer("<gang_precue_activate>" + gang("F") + "</gang_precue_activate>"), "<ok />")
+        self.assertIn("<clip_changed><ClipID>TRACE</ClipID></clip_changed>", watcher.settled_reports())
+        after = records()
+        for number in range(3):
+            self.assertNotEqual(after[number], before[number])
+        desk.do("insert_edit", "<SonyEditMask>0</SonyEditMask>")
 
     def test_gangs_keep_their_distance(self):
         client = self.client()

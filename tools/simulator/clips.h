@@ -49,6 +49,29 @@ public:
   /// Milliseconds since 1970, never the same twice.
   std::int64_t stamp ();
 
+  /// Changes of clips that are made all together or, when it ends before `finish`, not at all.
+  class Change {
+  public:
+    explicit Change (Clips &clips)
+        : clips_ (clips), fields_ (clips.fields_), transaction_ (clips.database_) {}
+    Change (const Change &) = delete;
+    Change &operator= (const Change &) = delete;
+    ~Change () {
+      if (!finished_)
+        clips_.fields_ = fields_;
+    }
+    void finish () {
+      finished_ = true;
+      transaction_.finish ();
+    }
+
+  private:
+    Clips &clips_;
+    const std::int64_t fields_;
+    Transaction transaction_;
+    bool finished_ = false;
+  };
+
 private:
   void check_new_name (const std::string &name) const;
   void insert (const Clip &clip);

@@ -135,11 +135,15 @@ Deck &World::deck (int channel) {
 
 void World::gang (const std::set<int> &channels, const std::function<void (int)> &action) {
   const std::array<Deck, channel_count> before = decks_;
+  const auto told = static_cast<std::ptrdiff_t> (pending_.size ());
+  Clips::Change change (clips);
   try {
     for (const int channel : channels)
       action (channel);
+    change.finish ();
   } catch (const Refusal &) {
     decks_ = before;
+    pending_.erase (pending_.begin () + told, pending_.end ());
     throw;
   }
 }
