@@ -307,7 +307,7 @@ ORVA_API uint32_t orva_take1 (uint32_t connection, uint32_t channel, uint32_t ty
 /** Takes the prepared clip. @param follow an OrvaFollowSpeed. */
 ORVA_API uint32_t orva_take2 (uint32_t connection, uint32_t channel, uint32_t type, uint32_t duration,
                               uint32_t follow);
-/** Goes to the live end of what is in the channel, at the earliest moment. */
+/** Goes live at the earliest moment. The server chooses what is shown: no clip is named. */
 ORVA_API uint32_t orva_go_live1 (uint32_t connection, uint32_t channel);
 /** Goes live from an angle, at the earliest moment. @param angle its low 8 bits count. */
 ORVA_API uint32_t orva_go_live2 (uint32_t connection, uint32_t channel, uint32_t angle);
