@@ -29,6 +29,7 @@ using support::text_of;
 constexpr unsigned callers = 8;
 constexpr unsigned watchers = 4;
 constexpr uint32_t channels = 8;
+constexpr uint32_t channels_with_lists = 4;
 
 /// What can be asked of a channel, as numbers of the exports, but for the position of one that moves.
 struct State {
@@ -154,6 +155,27 @@ States states_in_server (uint32_t address) {
     take_report (states, bytes.substr (at, bytes.find ("</report>", at) - at));
   }
   return states;
+}
+
+// --- What is on the server in each of its lives
+
+std::string list_element (const std::string &clip, const std::string &first, const std::string &last) {
+  return "<cmd><xid>1</xid><list_save_element><ListElement><ContentID><ClipID>" + clip +
+         "</ClipID></ContentID><GotoPosition>" + first + "</GotoPosition><ClipPosition>" + last +
+         "</ClipPosition></ListElement></list_save_element></cmd>";
+}
+
+void load_lists (uint32_t address) {
+  std::string commands = "<cmd><xid>1</xid><list_save_start><ListID>L</ListID></list_save_start></cmd>" +
+                         list_element ("BARS", "100", "120") + list_element ("COUNTDOWN", "0", "599") +
+                         list_element ("NEWS/OPENER", "7", "9") + "<cmd><xid>1</xid><list_save_end /></cmd>";
+  for (uint32_t channel = 0; channel != channels_with_lists; ++channel)
+    commands += std::string ("<cmd><xid>1</xid><list_load><Channel>") + static_cast<char> ('A' + channel) +
+                "</Channel><ListID>L</ListID></list_load></cmd>";
+  RawClient client (address);
+  client.send (commands + "<cmd><xid>2</xid><sync /></cmd>");
+  const std::string bytes = client.receive_through ("<xid>2</xid><ok />");
+  EXPECT_EQ (bytes.find ("<error>"), std::string::npos) << bytes;
 }
 
 // --- Callers
@@ -301,6 +323,7 @@ protected:
   }
 
   void start () {
+    load_lists (server_.address ());
     for (std::atomic<uint32_t> &connection : connections_)
       connection = orva_connect (server_.address ());
     for (unsigned number = 0; number != callers; ++number)
@@ -335,6 +358,7 @@ protected:
     server_.kill ();
     pause (30);
     server_.start ();
+    load_lists (server_.address ());
   }
 
   // What callers do: commands and queries, some without waiting for the answers. The connection may be closed
@@ -417,6 +441,9 @@ TEST_F (ChannelsOfAServerThatDies, AreKnownAsTheServerTellsThem) {
   expect_same (true);
 
   const uint32_t connection = connections_[0];
+  for (uint32_t channel = 0; channel != channels_with_lists; ++channel)
+    EXPECT_EQ (orva_cmd_playlist_cue_now (connection, channel, channel % 3), ORVA_OK) << last_error ();
+  expect_same (true);
   for (uint32_t channel = 0; channel != channels; ++channel) {
     EXPECT_EQ (orva_cmd_loadclip2 (connection, channel, wide ("BARS").c_str (), ORVA_REPEAT_LOOP), ORVA_OK);
     EXPECT_EQ (orva_cmd_play2 (connection, channel, 1.25 * (channel + 1)), ORVA_OK);
