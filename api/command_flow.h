@@ -51,3 +51,19 @@ ResultCode forced_command (const ARef<OrvaConnObject> &self, OkWrapper<Command> 
     *link = completion->link;
   return code;
 }
+
+// Either the new link sees the flag, or this sees the new link: both change the count, and so one comes
+// first.
+template <class RegisterReport>
+void OrvaConnObject::keep_registered (atomic_unsigned &registered, unsigned link,
+                                      RegisterReport register_report) {
+  registered.store (1);
+  if ((links_ += 0) == link)
+    return;
+  try {
+    register_report ();
+  } catch (...) {
+    registered.store (0);
+    throw;
+  }
+}

@@ -325,8 +325,10 @@ private:
                                    uint32_t report_type);
   /// Sees to it that each new connection asks for a report again.
   /// @param link the one on which the server has accepted the registration
-  /// @return false when there is a newer one, which may not have asked: the caller has to
-  bool keep_registered (atomic_unsigned &registered, unsigned link);
+  /// @param register_report is called when there is a newer one, which may not have asked. When it throws,
+  ///   the report counts as not registered.
+  template <class RegisterReport>
+  void keep_registered (atomic_unsigned &registered, unsigned link, RegisterReport register_report);
 
   atomic_unsigned links_; ///< how many there have been; counted before anything is registered on one
   // Not 0: the server has been asked for these reports, and is asked again on each new connection.

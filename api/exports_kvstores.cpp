@@ -38,8 +38,9 @@ ResultCode open_store (uint32_t connection, const orva_char *folder, const orva_
     return code;
   if (mode < ORVA_STORE_READ || mode > ORVA_STORE_WRITE)
     return result_invalid_argument ();
+  const ResultCode ok = result_ok (); // may want memory: before there is something to take back
   *handle = enter (std::make_shared<KVStore> (found, units_argument (folder), units_argument (prefix), mode));
-  return result_ok ();
+  return ok;
 }
 
 } // namespace

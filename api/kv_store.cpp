@@ -227,37 +227,44 @@ bool KVStore::short_key (const AString &report_prefix, const AString &key, std::
   return true;
 }
 
+// Wakes those who wait for a change when keys have been added to those that wait to be delivered, also when
+// memory has run out before the last one was.
+struct KVStore::Announcement {
+  explicit Announcement (KVStore &of) : store (of), waiting (of.changes_order_.size ()) {}
+  ~Announcement () {
+    if (store.changes_order_.size () != waiting)
+      store.changes_cond_.notify_all ();
+  }
+  KVStore &store;
+  const size_t waiting;
+};
+
 void KVStore::on_metadata_change (const AString &report_prefix, const QUILL3::MetadataList &items) {
   const std::lock_guard hold (changes_lock_);
-  bool notify = false;
+  const Announcement announcement (*this);
   std::u16string key;
   for (const QUILL3::Metadata &item : items)
     if (short_key (report_prefix, item.Key, &key))
-      notify |= note_setting (std::move (key), item.Value.to_u16string ());
-  if (notify)
-    changes_cond_.notify_all ();
+      note_setting (std::move (key), item.Value.to_u16string ());
 }
 
 void KVStore::on_metadata_remove (const AString &report_prefix, const QUILL3::KeyList &keys) {
   const std::lock_guard hold (changes_lock_);
-  bool notify = false;
+  const Announcement announcement (*this);
   std::u16string key;
   for (const AString &reported : keys)
     if (short_key (report_prefix, reported, &key))
-      notify |= note_erasure (std::move (key));
-  if (notify)
-    changes_cond_.notify_all ();
+      note_erasure (std::move (key));
 }
 
 // A key that waits to be delivered keeps its place, whatever becomes of it. What needs memory comes first, so
 // that a failure leaves the tables as they were.
 
-/// @return true when the key did not wait yet.
-bool KVStore::note_setting (std::u16string key, std::u16string value) {
+void KVStore::note_setting (std::u16string key, std::u16string value) {
   const auto set = changes_set_.find (key);
   if (set != changes_set_.end ()) {
     set->second = std::move (value);
-    return false;
+    return;
   }
   const bool waits = changes_erase_.contains (key);
   std::list<std::u16string> place;
@@ -266,13 +273,11 @@ bool KVStore::note_setting (std::u16string key, std::u16string value) {
   changes_set_.emplace (key, std::move (value));
   changes_erase_.erase (key);
   changes_order_.splice (changes_order_.end (), place);
-  return !waits;
 }
 
-/// @return true when the key did not wait yet.
-bool KVStore::note_erasure (std::u16string key) {
+void KVStore::note_erasure (std::u16string key) {
   if (changes_erase_.contains (key))
-    return false;
+    return;
   const bool waits = changes_set_.contains (key);
   std::list<std::u16string> place;
   if (!waits)
@@ -280,5 +285,4 @@ bool KVStore::note_erasure (std::u16string key) {
   changes_erase_.insert (key);
   changes_set_.erase (key);
   changes_order_.splice (changes_order_.end (), place);
-  return !waits;
 }

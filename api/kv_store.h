@@ -93,8 +93,9 @@ private:
 
   /// The key as callers know it; false when it is not of this store.
   bool short_key (const AString &report_prefix, const AString &key, std::u16string *result) const;
-  bool note_setting (std::u16string key, std::u16string value);
-  bool note_erasure (std::u16string key);
+  struct Announcement;
+  void note_setting (std::u16string key, std::u16string value);
+  void note_erasure (std::u16string key);
 
   // Constant after construction.
   const ARef<OrvaConnObject> connection_;

@@ -52,8 +52,7 @@ ResultCode OrvaConnObject::ensure_channel_item (const ARef<OrvaConnObject> &self
     return code;
   if (!wait_for_first_value (valid))
     return result_error ("Register for channel item failed unexpectedly");
-  if (!self->keep_registered (registered, link))
-    self->channel_report_register (command);
+  self->keep_registered (registered, link, [&] { self->channel_report_register (command); });
   return result_ok ();
 }
 

@@ -52,13 +52,6 @@ void OrvaConnObject::on_connected () {
   kv_restart ();
 }
 
-// Either the new link sees the flag, or this sees the new link: both change the count, and so one comes
-// first.
-bool OrvaConnObject::keep_registered (atomic_unsigned &registered, unsigned link) {
-  registered.store (1);
-  return (links_ += 0) == link;
-}
-
 ResultCode OrvaConnObject::ensure_report (const ARef<OrvaConnObject> &self, atomic_unsigned &registered,
                                           uint32_t report_type) {
   if (registered.load () != 0)
@@ -66,8 +59,8 @@ ResultCode OrvaConnObject::ensure_report (const ARef<OrvaConnObject> &self, atom
   const QUILL3::command::report_register command = {.ReportType = report_type};
   unsigned link = 0;
   const ResultCode code = forced_command (self, &API::report_register, command, &link);
-  if (code == ORVA_OK && !self->keep_registered (registered, link))
-    self->report_register (command);
+  if (code == ORVA_OK)
+    self->keep_registered (registered, link, [&] { self->report_register (command); });
   return code;
 }
 

@@ -812,7 +812,8 @@ ORVA_API uint32_t orva_cmd_playlist_cue_list (uint32_t connection, uint32_t chan
  * Meant to tell whether a list is loaded on the channel. In this version it asks the server to report, and
  * when the server accepts, waits 5 to 6 seconds and gives ORVA_ERROR with "Register for channel item failed
  * unexpectedly", each time. When the server is away or refuses, and for a channel above 7, it fails at once
- * as the queries above do.
+ * as the queries above do. Once the server has reported a list, the first query of a channel's clip length,
+ * precue count, repeat, angle or E to E mode may return before their first report, with 0, off and the like.
  * @param loaded would receive 1 or 0; may be null.
  */
 ORVA_API uint32_t orva_playlist_status (uint32_t connection, uint32_t channel, uint32_t *loaded);

@@ -113,6 +113,19 @@ TEST_F (MemoryRunsOut, InTheFirstQueryOfAChannelAndOfChanges) {
   expect_faults ("directories", 10, [&] { return orva_track_directory_changes (connection_); });
 }
 
+TEST_F (MemoryRunsOut, InOpeningAStore) {
+  const std::basic_string<orva_char> folder = wide (long_name), prefix = wide ("");
+  for (const uint32_t mode : {uint32_t{ORVA_STORE_READ}, uint32_t{ORVA_STORE_WRITE}}) {
+    uint32_t store = 77;
+    expect_faults ("open", 5, [&] {
+      EXPECT_EQ (store, 77u) << "no store is given out with a failure";
+      return orva_open_kvstore (connection_, folder.c_str (), prefix.c_str (), mode, &store);
+    });
+    EXPECT_NE (store, 77u);
+    orva_close_key_value_store (store);
+  }
+}
+
 // --- On the connection's thread. The first allocation that fails there costs the link.
 
 class MemoryOfTheThreadRunsOut : public MemoryRunsOut {

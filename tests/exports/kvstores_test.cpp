@@ -100,6 +100,11 @@ TEST (Stores, TwoOnOneFolderShareTheWatch) {
                  "</MetadataPrefix><KeyList><Key>x</Key></KeyList></metadata_remove>");
   EXPECT_EQ (change (a), "x gone");
   a.close ();
+  server.report ("<metadata_change><MetadataDatabase>CUES</MetadataDatabase><MetadataPrefix />"
+                 "<MetadataList>" +
+                 pair_of ("b/y", "3") + "</MetadataList></metadata_change>");
+  EXPECT_EQ (change (b), "y=3") << "the folder is still watched for the other";
+  EXPECT_EQ (server.command_count (), 3u);
   b.close ();
   const Command unwatch = server.command (4);
   EXPECT_EQ (unwatch.xid.substr (0, 4), "none");
