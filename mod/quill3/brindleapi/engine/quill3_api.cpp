@@ -49,14 +49,12 @@ AString API::open_command (const Shared &entry, const AString &name, const Rows 
   AString xid = registry_->issue_id (entry);
   try {
     send_command (xid, name, rows, arguments, AMethod::bind (entry.get (), &XIDRegistryEntry::has_ended));
-  } catch (...) { // out of memory: whoever waits for the command has to be told
-    if (!entry->is_awaited ())
+  } catch (...) { // out of memory: the caller is told, unless the link has gone and whoever waits is
+    if (!entry->is_awaited () || registry_->withdraw (entry))
       throw;
-    registry_->fail_with_fault (entry);
-    on_send_fault ();
   }
   if (is_ending ()) // the link was ended under it, and nobody fails what is open then
-    registry_->fail_unsent (entry);
+    registry_->fail (entry);
   return xid;
 }
 

@@ -31,8 +31,8 @@ public:
   //
   // With a callback that is not empty the command is open from before its first byte is sent, and ends once:
   // callbacks may run on the connection's thread or, when the link is down, on any that finds it so, this one
-  // included, and so before the wrapper returns. A wrapper that throws has no open command and runs no
-  // callback, with one exception: a command without callbacks may throw at any point.
+  // included, and so before the wrapper returns. A failure that another thread has begun to tell may also
+  // come after it. A wrapper that throws, for want of memory, leaves no command open and runs no callback.
 #define PARAMETER(context, reply) callback::reply reply
 #define COMMAND(name, ...)                                                                                   \
   AString name (const command::name &arguments);                                                             \
@@ -55,9 +55,6 @@ public:
   void fail_all_commands () noexcept;
 
 protected:
-  /// Called when a command has failed because there was no memory to send it, on its sender's thread.
-  virtual void on_send_fault () noexcept {}
-
   /// Whether commands are of no use any more, because the end of this object has begun: one that is sent then
   /// fails, and those that were open before are left without a word.
   virtual bool is_ending () const {

@@ -231,15 +231,6 @@ void Client::write_document (const XMLTree &document, const AFunction<bool ()> &
   }
 }
 
-// What the thread itself sends is what each link needs to begin with, and nobody repeats it on this one: so
-// the fault costs the link, as all that happens on the thread does.
-void Client::on_send_fault () noexcept {
-  if (!is_own_thread ())
-    return;
-  if (std::shared_ptr<Link> link = current_link ())
-    link->send_failed = true;
-}
-
 void Client::send_bytes (const void *data, uint64_t length) {
   std::shared_ptr<Link> link = binding_.in_document ? binding_.link : current_link ();
   if (link == nullptr || !link->is_up ()) {

@@ -95,8 +95,6 @@ protected:
   bool stop_requested () const { return stop_requested_; }
   bool is_ending () const override { return stop_requested_; }
 
-  void on_send_fault () noexcept override;
-
   /// Ends the thread and waits until it has left; wakes it from whatever it waits in. Commands that are open
   /// are left alone, later ones fail. Any number of times; on the connection's own thread it does not wait,
   /// and neither for a thread that the system has ended with the process.

@@ -15,11 +15,6 @@ const AString &failure_text () {
   return text;
 }
 
-const AString &fault_text () {
-  static const AString &text = *new AString ("Internal software error");
-  return text;
-}
-
 const AString &untracked_prefix () {
   static const AString &word = *new AString ("none");
   return word;
@@ -74,7 +69,6 @@ XIDRegistry::XIDRegistry () {
   if (!lock_.is_valid ())
     throw std::bad_alloc ();
   failure_text ();
-  fault_text ();
 }
 
 AString XIDRegistry::issue_id (const Shared &entry) {
@@ -141,30 +135,28 @@ bool XIDRegistry::cancel (const AString &xid) {
   return true;
 }
 
-void XIDRegistry::tell (const Shared &entry, const AString &text) noexcept {
+void XIDRegistry::tell (const Shared &entry) noexcept {
   try {
-    entry->error.run (text, code_general);
+    entry->error.run (failure_text (), code_general);
   } catch (...) { // it has been told; what it does with that is its own affair
   }
 }
 
 void XIDRegistry::end_item (const Shared &entry) noexcept {
   if (entry->end_item ())
-    tell (entry, failure_text ());
+    tell (entry);
 }
 
-void XIDRegistry::fail (const Shared &entry, const AString &text) noexcept {
+void XIDRegistry::fail (const Shared &entry) noexcept {
   if (entry->claim_failure () == XIDRegistryEntry::Failure::now)
-    tell (entry, text);
+    tell (entry);
   remove_entry (entry);
 }
 
-void XIDRegistry::fail_with_fault (const Shared &entry) noexcept {
-  fail (entry, fault_text ());
-}
-
-void XIDRegistry::fail_unsent (const Shared &entry) noexcept {
-  fail (entry, failure_text ());
+bool XIDRegistry::withdraw (const Shared &entry) noexcept {
+  const bool unheard = entry->claim_failure () == XIDRegistryEntry::Failure::now;
+  remove_entry (entry);
+  return unheard;
 }
 
 XIDRegistry::Run *XIDRegistry::run_of_this_thread () noexcept {
@@ -203,7 +195,7 @@ void XIDRegistry::fail_all () noexcept {
   if (!begin (run))
     return;
   while (Shared entry = next_of (run))
-    fail (entry, failure_text ());
+    fail (entry);
 }
 
 } // namespace QUILL3

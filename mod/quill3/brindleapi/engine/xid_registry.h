@@ -99,10 +99,10 @@ public:
 
   /// Ends a command without a callback; one that is running goes on. @return false when it was not open.
   bool cancel (const AString &xid);
-  /// Fails one command with "Internal software error", unless somebody else ends it.
-  void fail_with_fault (const Shared &entry) noexcept;
-  /// The same with the text of `fail_all`.
-  void fail_unsent (const Shared &entry) noexcept;
+  /// Takes a command back without a callback. @return false when somebody else is ending it, and tells.
+  bool withdraw (const Shared &entry) noexcept;
+  /// Fails one command as `fail_all` does, unless somebody else ends it.
+  void fail (const Shared &entry) noexcept;
   /// Fails all open commands in text order of their identifiers, and those that their callbacks open on this
   /// thread; called by such a callback, leaves them to the run that it belongs to. What other threads open
   /// meanwhile stays open: so a run ends however busy they are. What another thread's run has taken is left
@@ -143,8 +143,7 @@ private:
   Run *run_of_this_thread () noexcept KELVANE_REQUIRES (lock_);
   bool begin (Run &run) noexcept;
   Shared next_of (Run &run) noexcept;
-  void fail (const Shared &entry, const AString &text) noexcept;
-  static void tell (const Shared &entry, const AString &text) noexcept;
+  static void tell (const Shared &entry) noexcept;
 
   AMutex lock_;                                    ///< recursive
   Table entries_ KELVANE_GUARDED_BY (lock_);       ///< open, but for those that a run has taken
