@@ -1,6 +1,7 @@
 #include "base/amethod.h"
 #include "engine/notes.h"
 #include "engine/xid_registry.h"
+#include "support/semaphore.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,7 +9,6 @@
 #include <atomic>
 #include <memory>
 #include <new>
-#include <semaphore>
 #include <thread>
 
 namespace {
@@ -497,8 +497,8 @@ TEST_F (OpenCommands, FailAllThoughOneCallbackThrows) {
 // A callback that waits, inside, until the test lets it go.
 struct Gate {
   Notes &notes;
-  std::binary_semaphore entered{0};
-  std::binary_semaphore leave{0};
+  support::Semaphore entered{0};
+  support::Semaphore leave{0};
 
   void pass (const std::string &line) {
     notes.add (line + " begins");
@@ -666,7 +666,7 @@ TEST_F (OpenCommands, AreNeverForgottenByARunThatEnds) {
 // While one thread fails what was open, another opens commands on a link that has come up: these are its own.
 TEST_F (OpenCommands, OfOtherThreadsAreNotFailedByARunThatHasBegun) {
   struct Holds {
-    std::binary_semaphore entered{0}, leave{0};
+    support::Semaphore entered{0}, leave{0};
     void failed (AString, uint32_t) {
       entered.release ();
       leave.acquire ();
@@ -696,7 +696,7 @@ TEST_F (OpenCommands, OfOtherThreadsAreNotFailedByARunThatHasBegun) {
 TEST_F (OpenCommands, AreFailedInARunThatEndsHoweverBusyOthersAre) {
   struct Refills {
     WireInHand &wire;
-    std::binary_semaphore wanted{0}, opened{0};
+    support::Semaphore wanted{0}, opened{0};
     std::atomic<int> failed{0};
     std::atomic<bool> done{false};
     void open () { wire.stop ({.Channel = 0}, {}, AMethod::bind (this, &Refills::on_error)); }

@@ -3,11 +3,11 @@
 #include "base/aref.h"
 #include "platform/threads.h"
 #include "support/own_address.h"
+#include "support/semaphore.h"
 #include "support/soak.h"
 
 #include <list>
 #include <memory>
-#include <semaphore>
 #include <thread>
 
 namespace {
@@ -82,7 +82,7 @@ TEST_F (Connection, FailsWhatIsSentBehindItsEndAndNothingElse) {
 
 // The stream fails in the very feed during which the end begins.
 TEST_F (Connection, EndsWithoutAWordThoughTheLinkFailsMeanwhile) {
-  std::binary_semaphore in_handler{0}, go_on{0};
+  support::Semaphore in_handler{0}, go_on{0};
   client.when_clip = [&] (const std::string &) {
     in_handler.release ();
     go_on.acquire ();
@@ -281,7 +281,7 @@ TEST_F (Connection, EndsEachCommandOnceWhateverHappensToTheLink) {
   start ();
   struct Waiter {
     std::string clip;
-    std::binary_semaphore done{0};
+    support::Semaphore done{0};
     std::atomic<int> answers{0}, failures{0}, wrong{0};
     void answered (AString ClipID, bool) {
       wrong += ClipID.to_std_string () == clip ? 0 : 1;

@@ -3,6 +3,7 @@
 #include "base/amethod.h"
 #include "engine/test_client.h"
 #include "support/process_counts.h"
+#include "support/semaphore.h"
 #include "support/soak.h"
 
 #include <gmock/gmock.h>
@@ -11,7 +12,6 @@
 #include <csignal>
 #include <fcntl.h>
 #include <pthread.h>
-#include <semaphore>
 #include <sys/resource.h>
 #include <thread>
 #include <unistd.h>
@@ -23,7 +23,7 @@ using namespace std::chrono_literals;
 using support::FakeServer;
 
 struct Waiter {
-  std::binary_semaphore done{0};
+  support::Semaphore done{0};
   std::atomic<int> answers{0}, failures{0};
   void ok () {
     ++answers;

@@ -1,6 +1,7 @@
 #include "engine/connection.h"
 
-#include <semaphore>
+#include "support/semaphore.h"
+
 #include <thread>
 
 namespace {
@@ -106,7 +107,7 @@ TEST_F (Connection, GivesTheSystemNoMoreThanTwoGigabytesAtOnce) {
 // A sender that is still busy with a link which has gone: what it finds out about it is nobody else's affair,
 // and what it had left to send does not appear on the next link.
 TEST_F (Connection, IsNotHarmedByALateFailureOnTheOneBefore) {
-  std::binary_semaphore in_send{0}, go_on{0};
+  support::Semaphore in_send{0}, go_on{0};
   std::atomic<bool> held{false};
   server.answer_any ("<ok />");
   client.instead_of_transmit = [&] (const void *, uint64_t) -> int64_t {
@@ -138,7 +139,7 @@ TEST_F (Connection, IsNotHarmedByALateFailureOnTheOneBefore) {
 
 // A command that has failed while it waited for its turn to be sent is not sent any more.
 TEST_F (Connection, IsNotGivenCommandsThatHaveFailedOnTheOneBefore) {
-  std::binary_semaphore in_send{0}, go_on{0};
+  support::Semaphore in_send{0}, go_on{0};
   std::atomic<bool> held{false};
   server.answer_any ("<ok />");
   client.instead_of_transmit = [&] (const void *, uint64_t) -> int64_t {
