@@ -46,6 +46,11 @@
  *   - Pass a number that a function declares to be a fault of the program: it ends the process too.
  *   - Call a function that waits from a connection's own thread. The library offers no callback that would
  *     allow it; code that finds another way there waits for an answer that nobody can read.
+ *   - End a thread inside a call, by cancelling or terminating it, leave a call by a jump, or make one in a
+ *     signal handler.
+ *   - On Windows, make any call but orva_close() while the process is ending, from DllMain or a destructor of
+ *     static storage in a DLL: the system has ended the library's threads by then, and what waits for them
+ *     never returns.
  *   - Use the library in a child process between fork() and exec. Connections do not survive the fork; their
  *     sockets are closed by the exec.
  *
@@ -847,7 +852,8 @@ enum OrvaStoreChange { ORVA_STORE_CHANGE_SET = 1, ORVA_STORE_CHANGE_ERASE = 2 };
 
 /**
  * Opens a store and, in a mode that reads, subscribes its folder and has it downloaded. Returns at once, also
- * while the server is away.
+ * while the server is away; only a server that stays connected and stops reading can hold this call, and the
+ * close of a store that reads, as it holds all that send.
  * @param folder the name of the database. @param prefix of the keys on the server, part of no key here; may
  *   be empty, and then all keys are the store's. @param mode an OrvaStoreMode.
  * @param handle receives the store.

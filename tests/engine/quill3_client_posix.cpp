@@ -2,8 +2,8 @@
 
 #include "base/amethod.h"
 #include "engine/test_client.h"
+#include "engine/waiter.h"
 #include "support/process_counts.h"
-#include "support/semaphore.h"
 #include "support/soak.h"
 
 #include <gmock/gmock.h>
@@ -21,19 +21,6 @@ namespace {
 using namespace QUILL3;
 using namespace std::chrono_literals;
 using support::FakeServer;
-
-struct Waiter {
-  support::Semaphore done{0};
-  std::atomic<int> answers{0}, failures{0};
-  void ok () {
-    ++answers;
-    done.release ();
-  }
-  void failed (AString, uint32_t) {
-    ++failures;
-    done.release ();
-  }
-};
 
 std::atomic<int> interruptions{0};
 
@@ -85,59 +72,6 @@ TEST (ConnectionUnderSignals, AnswersEachCommand) {
   EXPECT_EQ (answered, senders * rounds);
   EXPECT_GT (interruptions, 0);
   EXPECT_EQ (server.accepted (), 1u);
-}
-
-// A byte at a time, far below what eight callers have to say: none of them is forgotten.
-TEST (ConnectionToASlowServer, AnswersEachCommandInTheEnd) {
-  FakeServer server;
-  server.answer_any ("<ok />");
-  server.read_slowly (1, std::chrono::milliseconds (support::rounds (1, 100)));
-  Notes notes;
-  TestClient client (notes, server.address ());
-  client.start_thread (-1);
-  ASSERT_TRUE (client.wait_connected ());
-  std::list<Waiter> waiters;
-  std::vector<std::thread> threads;
-  for (int i = 0; i != 8; ++i)
-    threads.emplace_back ([&, w = &waiters.emplace_back ()] {
-      client.stop ({.Channel = 0}, AMethod::bind (w, &Waiter::ok), AMethod::bind (w, &Waiter::failed));
-      w->done.acquire ();
-    });
-  for (std::thread &thread : threads)
-    thread.join ();
-  for (Waiter &waiter : waiters) {
-    EXPECT_EQ (waiter.answers, 1);
-    EXPECT_EQ (waiter.failures, 0);
-  }
-  EXPECT_EQ (server.accepted (), 1u);
-}
-
-TEST (ConnectionToASlowServer, EndsEachCommandOnceWhenItGoes) {
-  FakeServer server;
-  server.read_slowly (1, 1s);
-  Notes notes;
-  TestClient client (notes, server.address ());
-  client.start_thread (-1);
-  ASSERT_TRUE (client.wait_connected ());
-  const AString large = AString::from_latin1 (std::string (1000000, 'x'));
-  std::list<Waiter> waiters;
-  std::vector<std::thread> threads;
-  for (int i = 0; i != 8; ++i)
-    threads.emplace_back ([&, w = &waiters.emplace_back ()] {
-      for (int round = 0; round != 3 && w->failures == 0; ++round)
-        client.delete_clip ({.ClipID = large}, AMethod::bind (w, &Waiter::ok),
-                            AMethod::bind (w, &Waiter::failed));
-    });
-  ASSERT_TRUE (support::wait_until ([&] { return client.outstanding_count () >= 8; }));
-  server.send (
-      "<report></x></report>"); // has this side give the link up; a server that reads so slowly does not
-  for (std::thread &thread : threads)
-    thread.join ();
-  EXPECT_GE (notes.count ("disconnected"), 1u);
-  for (Waiter &waiter : waiters) {
-    EXPECT_GE (waiter.failures, 1);
-    EXPECT_EQ (waiter.answers, 0);
-  }
 }
 
 // What a host has set up for its signals is its own, whatever the library goes through.

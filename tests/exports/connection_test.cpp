@@ -416,8 +416,22 @@ TEST (Asynchronous, KeepsTheMannerInWhichACommandStarted) {
 
 TEST (Sync, ReturnsAtOnceWhenNothingIsOpen) {
   FakeServer server;
+  server.answer_any ("<ok />");
   const Session session (server);
   orva_sync (session);
+  orva_cmd_stop1 (session, 0);
+  orva_sync (session);
+  EXPECT_EQ (server.command_count (), 1u) << "it asks the server nothing";
+}
+
+TEST (Sync, ReturnsAtOnceWhileTheServerIsAway) {
+  const support::OwnAddress nobody;
+  const uint32_t connection = orva_connect (nobody.value ());
+  orva_synchronous (connection, 1);
+  orva_cmd_stop1 (connection, 0);
+  orva_sync (connection);
+  EXPECT_FALSE (orva_connected (connection));
+  orva_close (connection);
 }
 
 TEST (Sync, WaitsForEveryAnswer) {

@@ -197,6 +197,27 @@ TEST (Host, WithoutADescriptorAWakeUpStillWorks) {
   waker.join ();
 }
 
+// A host that closes all descriptors, as some do when they become a service, closes those of a wait too.
+TEST (Host, AWakeUpWhoseDescriptorWasClosedStillWorksAndDoesNotSpin) {
+  Pair pair;
+  platform::WakeUp robbed;
+  close (static_cast<int> (robbed.descriptor ()));
+  const auto processor_time = [] {
+    timespec used{};
+    clock_gettime (CLOCK_THREAD_CPUTIME_ID, &used);
+    return used.tv_sec * 1000 + used.tv_nsec / 1000000;
+  };
+  const long before = processor_time ();
+  EXPECT_EQ (platform::socket_wait_readable (pair.near_end, 300, robbed), platform::Ready::timed_out);
+  EXPECT_LT (processor_time () - before, 100);
+  std::thread waker ([&] {
+    platform::sleep_milliseconds (20);
+    robbed.set ();
+  });
+  EXPECT_EQ (platform::socket_wait_readable (pair.near_end, long_wait, robbed), platform::Ready::woken);
+  waker.join ();
+}
+
 TEST (Host, SignalsShortenNoWait) {
   WithHandler handler;
   Pair pair;

@@ -35,27 +35,30 @@ bool set_blocking (SocketHandle socket, bool blocking) {
   return fcntl (descriptor_of (socket), F_SETFL, flags) == 0;
 }
 
-int poll_time (int64_t left, const WakeUp &wake_up) {
-  if (wake_up.descriptor () == platform::no_socket)
+int poll_time (int64_t left, int bell) {
+  if (bell < 0)
     left = std::min (left, look_every);
   return left == no_end ? -1 : static_cast<int> (std::min<int64_t> (left, INT_MAX));
 }
 
 // Waits until `steady_milliseconds` says `end` for one of the events, or an error, on the socket.
 Ready wait_for (SocketHandle socket, short events, int64_t end, const WakeUp &wake_up) {
+  int bell = descriptor_of (wake_up.descriptor ());
   for (;;) {
     if (wake_up.is_set ())
       return Ready::woken;
     int64_t left = end == no_end ? no_end : std::max<int64_t> (0, end - platform::steady_milliseconds ());
     // poll passes over a negative descriptor.
-    pollfd two[2] = {{descriptor_of (socket), events, 0}, {descriptor_of (wake_up.descriptor ()), POLLIN, 0}};
-    int ready = poll (two, 2, poll_time (left, wake_up));
+    pollfd two[2] = {{descriptor_of (socket), events, 0}, {bell, POLLIN, 0}};
+    int ready = poll (two, 2, poll_time (left, bell));
     if (ready < 0 && errno != EINTR)
       return Ready::failed;
     if (wake_up.is_set ())
       return Ready::woken;
     if (ready > 0 && (two[0].revents & POLLNVAL) != 0)
       return Ready::failed;
+    if (ready > 0 && (two[1].revents & POLLNVAL) != 0)
+      bell = -1; // the host has closed what is not its own
     if (ready > 0 && two[0].revents != 0)
       return Ready::readable;
     if (left == 0)
