@@ -321,7 +321,8 @@ TEST_F (Connection, EndsEachCommandOnceWhateverHappensToTheLink) {
   EXPECT_EQ (answers + failures, senders * rounds);
   EXPECT_GT (answers, 0);
   EXPECT_GT (failures, 0);
-  EXPECT_EQ (client.outstanding_count (), 0u);
+  // A command leaves the table behind its callback.
+  EXPECT_TRUE (wait_until ([&] { return client.outstanding_count () == 0; }));
 }
 
 } // namespace
