@@ -83,7 +83,7 @@ std::string command (const std::string &body) {
 }
 
 std::string channel_tag (uint32_t channel) {
-  return std::string ("<Channel>") + static_cast<char> ('A' + channel) + "</Channel>";
+  return "<Channel>" + std::string (1, static_cast<char> ('A' + channel)) + "</Channel>";
 }
 
 /// Sends commands over a connection of their own. @return all that comes up to the last answer
