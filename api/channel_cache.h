@@ -31,8 +31,11 @@ struct ChannelItem {
   }
 
   AMutex lock;
-  atomic_unsigned registered; ///< not 0: the report is registered, now and on each new connection
-  atomic_unsigned valid;      ///< not 0: a report of this kind has come
+  /// Not 0: the server has accepted the registration and told a first value; each new connection asks again.
+  atomic_unsigned registered;
+  /// Not 0: a first value counts as told. Reports of lists mark that of `info`; none marks that of
+  /// `listplay`.
+  atomic_unsigned valid;
   V value KELVANE_GUARDED_BY (lock){};
 };
 

@@ -52,8 +52,8 @@ ResultCode forced_command (const ARef<OrvaConnObject> &self, OkWrapper<Command> 
   return code;
 }
 
-// Either the new link sees the flag, or this sees the new link: both change the count, and so one comes
-// first.
+// Adding 0 takes part in the order of all changes of the count. So either the new link, which counts itself
+// before it looks at the flags, sees this flag, or this sees the new link.
 template <class RegisterReport>
 void OrvaConnObject::keep_registered (atomic_unsigned &registered, unsigned link,
                                       RegisterReport register_report) {

@@ -323,7 +323,7 @@ private:
 
   static ResultCode ensure_report (const ARef<OrvaConnObject> &self, atomic_unsigned &registered,
                                    uint32_t report_type);
-  /// Sees to it that each new connection asks for a report again.
+  /// Marks a report as registered, so that each new connection asks for it again.
   /// @param link the one on which the server has accepted the registration
   /// @param register_report is called when there is a newer one, which may not have asked. When it throws,
   ///   the report counts as not registered.
@@ -331,7 +331,7 @@ private:
   void keep_registered (atomic_unsigned &registered, unsigned link, RegisterReport register_report);
 
   atomic_unsigned links_; ///< how many there have been; counted before anything is registered on one
-  // Not 0: the server has been asked for these reports, and is asked again on each new connection.
+  // Not 0: the server has accepted these registrations, and is asked again on each new connection.
   atomic_unsigned clip_reports_registered_;
   atomic_unsigned directory_reports_registered_;
 

@@ -43,7 +43,8 @@ public:
 
   ResultCode set (const std::u16string &key, std::u16string value);
   ResultCode erase (const std::u16string &key);
-  /// Waits until the server has accepted all that is pending, what is added meanwhile included.
+  /// Waits until the server has accepted all that is pending, what is added meanwhile included. After `close`
+  /// it gives OK at once, whatever was lost.
   ResultCode flush (uint32_t timeout_ms);
   /// Waits for a change and takes the one whose key changed first. @param type receives an OrvaStoreChange.
   /// When the time is up, @p key and @p value are empty. Out of memory takes no change.

@@ -30,7 +30,7 @@ public:
   void begin ();
   /// After its answer. With several downloads under way, the outcome of the last to end counts.
   void finish (bool outcome);
-  /// The connection has gone: no answer will come any more.
+  /// The connection object is going: no callback comes any more.
   void let_go ();
 
   /// Waits until no download is under way and the last one has succeeded. @return false when the time is up,

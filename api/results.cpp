@@ -6,7 +6,8 @@
 
 namespace {
 
-/// The texts of the codes, made once so that recording one of them allocates nothing.
+/// The texts of the codes, made once so that recording one of them allocates nothing but a
+/// thread's first entry.
 struct FixedTexts {
   const AString by_code[ORVA_WRITE_ONLY + 1] = {
       "OK",

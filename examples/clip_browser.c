@@ -17,7 +17,7 @@ static void interrupt (int number) {
   interrupted = 1;
 }
 
-/* Frames to a second, with the fraction left out: what the last part of a timecode counts up to. */
+/* Frames to a second, rounded: what the last part of a timecode counts up to. */
 static uint32_t frames_per_second (uint32_t standard) {
   switch (standard) {
   case ORVA_STANDARD_1080_50I:

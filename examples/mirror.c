@@ -1,6 +1,6 @@
 /* A table that several processes share: start it twice, type into either, and the other shows what has
- * changed. The table is a metadata database of the server; a key-value store keeps it in step. Nobody waits
- * for the network here, and what is typed while the server is away goes out when it is back.
+ * changed. The table is a metadata database of the server; a key-value store keeps it in step. Once it
+ * is ready nobody waits for the network, and what is typed while the server is away goes out when it is back.
  *
  *     mirror [address]             127.0.0.1 when none is given
  *

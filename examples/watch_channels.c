@@ -135,7 +135,7 @@ static void work (uint32_t server, uint32_t channel, const char *name) {
     clip[i] = (orva_char)(unsigned char)name[i];
   clip[i] = 0;
 
-  watch (server, ORVA_NOTICE_EE);
+  watch (server, ORVA_NOTICE_EE); /* the last kind: one notice of each */
   printf ("Loading %s.\n", name);
   must ("loading", orva_cmd_loadclip1 (server, channel, clip));
   watch (server, 20);

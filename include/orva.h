@@ -122,7 +122,9 @@ enum OrvaResult {
  * from then on, and again whenever the connection is lost. Returns at once.
  * @param address IPv4 address of the server in host byte order: 127.0.0.1 is 0x7F000001. The port is 8913.
  * @return the connection number; 0, which no connection ever has, only when memory runs out. Two connections
- *   to one address are independent. Records no text. Each connection costs one thread and one socket.
+ *   to one address are independent. When the system has no thread to give, the number is valid and the
+ *   connection never comes up: commands fail at once. Records no text. Each connection costs one thread and
+ *   one socket.
  */
 ORVA_API uint32_t orva_connect (uint32_t address);
 
@@ -864,9 +866,9 @@ ORVA_API uint32_t orva_open_kvstore (uint32_t connection, const orva_char *folde
                                      uint32_t mode, uint32_t *handle);
 /**
  * Closes a store. In a mode that writes, what is pending has 2 seconds to go out and is lost after that, and
- * the command in hand has 10 more to be answered. A server that leaves it unanswered and the connection up
- * for all that time holds this call for ever, whatever comes later. A handle that is not open does nothing.
- * Records no text.
+ * the command in hand has 10 more to be answered. A server that keeps the connection up and leaves that
+ * command unanswered all this time holds this call for ever, whatever comes later. A handle that is not open
+ * does nothing. Records no text.
  */
 ORVA_API void orva_close_key_value_store (uint32_t handle);
 /** Sets a key. Returns at once. @return ORVA_READ_ONLY for a store that only reads. */
@@ -876,7 +878,8 @@ ORVA_API uint32_t orva_kvstore_erase (uint32_t handle, const orva_char *key);
 /**
  * Waits until the server has accepted all that is pending, what other threads add meanwhile included.
  * @param timeout in milliseconds; 0 only looks. 0xFFFFFFFF is 49 days, not for ever.
- * @return ORVA_TIMEOUT when the time was up; ORVA_READ_ONLY for a store that only reads.
+ * @return ORVA_TIMEOUT when the time was up; ORVA_READ_ONLY for a store that only reads; ORVA_OK also when
+ * the store is closed meanwhile, whatever became of what was pending.
  */
 ORVA_API uint32_t orva_kvstore_flush (uint32_t handle, uint32_t timeout);
 /**

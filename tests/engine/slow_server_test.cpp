@@ -58,8 +58,8 @@ TEST (ConnectionToASlowServer, EndsEachCommandOnceWhenItGoes) {
                             AMethod::bind (w, &Waiter::failed));
     });
   ASSERT_TRUE (support::wait_until ([&] { return client.outstanding_count () >= 8; }));
-  server.send (
-      "<report></x></report>"); // has this side give the link up; a server that reads so slowly does not
+  // The client ends the link: an end from a server that reads so slowly would come too late.
+  server.send ("<report></x></report>");
   for (std::thread &thread : threads)
     thread.join ();
   EXPECT_GE (notes.count ("disconnected"), 1u);

@@ -49,11 +49,11 @@ AString API::open_command (const Shared &entry, const AString &name, const Rows 
   AString xid = registry_->issue_id (entry);
   try {
     send_command (xid, name, rows, arguments, AMethod::bind (entry.get (), &XIDRegistryEntry::has_ended));
-  } catch (...) { // out of memory: the caller is told, unless the link has gone and whoever waits is
+  } catch (...) { // out of memory: passed on, unless the command has ended meanwhile and its callback told
     if (!entry->is_awaited () || registry_->withdraw (entry))
       throw;
   }
-  if (is_ending ()) // the link was ended under it, and nobody fails what is open then
+  if (is_ending ()) // nobody fails open commands any more, and this one would wait for ever
     registry_->fail (entry);
   return xid;
 }

@@ -12,8 +12,8 @@ class XIDRegistryEntry;
 
 /// Keeps the commands that are open, hands out their identifiers, and turns each incoming reply into a call
 /// of the callback that the sender supplied for that kind of reply. Nothing expires by itself: a command ends
-/// with a reply that closes it, with the failure of all commands, or without a word when this object is
-/// destroyed. Threads: any.
+/// with a reply that closes it, with `cancel_command`, with a failure (of all, or its own when it is sent
+/// behind the end), or without a word when this object is destroyed. Threads: any.
 class API : public APICommand {
 public:
   API ();
@@ -51,7 +51,8 @@ public:
   /// of the identifiers, and with them those that the callbacks open; called by such a callback, it leaves
   /// them to the call that is running and returns at once. What other threads open meanwhile is not touched,
   /// and what another call has begun to fail is left to that one. No lock of the registry is held while a
-  /// callback runs. A command whose callback is running at that moment fails when it has returned.
+  /// callback runs. A command that a running callback leaves open fails
+  /// when that callback has returned; one whose last callback is running does not fail.
   void fail_all_commands () noexcept;
 
 protected:

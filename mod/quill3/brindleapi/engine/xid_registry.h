@@ -82,7 +82,8 @@ public:
 
   /// @return the open command of that identifier, or null.
   Shared find_entry (const AString &xid);
-  /// Number of open commands; one whose last callback is running still counts.
+  /// Number of open commands. One counts until its last callback has returned, unless a failure meets that
+  /// callback: then it leaves at once.
   uint32_t outstanding_count ();
 
   /// Hands a reply to the slot of the command that it answers. Nothing happens when that command is not open
@@ -99,7 +100,8 @@ public:
 
   /// Ends a command without a callback; one that is running goes on. @return false when it was not open.
   bool cancel (const AString &xid);
-  /// Takes a command back without a callback. @return false when somebody else is ending it, and tells.
+  /// Takes a command back. @return true: nobody has been told or will be. false: it is being ended elsewhere,
+  /// or the thread that runs a callback of it tells the failure behind that.
   bool withdraw (const Shared &entry) noexcept;
   /// Fails one command as `fail_all` does, unless somebody else ends it.
   void fail (const Shared &entry) noexcept;
@@ -141,7 +143,10 @@ private:
   void end_item (const Shared &entry) noexcept;
   Place place_of (const AString &xid) noexcept KELVANE_REQUIRES (lock_);
   Run *run_of_this_thread () noexcept KELVANE_REQUIRES (lock_);
+  // Takes all that is open into the run. False when this thread is in a run already, which goes on with it.
   bool begin (Run &run) noexcept;
+  // The next to fail. Null when none is left: the run is over then, under the same hold of the lock, so that
+  // nothing is entered into it behind that.
   Shared next_of (Run &run) noexcept;
   static void tell (const Shared &entry) noexcept;
 

@@ -22,7 +22,8 @@ public:
   /// The thread goes on.
   ~ThreadHandle ();
 
-  /// True once the thread is surely gone. Never where threads end by themselves only, nor without a thread.
+  /// True once the thread is surely gone. Only Windows can tell: elsewhere, and without a thread, always
+  /// false.
   bool was_ended () const noexcept;
 
 private:
@@ -33,7 +34,8 @@ private:
 /// blocked in the new thread from its first instruction on. Where the system refuses a stack of @p
 /// stack_bytes, or a sanitizer needs more, the thread gets a larger one. On Windows the first call pins the
 /// module that holds this code in the process.
-/// @param started gets the thread, unless it is null. Only the caller's: the thread may run before that.
+/// @param started receives the thread on Windows; may be null. It is written after the thread may have begun
+///   to run, so the thread itself must not look at it.
 /// @return false when no thread could be had. Any thread may call.
 bool thread_start (void (*run) (void *argument), void *argument, unsigned stack_bytes = small_stack,
                    ThreadHandle *started = nullptr) noexcept;

@@ -68,7 +68,7 @@ bool create_with_stack_at_least (size_t stack_bytes, Start *start) {
 
 } // namespace
 
-// Nothing here ends a single thread from outside, and nothing ends some before others.
+// The system ends all threads of a process together, so none is left to wait for another.
 platform::ThreadHandle::~ThreadHandle () = default;
 
 bool platform::ThreadHandle::was_ended () const noexcept {
