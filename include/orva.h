@@ -5,6 +5,11 @@
  * A caller names a server by its IPv4 address and gets a connection number. The library keeps the TCP
  * connection to that server up by itself until orva_close(), making it again whenever it is lost.
  *
+ * IN THIS FILE, under these titles: Connections, Last error, Waiting or not, Transport and gangs, Clips,
+ * Lists of clips and directories, Changes of clips and directories, Metadata handles, Attributes of clips,
+ * Virtual clips, Server information, State of channels, Notices, Playlists, Key-value stores. What holds for
+ * all functions of a title stands under it, and what holds for all functions at all, here:
+ *
  * ORDER OF CALLS. There is no initialisation and no shutdown of the library:
  *
  *     uint32_t server = orva_connect (0x7F000001);       // 127.0.0.1

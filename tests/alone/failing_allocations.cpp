@@ -1,7 +1,6 @@
 // Memory runs out at each allocation of a call in turn: the call fails with a code, nothing of it is left
 // behind, and the connection goes on.
-#include "orva.h"
-#include "support/fake_server.h"
+#include "exports/session.h"
 
 #include <gtest/gtest.h>
 
@@ -66,15 +65,6 @@ unsigned fail_each_allocation (Call call, Check check) {
     SCOPED_TRACE (n);
     check (result);
   }
-}
-
-std::string last_error () {
-  orva_char units[64];
-  orva_get_last_error (OrvaStringBuffer{units, 64});
-  std::string ascii;
-  for (const orva_char *unit = units; *unit != 0; ++unit)
-    ascii += char (*unit);
-  return ascii;
 }
 
 class FailingAllocations : public testing::Test {

@@ -1,9 +1,8 @@
 // Whole lives of connections, one after the other, while eight threads call and the server lets go in the
 // middle of what it says: each command ends once, with its own answer or with the failure of all, and at the
 // end the process has exactly what it had before. A program of its own, because it counts for the process.
-#include "orva.h"
+#include "exports/session.h"
 #include "support/counted_memory.h"
-#include "support/fake_server.h"
 #include "support/process_counts.h"
 #include "support/soak.h"
 
@@ -26,15 +25,6 @@ using support::wait_until;
 
 constexpr int callers = 8;
 constexpr int calls = 6; // of each caller in a round
-
-std::string last_error () {
-  orva_char units[64];
-  orva_get_last_error (OrvaStringBuffer{units, 64});
-  std::string ascii;
-  for (const orva_char *unit = units; *unit != 0; ++unit)
-    ascii += char (*unit);
-  return ascii;
-}
 
 /// Lets a number of threads go on together, again and again.
 class Meeting {

@@ -104,29 +104,36 @@ TEST_F (Connection, GivesTheSystemNoMoreThanTwoGigabytesAtOnce) {
   EXPECT_EQ (last, bytes + 7);
 }
 
+// Keeps the first send until it is let go, and has it fail; the others are made.
+struct FirstSendHeld {
+  support::Semaphore begun{0}, go_on{0};
+  std::atomic<bool> taken{false};
+
+  int64_t transmit () {
+    if (taken.exchange (true))
+      return 0;
+    begun.release ();
+    go_on.acquire ();
+    return -1;
+  }
+};
+
 // A sender that is still busy with a link which has gone: what it finds out about it is nobody else's affair,
 // and what it had left to send does not appear on the next link.
 TEST_F (Connection, IsNotHarmedByALateFailureOnTheOneBefore) {
-  support::Semaphore in_send{0}, go_on{0};
-  std::atomic<bool> held{false};
+  FirstSendHeld held;
   server.answer_any ("<ok />");
-  client.instead_of_transmit = [&] (const void *, uint64_t) -> int64_t {
-    if (held.exchange (true))
-      return 0;
-    in_send.release ();
-    go_on.acquire ();
-    return -1;
-  };
+  client.instead_of_transmit = [&] (const void *, uint64_t) { return held.transmit (); };
   start ();
   std::thread sender ([&] {
     client.delete_clip ({.ClipID = AString::from_latin1 (std::string (6000, 'x'))}, notes.ok ("old ok"),
                         notes.error ("old error"));
   });
-  in_send.acquire ();
+  held.begun.acquire ();
   server.drop (1);
   wait_for_link (2);
   EXPECT_EQ (notes.count ("old " + failed), 1u); // the thread did not wait for the sender
-  go_on.release ();
+  held.go_on.release ();
   sender.join ();
   stop ();
   ASSERT_TRUE (client.wait_noted ("ok"));
@@ -139,26 +146,19 @@ TEST_F (Connection, IsNotHarmedByALateFailureOnTheOneBefore) {
 
 // A command that has failed while it waited for its turn to be sent is not sent any more.
 TEST_F (Connection, IsNotGivenCommandsThatHaveFailedOnTheOneBefore) {
-  support::Semaphore in_send{0}, go_on{0};
-  std::atomic<bool> held{false};
+  FirstSendHeld held;
   server.answer_any ("<ok />");
-  client.instead_of_transmit = [&] (const void *, uint64_t) -> int64_t {
-    if (held.exchange (true))
-      return 0;
-    in_send.release ();
-    go_on.acquire ();
-    return -1;
-  };
+  client.instead_of_transmit = [&] (const void *, uint64_t) { return held.transmit (); };
   start ();
   std::thread first ([&] { stop ("first "); });
-  in_send.acquire ();
+  held.begun.acquire ();
   std::thread second (
       [&] { client.unload ({.Channel = 3}, notes.ok ("second ok"), notes.error ("second error")); });
   ASSERT_TRUE (wait_until ([&] { return client.outstanding_count () == 2; }));
   server.drop (1);
   wait_for_link (2);
   EXPECT_EQ (notes.count ("second " + failed), 1u);
-  go_on.release ();
+  held.go_on.release ();
   first.join ();
   second.join ();
   stop ();

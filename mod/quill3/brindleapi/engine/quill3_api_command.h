@@ -16,9 +16,8 @@ public:
   APICommand ();
   ~APICommand () override;
 
-  /// Sets what is called with each outgoing document, on the sender's thread, before the send
-  /// lock is taken for it; a sender may hold locks already. Belongs
-  /// in front of the first command.
+  /// Sets what is called with each outgoing document, on the sender's thread, before the send lock is taken
+  /// for it; a sender may hold locks already. Belongs in front of the first command.
   void set_send_hook (AFunction<void (const XMLTree &)> hook) { send_hook_ = hook; }
 
 protected:
