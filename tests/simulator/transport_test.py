@@ -506,6 +506,22 @@ class ReportRate(support.Case):
         desk.do("gotocmd", "<GotoPosition>7000</GotoPosition>")
         desk.client.wait_report(lambda report: int(tag(report, "ClipPosition")) == 7000)
 
+    # Who has been told a place in between is told where the channel is now, although the others know.
+    def test_a_place_that_was_left_between_two_reports(self):
+        desk = Desk(self, "C")
+        desk.register("timecode")
+        for field in ("7", "0"):
+            desk.do("gotocmd", "<GotoPosition>%s</GotoPosition>" % field)
+            desk.client.wait_report(lambda report: tag(report, "ClipPosition") == field)
+        late = self.client()
+        bodies = ("<jog><Channel>C</Channel><JogDistance>100</JogDistance></jog>",
+                  "<channel_report_register><Channel>C</Channel><ChannelReportType>timecode</ChannelReportType>"
+                  "</channel_report_register>",
+                  "<gotocmd><Channel>C</Channel><GotoPosition>0</GotoPosition></gotocmd>")
+        late.send("".join("<cmd><xid>1</xid>%s</cmd>" % body for body in bodies))
+        for place in ("<ClipPosition>100<", "<ClipPosition>0<"):
+            late.wait_report(lambda report: place in report)
+
     def test_few_reports_in_a_second(self):
         desk = Desk(self, "B")
         desk.register("timecode")

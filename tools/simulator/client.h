@@ -42,7 +42,7 @@ public:
   const int number;                              ///< for the log
   std::set<int> reports;                         ///< numbers of `ReportType`
   std::set<std::pair<int, int>> channel_reports; ///< channel, number of `ChannelReportType`
-  std::set<int> owed_positions;                  ///< channels whose last position was left out
+  std::set<int> owed_positions;                  ///< channels whose last position it may not know
   std::map<std::string, std::string> watched;    ///< metadata databases, with the prefix of interest
   std::set<std::string> watched_keys;            ///< of the user dictionary
 

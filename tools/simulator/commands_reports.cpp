@@ -57,10 +57,8 @@ void reports_unregister (Call &call) {
 void register_channels (Call &call, const std::set<int> &channels, const std::set<int> &kinds) {
   call.answer (empty_body ("ok"));
   for (const int channel : channels)
-    for (const int kind : kinds) {
-      call.client.channel_reports.insert ({channel, kind});
-      call.world.report_present (call.client, channel, kind);
-    }
+    for (const int kind : kinds)
+      call.world.start_reports (call.client, channel, kind);
 }
 
 void unregister_channels (Call &call, const std::set<int> &channels, const std::set<int> &kinds) {

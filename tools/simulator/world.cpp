@@ -261,6 +261,14 @@ void World::report_present (Client &client, int channel, int kind) {
     send_report (client, body);
 }
 
+// A channel that is on its way now may be back by the next report of positions where all others saw it last.
+void World::start_reports (Client &client, int channel, int kind) {
+  client.channel_reports.insert ({channel, kind});
+  report_present (client, channel, kind);
+  if (moved_.contains (channel))
+    client.owed_positions.insert (channel);
+}
+
 void World::flush_reports () {
   for (const Report &entry : std::exchange (pending_, {}))
     for (Client *client : clients_)

@@ -68,6 +68,8 @@ public:
   void report_directory (std::string_view body_name, const std::string &directory);
   void report_disk_space ();
 
+  /// From now on the client gets this kind of channel report, first of all the present values.
+  void start_reports (Client &client, int channel, int kind);
   /// Sends one client the present values of a kind of channel report.
   void report_present (Client &client, int channel, int kind);
   void send_report (Client &client, const std::string &body);
