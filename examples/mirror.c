@@ -113,27 +113,31 @@ static void take_change (uint32_t type, const orva_char *key, const orva_char *v
   }
 }
 
-/* Takes all changes that there are. Returns whether to go on. */
-static int take_changes (uint32_t wait_milliseconds) {
+/* Returns whether there was a change. */
+static int take_next_change (uint32_t wait_milliseconds) {
   orva_char key[TEXT_CAPACITY], value[TEXT_CAPACITY];
   uint32_t type = 0;
-  int more;
-  while (orva_kvstore_get_change (store, wait_milliseconds, &type, buffer_of (key), buffer_of (value)) ==
-         ORVA_OK) {
-    take_lock (&lock);
-    take_change (type, key, value);
-    release_lock (&lock);
-  }
+  if (orva_kvstore_get_change (store, wait_milliseconds, &type, buffer_of (key), buffer_of (value)) !=
+      ORVA_OK)
+    return 0;
   take_lock (&lock);
-  more = !finished;
+  take_change (type, key, value);
   release_lock (&lock);
-  return more;
+  return 1;
+}
+
+static int is_finished (void) {
+  int answer;
+  take_lock (&lock);
+  answer = finished;
+  release_lock (&lock);
+  return answer;
 }
 
 static THREAD_BODY (follow) {
   (void)unused;
-  while (take_changes (100))
-    continue;
+  while (!is_finished ())
+    take_next_change (100);
   return 0;
 }
 
@@ -210,7 +214,8 @@ int main (int argc, char **argv) {
   must ("opening", orva_open_kvstore (server, folder, no_prefix, ORVA_STORE_READ_WRITE, &store));
   if (orva_kvstore_wait_scan (store, 2000) != ORVA_OK)
     printf ("No server yet; the table comes with it.\n");
-  take_changes (0);
+  while (take_next_change (0))
+    continue;
   printf ("Ready.\n");
   if (!start_thread (&follower, follow))
     abort ();

@@ -17,8 +17,12 @@ using namespace connection;
 // ---- The end
 
 TEST_F (Connection, ThatWasNeverStartedEndsAtOnce) {
-  Notes own;
-  EXPECT_LT (time_of ([&] { TestClient never (own, server.address ()); }), 500ms);
+  std::chrono::milliseconds best = 1h;
+  for (int i = 0; i != 5; ++i) {
+    Notes own;
+    best = std::min (best, time_of ([&] { TestClient never (own, server.address ()); }));
+  }
+  EXPECT_LT (best, 50ms);
 }
 
 // Ends of a few, and the quickest of them: noticed at once, not when some wait runs out.

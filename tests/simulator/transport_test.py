@@ -227,14 +227,14 @@ class Transport(support.Case):
             desk.do("unload")
 
     def test_ping_pong_turns_round(self):
-        desk = self.desk("B", "COUNTDOWN", "<Loop>pingpongto</Loop><LoopIn>20</LoopIn><LoopOut>40</LoopOut>")
+        desk = self.desk("B", "COUNTDOWN", "<Loop>pingpongto</Loop><LoopIn>200</LoopIn><LoopOut>240</LoopOut>")
         desk.register("speed", "timecode")
         desk.do("play", "<Speed>2X</Speed>")
         first = desk.client.wait_report(lambda report: "channel_timecode" in report and ">0<" not in report)
-        self.assertLess(int(tag(first, "ClipPosition")), 20)
+        self.assertLess(int(tag(first, "ClipPosition")), 200)
         desk.client.wait_report(lambda report: "<Speed>-2X</Speed>" in report)
         desk.client.wait_report(lambda report: "<Speed>2X</Speed>" in report)
-        self.assertGreaterEqual(desk.position(), 20)
+        self.assertGreaterEqual(desk.position(), 200)
         desk.do("unload")
 
     def test_empty_channel(self):
@@ -530,7 +530,7 @@ class ReportRate(support.Case):
         while desk.position() < 500:
             count += len([report for report in desk.client.settled_reports() if "channel_timecode" in report])
             time.sleep(0.02)
-        self.assertLessEqual(count, 12)
+        self.assertLessEqual(count, 25, "each field would be 50")
         self.assertGreater(count, 2)
 
 
