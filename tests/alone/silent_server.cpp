@@ -28,7 +28,7 @@ TEST (SilentServer, HoldsACloseForGoodAfterTwelveSeconds) {
     orva_close_key_value_store (store);
     returned = true;
   }).detach ();
-  EXPECT_FALSE (support::wait_until ([] { return returned.load (); }, milliseconds (12500)));
+  EXPECT_FALSE (support::wait_until ([] { return returned.load (); }, milliseconds (15000)));
 
   server.answer_any ("<ok />");
   server.silent (false);

@@ -76,6 +76,9 @@ private:
 // Five pauses of 200 ms, and something for a server that notes a try late.
 constexpr size_t six = 6;
 constexpr milliseconds five_pauses{850};
+// Three tries with no pause between one and the next, on a busy machine.
+constexpr size_t three = 3;
+constexpr milliseconds less_than_two_pauses{350};
 
 TEST (StoreRetries, ArePacedByTheFirstStoreThatRetries) {
   RefusingServer &server = *new RefusingServer; // its handlers need it to the end
@@ -91,7 +94,7 @@ TEST (StoreRetries, ArePacedByTheFirstStoreThatRetries) {
 
   // The first store drains for two seconds, and then wants to stop while its key is in hand.
   std::thread closing ([&] { first.close (); });
-  EXPECT_TRUE (support::wait_until ([&] { return server.time_of_latest (3 * six) < five_pauses; }))
+  EXPECT_TRUE (support::wait_until ([&] { return server.time_of_latest (three) < less_than_two_pauses; }))
       << "its wish did not end the pauses of others";
   server.send (support::reply_to (server.in_hand (), "<ok />"));
   closing.join ();

@@ -21,6 +21,7 @@ using support::FakeServer;
 using support::wait_until;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::UnorderedElementsAre;
 
 inline const std::string failing = "Failing all outstanding commands";
 inline const std::string failed = "error " + failing + " 0";

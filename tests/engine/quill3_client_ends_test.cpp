@@ -16,46 +16,50 @@ using namespace connection;
 
 // ---- The end
 
-TEST_F (Connection, ThatWasNeverStartedEndsAtOnce) {
-  std::chrono::milliseconds best = 1h;
-  for (int i = 0; i != 5; ++i) {
-    Notes own;
-    best = std::min (best, time_of ([&] { TestClient never (own, server.address ()); }));
-  }
-  EXPECT_LT (best, 50ms);
+// Whether an end comes at once and not when some wait runs out, which would make every one slow. A busy
+// machine slows only some.
+template <class End>
+bool comes_within (std::chrono::milliseconds limit, End time_of_end) {
+  for (int attempt = 0; attempt != 20; ++attempt)
+    if (time_of_end () < limit)
+      return true;
+  return false;
 }
 
-// Ends of a few, and the quickest of them: noticed at once, not when some wait runs out.
-template <class Prepare>
-std::chrono::milliseconds quickest_end (uint32_t address, Prepare prepare) {
-  std::chrono::milliseconds best = 1h;
-  for (int i = 0; i != 5; ++i) {
+TEST_F (Connection, ThatWasNeverStartedEndsAtOnce) {
+  EXPECT_TRUE (comes_within (50ms, [this] {
     Notes own;
-    TestClient mortal (own, address);
-    mortal.start_thread (-1);
-    prepare (mortal);
-    best = std::min (best, time_of ([&] { mortal.stop_and_join (); }));
-  }
-  return best;
+    return time_of ([&] { TestClient never (own, server.address ()); });
+  }));
+}
+
+template <class Prepare>
+std::chrono::milliseconds time_of_end (uint32_t address, Prepare prepare) {
+  Notes own;
+  TestClient mortal (own, address);
+  mortal.start_thread (-1);
+  prepare (mortal);
+  return time_of ([&] { mortal.stop_and_join (); });
 }
 
 TEST_F (Connection, EndsAtOnceOnASilentLink) {
-  EXPECT_LT (quickest_end (server.address (), [] (TestClient &c) { ASSERT_TRUE (c.wait_connected ()); }),
-             200ms);
+  EXPECT_TRUE (comes_within (200ms, [this] {
+    return time_of_end (server.address (), [] (TestClient &c) { ASSERT_TRUE (c.wait_connected ()); });
+  }));
   EXPECT_TRUE (server.wait_until_left ());
 }
 
 TEST_F (Connection, EndsAtOnceInThePauseBeforeAnAttempt) {
-  EXPECT_LT (quickest_end (server.address (), [] (TestClient &) {}), 50ms);
+  EXPECT_TRUE (comes_within (50ms, [this] { return time_of_end (server.address (), [] (TestClient &) {}); }));
 }
 
 TEST_F (Connection, EndsAtOnceWhileAnAttemptHangs) {
   server.stall ();
-  EXPECT_LT (quickest_end (server.address (),
-                           [] (TestClient &c) {
-                             EXPECT_FALSE (wait_until ([&] { return c.is_connected (); }, 200ms));
-                           }),
-             200ms);
+  EXPECT_TRUE (comes_within (200ms, [this] {
+    return time_of_end (server.address (), [] (TestClient &c) {
+      EXPECT_FALSE (wait_until ([&] { return c.is_connected (); }, 200ms));
+    });
+  }));
 }
 
 TEST_F (Connection, EndsWithoutAWordToOpenCommands) {
@@ -244,13 +248,13 @@ struct Place {
 };
 
 // Two hundred connections to two hundred addresses, half of which refuse: their ends do not add up to waits.
-// Such waits would make every attempt slow, a busy machine only some.
-TEST (Connections, EndWithinASecondAllTogether) {
+// Such waits would make twenty seconds of what takes a fifth of one, and some on a busy machine.
+TEST (Connections, EndAllTogether) {
   std::list<Place> places;
   for (int i = 0; i != 200; ++i)
     places.emplace_back (i % 2 == 0);
   std::chrono::milliseconds best = 1h;
-  for (int attempt = 0; attempt != 5 && best >= 1s; ++attempt) {
+  for (int attempt = 0; attempt != 5 && best >= 5s; ++attempt) {
     std::list<Notes> notes;
     std::vector<std::unique_ptr<TestClient>> clients;
     for (const Place &place : places)
@@ -261,7 +265,7 @@ TEST (Connections, EndWithinASecondAllTogether) {
       ASSERT_TRUE (clients[i]->wait_connected ());
     best = std::min (best, time_of ([&] { clients.clear (); }));
   }
-  EXPECT_LT (best, 1s);
+  EXPECT_LT (best, 5s);
 }
 
 // ---- Everything at once

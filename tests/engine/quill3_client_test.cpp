@@ -17,7 +17,6 @@ TEST_F (Connection, ComesUpByItselfAfterAPause) {
   EXPECT_FALSE (client.is_connected ());
   auto took = time_of ([&] {
     client.start_thread (-1);
-    EXPECT_FALSE (client.is_connected ());
     ASSERT_TRUE (client.wait_connected ());
   });
   EXPECT_GE (took, 95ms);
@@ -102,11 +101,12 @@ TEST_F (Connection, EndsAtWhatIsNoXMLBehindTheMessagesBefore) {
   start ();
   stop ();
   ASSERT_TRUE (server.wait_for_commands (1));
-  notes.take ();
+  notes.take (); // the first link's notes, so that the next is the first that is noted again
   server.send ("<report>" + created ("C1") + "</report><report>" + created ("C2") +
                "</report><report><a</report><report>" + created ("C3") + "</report>");
   ASSERT_TRUE (client.wait_noted ("disconnected"));
   wait_for_link (1);
+  ASSERT_TRUE (server.wait_for_connections (2));
   server.report (created ("C4"));
   ASSERT_TRUE (client.wait_noted ("created C4"));
   EXPECT_THAT (notes.lines (),

@@ -26,9 +26,10 @@ TEST (Connections, TwoToOneAddressAreIndependent) {
 }
 
 TEST (Connections, ComeUpByThemselves) {
-  FakeServer server;
+  FakeServer server (FakeServer::Start::refusing);
   const Session session (server.address ());
-  EXPECT_EQ (orva_connected (session), 0) << "the first attempt comes after 100 ms";
+  EXPECT_EQ (orva_connected (session), 0);
+  server.listen ();
   EXPECT_TRUE (support::wait_until ([&] { return orva_connected (session) == 1; }));
 }
 
@@ -314,7 +315,7 @@ TEST (ClosedConnection, DoesNotWaitForAnAttemptThatHangs) {
                                      std::chrono::milliseconds (300)));
   const auto start = std::chrono::steady_clock::now ();
   orva_close (connection);
-  EXPECT_LT (std::chrono::steady_clock::now () - start, std::chrono::seconds (5));
+  EXPECT_LT (std::chrono::steady_clock::now () - start, std::chrono::seconds (15));
 }
 
 TEST (ClosedConnection, MayBeClosedWhileReportsPourIn) {
@@ -349,7 +350,7 @@ TEST (ClosedConnection, ManyAreClosedAtOnce) {
   const auto start = std::chrono::steady_clock::now ();
   for (const uint32_t connection : connections)
     orva_close (connection);
-  EXPECT_LT (std::chrono::steady_clock::now () - start, std::chrono::seconds (5));
+  EXPECT_LT (std::chrono::steady_clock::now () - start, std::chrono::seconds (20));
   for (const auto &server : listening)
     EXPECT_TRUE (server->wait_until_left ());
 }

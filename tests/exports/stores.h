@@ -19,51 +19,54 @@ inline std::string database_of (const support::Command &command) {
   return support::text_of (command.document, "MetadataDatabase");
 }
 
+/// What a server's thread uses to its end, and so lives longer than the server.
+struct MetadataTable {
+  std::mutex lock;
+  std::map<std::string, std::string> pairs;
+};
+
 /// The server's side: one table, whatever the folder, told to nobody but who downloads it.
-class MetadataServer : public support::FakeServer {
+class MetadataServer : private MetadataTable, public support::FakeServer {
 public:
   explicit MetadataServer (Start start = Start::listening) : FakeServer (start) {
     answer ("watch_metadata_database", "<ok />");
     answer ("unwatch_metadata_database", "<ok />");
     on ("download_metadata", [this] (const support::Command &command) { return download (command); });
     on ("metadata_set", [this] (const support::Command &command) {
-      const std::lock_guard hold (lock_);
-      table_[support::text_of (command.document, "Key")] = support::text_of (command.document, "Value");
+      const std::lock_guard hold (lock);
+      pairs[support::text_of (command.document, "Key")] = support::text_of (command.document, "Value");
       return support::reply_to (command, "<ok />");
     });
     on ("metadata_erase", [this] (const support::Command &command) {
-      const std::lock_guard hold (lock_);
-      table_.erase (support::text_of (command.document, "Key"));
+      const std::lock_guard hold (lock);
+      pairs.erase (support::text_of (command.document, "Key"));
       return support::reply_to (command, "<ok />");
     });
   }
 
   void put (const std::string &key, const std::string &value) {
-    const std::lock_guard hold (lock_);
-    table_[key] = value;
+    const std::lock_guard hold (lock);
+    pairs[key] = value;
   }
   void take_out (const std::string &key) {
-    const std::lock_guard hold (lock_);
-    table_.erase (key);
+    const std::lock_guard hold (lock);
+    pairs.erase (key);
   }
   std::map<std::string, std::string> table () {
-    const std::lock_guard hold (lock_);
-    return table_;
+    const std::lock_guard hold (lock);
+    return pairs;
   }
 
 private:
   std::string download (const support::Command &command) {
-    const std::lock_guard hold (lock_);
+    const std::lock_guard hold (lock);
     std::string text;
-    for (const auto &[key, value] : table_)
+    for (const auto &[key, value] : pairs)
       text += support::reply_to (command, "<metadata><MetadataDatabase>" + database_of (command) +
                                               "</MetadataDatabase><MetadataPrefix /><MetadataList>" +
                                               pair_of (key, value) + "</MetadataList></metadata>");
     return text + support::reply_to (command, "<ok />");
   }
-
-  std::mutex lock_;
-  std::map<std::string, std::string> table_;
 };
 
 /// A connection whose thread has done what it does at the start of one. A store that is opened earlier may be

@@ -52,10 +52,10 @@ class Interrupter {
 public:
   explicit Interrupter (pthread_t target)
       : thread_ ([this, target] {
-          while (!stop_) {
+          do {
             pthread_kill (target, SIGUSR1);
             platform::sleep_milliseconds (1);
-          }
+          } while (!stop_);
         }) {}
   ~Interrupter () {
     stop_ = true;

@@ -168,7 +168,8 @@ class Random(support.Case):
         return mirror
 
     def test_reports_tell_the_truth(self):
-        seed = int(os.environ.get("SEED", time.time_ns() % 1000000))
+        chosen = time.time_ns() % 1000000 if "ORVA_SOAK" in os.environ else 1
+        seed = int(os.environ.get("SEED", chosen))
         dice = Dice(seed)
         actor, watcher = self.client(), self.client()
         actor.answer("<list_save_start><ListID>L</ListID></list_save_start>")

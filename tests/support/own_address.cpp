@@ -6,11 +6,11 @@ namespace support {
 
 namespace {
 
-// Most of 127.0.0.0/8 can be had, but 127.0.x.x is left to others: 127.0.0.1 is what clients take for
-// granted.
+// The upper half of 127.0.0.0/8 can be had. The lower is left to others: 127.0.0.1 is what clients take for
+// granted, and programs that know nothing of reservations have numbers of their own there.
 uint32_t some_loopback_address () {
   const uint32_t number = net::unlikely_number ();
-  const uint32_t a = 1 + number % 254, b = 1 + (number >> 8U) % 254, c = 1 + (number >> 16U) % 254;
+  const uint32_t a = 128 + number % 127, b = 1 + (number >> 8U) % 254, c = 1 + (number >> 16U) % 254;
   return 0x7F000000U | a << 16U | b << 8U | c;
 }
 

@@ -22,11 +22,42 @@ constexpr unsigned short port = 8913;
 constexpr std::size_t lagging_bytes = 1u << 20;
 constexpr std::size_t hopeless_bytes = 512u << 20;
 
+/// Counts the fields that have gone by since the start.
+class FieldClock {
+public:
+  explicit FieldClock (const Standard &standard) : standard_ (standard), start_ (Clock::now ()) {}
+
+  Clock::time_point next () const {
+    return start_ + std::chrono::nanoseconds (nanoseconds_of_fields (standard_, passed_ + 1));
+  }
+
+  /// The fields since the last call; after a long sleep of the machine not more than some seconds of them.
+  int take () {
+    const auto since =
+        std::chrono::duration_cast<std::chrono::microseconds> (Clock::now () - start_).count ();
+    const std::int64_t total = fields_in_microseconds (standard_, since);
+    const std::int64_t due = total - passed_;
+    passed_ = total;
+    return static_cast<int> (std::clamp<std::int64_t> (due, 0, 600));
+  }
+
+private:
+  const Standard standard_;
+  const Clock::time_point start_;
+  std::int64_t passed_ = 0;
+};
+
+// Fields that are due have gone by before anything else happens.
+void pass_due_fields (World &world, FieldClock &clock) {
+  if (const int fields = clock.take (); fields > 0)
+    world.pass_fields (fields);
+}
+
 /// One connection. It keeps itself alive while a read or a write is under way.
 class Session : public Client, public std::enable_shared_from_this<Session> {
 public:
-  Session (World &world, tcp::socket socket, int client_number)
-      : Client (client_number), world_ (world), socket_ (std::move (socket)) {}
+  Session (World &world, FieldClock &clock, tcp::socket socket, int client_number)
+      : Client (client_number), world_ (world), clock_ (clock), socket_ (std::move (socket)) {}
 
   void start () {
     asio::error_code ignored;
@@ -69,6 +100,7 @@ private:
   }
 
   void take (std::size_t size) {
+    pass_due_fields (world_, clock_);
     try {
       framer_.feed ({received_.data (), size});
       while (const auto document = framer_.next ())
@@ -108,37 +140,13 @@ private:
   }
 
   World &world_;
+  FieldClock &clock_;
   tcp::socket socket_;
   Framer framer_;
   std::array<char, 16384> received_{};
   std::string waiting_; ///< not yet handed to the socket
   std::string going_;   ///< what the write under way refers to
   bool writing_ = false;
-};
-
-/// Counts the fields that have gone by since the start.
-class FieldClock {
-public:
-  explicit FieldClock (const Standard &standard) : standard_ (standard), start_ (Clock::now ()) {}
-
-  Clock::time_point next () const {
-    return start_ + std::chrono::nanoseconds (nanoseconds_of_fields (standard_, passed_ + 1));
-  }
-
-  /// The fields since the last call; after a long sleep of the machine not more than some seconds of them.
-  int take () {
-    const auto since =
-        std::chrono::duration_cast<std::chrono::microseconds> (Clock::now () - start_).count ();
-    const std::int64_t total = fields_in_microseconds (standard_, since);
-    const std::int64_t due = total - passed_;
-    passed_ = total;
-    return static_cast<int> (std::clamp<std::int64_t> (due, 0, 600));
-  }
-
-private:
-  const Standard standard_;
-  const Clock::time_point start_;
-  std::int64_t passed_ = 0;
 };
 
 class Server {
@@ -174,7 +182,7 @@ private:
 
   void greet (tcp::socket socket) {
     sessions_.remove_if ([] (const std::weak_ptr<Session> &entry) { return entry.expired (); });
-    const auto session = std::make_shared<Session> (world_, std::move (socket), ++greeted_);
+    const auto session = std::make_shared<Session> (world_, clock_, std::move (socket), ++greeted_);
     sessions_.push_back (session);
     session->start ();
   }
@@ -182,8 +190,7 @@ private:
   void await_field () {
     timer_.expires_at (clock_.next ());
     timer_.async_wait ([this] (const asio::error_code &) {
-      if (const int fields = clock_.take (); fields > 0)
-        world_.pass_fields (fields);
+      pass_due_fields (world_, clock_);
       await_field ();
     });
   }
