@@ -65,6 +65,7 @@ public:
   void on_metadata_remove (const AString &report_prefix, const QUILL3::KeyList &keys);
 
 private:
+  friend struct BrokenTables; // a test, because no call can break them
   using Hold = std::unique_lock<std::mutex>;
 
   struct Pending {

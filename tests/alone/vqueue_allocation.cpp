@@ -53,3 +53,17 @@ TEST (AVQueue, reuses_its_nodes) {
   }
   EXPECT_EQ (allocations, before);
 }
+
+TEST (AVQueue, gives_its_nodes_back) {
+  int value = 0;
+  const auto life = [&] {
+    AVQueue queue;
+    for (int i = 0; i != 10; ++i)
+      queue.push (&value);
+    queue.pop ();
+  };
+  life ();
+  const unsigned before = allocations;
+  life ();
+  EXPECT_EQ (allocations, before);
+}

@@ -268,6 +268,25 @@ TEST_F (ChannelCacheTest, InsertBeyondTheEndLeavesAirPositions) {
   EXPECT_EQ (positions (), "7 - - ");
 }
 
+TEST_F (ChannelCacheTest, InsertMovesAirPositionsBehindTheLastToo) {
+  for (unsigned i = 0; i != 4; ++i)
+    item ("exists", i, std::string (1, static_cast<char> ('a' + i)));
+  air ("lock", "4");
+  item ("insert", 4, "x");
+  EXPECT_EQ (clips (), "a b c d x");
+  EXPECT_EQ (positions (), "- - 5 ");
+}
+
+TEST_F (ChannelCacheTest, RemoveBeyondTheEndMovesOrClearsAirPositions) {
+  item ("exists", 0, "a");
+  item ("exists", 1, "b");
+  air ("now", "7");
+  air ("next", "5");
+  listplay ("item_remove", "<ListIndex>5</ListIndex>");
+  EXPECT_EQ (clips (), "a b");
+  EXPECT_EQ (positions (), "6 - - ");
+}
+
 TEST_F (ChannelCacheTest, RemoveMovesOrClearsAirPositions) {
   for (unsigned i = 0; i != 4; ++i)
     item ("exists", i, std::string (1, static_cast<char> ('a' + i)));
@@ -349,6 +368,10 @@ TEST_F (ChannelCacheTest, CountLeavesOutAnEmptyLastElement) {
   EXPECT_EQ (list ().count (), 3u);
   listplay ("clear_all");
   EXPECT_EQ (list ().count (), 0u);
+  item ("exists", 2, "c");
+  listplay ("item_remove", "<ListIndex>2</ListIndex>");
+  EXPECT_EQ (clips (), "- -");
+  EXPECT_EQ (list ().count (), 1u);
 }
 
 } // namespace

@@ -4,14 +4,25 @@
 
 #include "api/conn_object.h"
 #include "support/assert_counter.h"
+#include "support/wait.h"
 #include "xml/xml_parse.h"
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <map>
 #include <string>
 #include <thread>
 #include <vector>
+
+/// Changes as no reports leave them.
+struct BrokenTables {
+  static void add_to_order (KVStore &store, const std::u16string &key) {
+    store.changes_order_.push_back (key);
+  }
+  static void add_setting (KVStore &store, const std::u16string &key) { store.changes_set_[key] = u"1"; }
+};
 
 namespace {
 
@@ -120,6 +131,45 @@ TEST_F (KVStoreTest, OtherFoldersAreIgnored) {
   KVStore &store = open (u"");
   change ("", "k", "1", "OTHER");
   EXPECT_EQ (taken (store), "");
+  change ("", "k", "1");
+  report ("<metadata_remove><MetadataDatabase>OTHER</MetadataDatabase><MetadataPrefix />"
+          "<KeyList><Key>k</Key></KeyList></metadata_remove>");
+  EXPECT_EQ (taken (store), "k=1");
+  EXPECT_EQ (taken (store), "");
+}
+
+TEST_F (KVStoreTest, BrokenTablesAreAFault) {
+  KVStore &store = open (u"");
+  AssertCounter failures;
+  uint32_t type = 77;
+  std::u16string key;
+  std::u16string value;
+  BrokenTables::add_to_order (store, u"k");
+  EXPECT_EQ (store.get_change (0, &type, &key, &value), 2u);
+  EXPECT_EQ (last_error_text ().to_std_string (), "Internal software error");
+  EXPECT_EQ (failures.take (), 1u);
+  BrokenTables::add_setting (store, u"l");
+  EXPECT_EQ (store.get_change (0, &type, &key, &value), 2u);
+  EXPECT_EQ (last_error_text ().to_std_string (), "Internal software error");
+  EXPECT_EQ (failures.take (), 1u);
+  EXPECT_EQ (type, 77u);
+  EXPECT_EQ (taken (store), "") << "the key that is nowhere is gone";
+}
+
+TEST_F (KVStoreTest, TheLongestWaitEndsWithAChange) {
+  KVStore &store = open (u"");
+  std::atomic<bool> returned{false};
+  std::thread waiting ([&] {
+    uint32_t type = 77;
+    std::u16string key;
+    std::u16string value;
+    EXPECT_EQ (store.get_change (0xFFFFFFFF, &type, &key, &value), 0u);
+    EXPECT_EQ (ascii (key), "k");
+    returned = true;
+  });
+  EXPECT_FALSE (support::wait_until ([&] { return returned.load (); }, std::chrono::milliseconds (50)));
+  change ("", "k", "1");
+  waiting.join ();
 }
 
 TEST_F (KVStoreTest, AKeyKeepsThePlaceOfItsFirstChange) {

@@ -51,6 +51,12 @@ TEST (TypeHelp, TablesGiveTheirFirstValueOutsideTheirRange) {
   EXPECT_EQ (asserts.count (), 0u);
 }
 
+TEST (TypeHelp, StatusesThatAreNoneAreUnknown) {
+  EXPECT_EQ (channel_status_from_wire (7), 1u);
+  for (const uint32_t status : {0u, 8u, 9u, 0xFFFFFFFFu})
+    EXPECT_EQ (channel_status_from_wire (status), 0u);
+}
+
 TEST (TypeHelp, PlaybackIsNeverSentAsAuto) {
   EXPECT_EQ (playback_to_wire (0), 1u);
   EXPECT_EQ (playback_to_wire (1), 2u);

@@ -1,9 +1,11 @@
 #include "base/amethod.h"
 #include "engine/notes.h"
+#include "support/wait.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <thread>
 
 namespace {
@@ -143,6 +145,33 @@ TEST_F (Envelope, IsShownToTheHookBeforeItLeaves) {
   EXPECT_THAT (seen.names, ElementsAre ("xid", "play"));
   EXPECT_EQ (seen.sent_before, 0u);
   EXPECT_NE (wire.sent.size (), 0u);
+}
+
+// Nobody else has to wait for a hook, and a hook may wait for others.
+struct SlowHook {
+  WireInHand &wire;
+  std::atomic<unsigned> calls{0};
+  bool other_was_sent = false;
+  std::thread other{};
+  void note (const XMLTree &) {
+    if (++calls != 1)
+      return;
+    std::atomic<bool> sent{false};
+    other = std::thread ([&] {
+      wire.stop ({.Channel = 0});
+      sent = true;
+    });
+    other_was_sent = support::wait_until ([&] { return sent.load (); });
+    other.join ();
+  }
+};
+
+TEST_F (Envelope, LetsOthersPassWhileTheHookLooks) {
+  SlowHook hook{wire};
+  wire.set_send_hook (AMethod::bind (&hook, &SlowHook::note));
+  wire.play ({.Channel = 1});
+  EXPECT_TRUE (hook.other_was_sent);
+  EXPECT_LT (wire.sent.find ("<stop>"), wire.sent.find ("<play>"));
 }
 
 // ---- Many senders

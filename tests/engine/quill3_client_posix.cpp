@@ -157,6 +157,23 @@ TEST (ConnectionAmongManyDescriptors, Works) {
   client.stop_and_join ();
 }
 
+// An attempt without a socket is one that fails.
+TEST (ConnectionWithoutADescriptor, ComesUpWhenThereIsOne) {
+  FakeServer server;
+  Notes notes;
+  TestClient client (notes, server.address ());
+  rlimit before{};
+  getrlimit (RLIMIT_NOFILE, &before);
+  rlimit none = before;
+  none.rlim_cur = 0;
+  setrlimit (RLIMIT_NOFILE, &none);
+  client.start_thread (-1);
+  const bool came_up = support::wait_until ([&] { return client.is_connected (); }, 350ms);
+  setrlimit (RLIMIT_NOFILE, &before);
+  EXPECT_FALSE (came_up);
+  EXPECT_TRUE (client.wait_noted ("connected"));
+}
+
 TEST (ConnectionDescriptors, AreGivenBack) {
   FakeServer server;
   FakeServer refusing (FakeServer::Start::refusing);

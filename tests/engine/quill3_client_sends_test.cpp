@@ -14,10 +14,15 @@ TEST_F (Connection, IsNotTouchedByNoBytes) {
   start ();
   stop ();
   ASSERT_TRUE (server.wait_for_commands (1));
-  client.instead_of_transmit = [] (const void *, uint64_t) -> int64_t { return -1; };
+  int pieces = 0;
+  client.instead_of_transmit = [&] (const void *, uint64_t) -> int64_t { return ++pieces, -1; };
   client.send_bytes ("", 0);
+  EXPECT_EQ (pieces, 0);
+  server.report (created ("C1"));
+  ASSERT_TRUE (client.wait_noted ("created C1"));
   EXPECT_EQ (client.outstanding_count (), 1u);
   EXPECT_TRUE (client.is_connected ());
+  EXPECT_THAT (notes.lines (), ElementsAre ("connected", "created C1"));
 }
 
 TEST_F (Connection, FailsTheRestOfADocumentOnTheSendersThread) {

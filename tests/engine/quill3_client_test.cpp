@@ -23,6 +23,23 @@ TEST_F (Connection, ComesUpByItselfAfterAPause) {
   EXPECT_TRUE (server.wait_for_connections (1));
 }
 
+TEST_F (Connection, IsUpWhenItSaysSoAndDownWhenItsCommandsFail) {
+  struct Look {
+    TestClient &client;
+    std::atomic<int> when_failed{-1};
+    void failed (AString, uint32_t) { when_failed = client.is_connected (); }
+  } look{client};
+  std::atomic<int> when_connected{-1};
+  client.when_connected = [&] { when_connected = client.is_connected (); };
+  start ();
+  EXPECT_EQ (when_connected, 1);
+  client.stop ({.Channel = 0}, notes.ok (), AMethod::bind (&look, &Look::failed));
+  ASSERT_TRUE (server.wait_for_commands (1));
+  server.drop ();
+  ASSERT_TRUE (client.wait_noted ("disconnected"));
+  EXPECT_EQ (look.when_failed, 0);
+}
+
 TEST_F (Connection, HasOneThreadHoweverOftenItIsStarted) {
   client.start_thread (-1);
   start ();

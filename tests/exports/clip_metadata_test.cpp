@@ -226,6 +226,8 @@ TEST (ClipMetadata, NeedsNoPlaceForTheHandle) {
   const Session session (server);
   EXPECT_EQ (orva_open_clip_metadata (session, clip, nullptr), ORVA_OK);
   EXPECT_EQ (server.command_count (), 1u);
+  const Snapshot next (session);
+  EXPECT_EQ (uint32_t{next}, session + 1) << "no number was used for the snapshot that nobody wanted";
 }
 
 TEST (ClipMetadata, SharesItsNumbersWithConnectionsAndLists) {

@@ -177,6 +177,16 @@ TEST (ClipSetters, SetPairs) {
       pairs);
 }
 
+TEST (ClipSetters, LeaveTheSecondPairOfAKeyAsItIs) {
+  FakeServer server;
+  accept (server, metadata_list ({{"desk", "foreign"}, {"late", "no"}, {"desk", "sport"}}));
+  const Session session (server);
+  const Snapshot snapshot (session);
+  EXPECT_EQ (orva_clip_set_meta (snapshot, wide ("desk").c_str (), text), ORVA_OK);
+  EXPECT_EQ (orva_clip_delete_meta (snapshot, wide ("desk").c_str ()), ORVA_OK);
+  EXPECT_EQ (meta (snapshot, "desk"), "sport");
+}
+
 TEST (ClipSetters, SetTheFirstPairOfAClip) {
   expect_changes ({
       {"a key away that is not there", [] (uint32_t h) { return orva_clip_delete_meta (h, text); },

@@ -94,6 +94,7 @@ TEST (Connections, UnknownNumbersAreRefusedByEachFamily) {
   const orva_char *const text = name.c_str ();
   uint32_t number = 77;
   uint64_t large = 77;
+  orva_char untouched = '#';
   const uint32_t codes[] = {
       orva_cmd_play3 (0, 0, 1.0, 1),
       orva_cmd_gang_stop2 (0, 1, 1),
@@ -107,12 +108,31 @@ TEST (Connections, UnknownNumbersAreRefusedByEachFamily) {
       orva_video_standard (0, &number),
       orva_disk_usage1 (0, &large, &large, &number),
       orva_disk_usage2 (0, &number, &number),
+      orva_server_name (0, {&untouched, 1}),
+      orva_video_frequency (0, &number),
+      orva_video_resolution (0, &number),
+      orva_channel_clip_length (0, 0, &number),
+      orva_channel_precue_count (0, 0, &number),
+      orva_channel_status (0, 0, &number),
+      orva_channel_repeat (0, 0, &number),
+      orva_channel_angle (0, 0, &number, &number),
+      orva_channel_ee (0, 0, &number, &number),
+      orva_playlist_status (0, 0, &number),
+      orva_playlist_count (0, 0, &number),
+      orva_open_directory_list (0, &number),
+      orva_create_clip2 (0, text, 0, 0),
+      orva_create_clip3 (0, 0, text, 0, 0),
+      orva_create_child_clip2 (0, text, text, 0),
+      orva_vclip_free (0, text),
+      orva_vclip_modification_start (0, text),
+      orva_vclip_modification_end (0, text),
   };
   for (const uint32_t code : codes)
     EXPECT_EQ (code, ORVA_INVALID_HANDLE);
   EXPECT_EQ (last_error (), "Invalid handle");
   EXPECT_EQ (number, 77u);
   EXPECT_EQ (large, 77u);
+  EXPECT_EQ (untouched, orva_char ('#'));
   EXPECT_EQ (orva_connected (0), 0);
   orva_close (0);
   orva_synchronous (0, 1);

@@ -73,13 +73,39 @@ TEST (Stores, AScanThatIsRefusedOrOpenTimesOut) {
   const SettledSession session (server);
   const Store refused (session, "CUES", "", ORVA_STORE_READ);
   ASSERT_TRUE (server.wait_for_commands (2));
+  EXPECT_EQ (orva_cmd_stop1 (session, 0), ORVA_OK) << "its answer comes behind the refusal";
+  const auto start = std::chrono::steady_clock::now ();
   EXPECT_EQ (orva_kvstore_wait_scan (refused, 50), ORVA_TIMEOUT);
+  EXPECT_GE (std::chrono::steady_clock::now () - start, std::chrono::milliseconds (49));
   EXPECT_EQ (last_error (), "Timeout");
   server.silent (true);
   const Store open (session, "OTHER", "", ORVA_STORE_READ);
   EXPECT_EQ (orva_kvstore_wait_scan (open, 0), ORVA_TIMEOUT);
   const Store writer (session, "THIRD", "", ORVA_STORE_WRITE);
   EXPECT_EQ (orva_kvstore_wait_scan (writer, 0), ORVA_TIMEOUT);
+}
+
+TEST (Stores, AScanIsRememberedWhenAllStoresOfItsFolderHaveClosed) {
+  MetadataServer server;
+  const SettledSession session (server);
+  Store reader (session, "CUES", "", ORVA_STORE_READ);
+  EXPECT_EQ (orva_kvstore_wait_scan (reader, generous_milliseconds), ORVA_OK);
+  reader.close ();
+  const Store writer (session, "CUES", "", ORVA_STORE_WRITE);
+  EXPECT_EQ (orva_kvstore_wait_scan (writer, 0), ORVA_OK);
+}
+
+// Nobody waits for the answer, and a server that refuses may still report.
+TEST (Stores, AWatchThatIsRefusedIsNotNoticed) {
+  MetadataServer server;
+  server.answer ("watch_metadata_database", no);
+  const SettledSession session (server);
+  const Store store (session, "CUES", "", ORVA_STORE_READ);
+  EXPECT_EQ (orva_kvstore_wait_scan (store, generous_milliseconds), ORVA_OK);
+  server.report ("<metadata_change><MetadataDatabase>CUES</MetadataDatabase><MetadataPrefix />"
+                 "<MetadataList>" +
+                 pair_of ("k", "1") + "</MetadataList></metadata_change>");
+  EXPECT_EQ (change (store), "k=1");
 }
 
 TEST (Stores, TwoOnOneFolderShareTheWatch) {

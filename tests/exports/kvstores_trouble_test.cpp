@@ -66,6 +66,52 @@ TEST (Stores, WhatIsPendingGoesOutWhenTheServerIsBack) {
   EXPECT_EQ (server.table (), (std::map<std::string, std::string>{{"k", "1"}}));
 }
 
+// Each try draws a number for its command, whether it can be sent or not.
+TEST (Stores, WhatCannotBeSentIsTriedAtThePaceOfRefusals) {
+  MetadataServer server;
+  const SettledSession session (server);
+  EXPECT_EQ (orva_cmd_stop1 (session, 0), ORVA_OK);
+  const auto start = std::chrono::steady_clock::now ();
+  server.refuse ();
+  server.drop_all ();
+  ASSERT_TRUE (support::wait_until ([&] { return orva_connected (session) == 0; }));
+  Store store (session, "CUES", "", ORVA_STORE_WRITE);
+  store.set ("k", "1");
+  EXPECT_EQ (orva_kvstore_flush (store, 1000), ORVA_TIMEOUT);
+  server.listen ();
+  EXPECT_EQ (orva_kvstore_flush (store, generous_milliseconds), ORVA_OK);
+  const auto passed = std::chrono::steady_clock::now () - start;
+  const auto tries = std::stoul (server.command (2).xid) - std::stoul (server.command (1).xid);
+  EXPECT_GE (tries, 2u);
+  EXPECT_LE (tries, 3u + static_cast<unsigned long> (passed / std::chrono::milliseconds (200)));
+}
+
+// The second setting comes while the first is on its way, and so while the flush waits.
+TEST (Stores, AFlushWaitsForWhatComesMeanwhile) {
+  MetadataServer server;
+  const SettledSession session (server);
+  Store store (session, "CUES", "", ORVA_STORE_WRITE);
+  server.on ("metadata_set", [&] (const Command &command) {
+    if (support::text_of (command.document, "Key") != "a")
+      return std::string ();
+    store.set ("b", "1");
+    return support::reply_to (command, "<ok />");
+  });
+  store.set ("a", "1");
+  EXPECT_EQ (orva_kvstore_flush (store, 500), ORVA_TIMEOUT);
+  server.send (support::reply_to (server.command (2), "<ok />"));
+  EXPECT_EQ (orva_kvstore_flush (store, generous_milliseconds), ORVA_OK);
+}
+
+TEST (Stores, ACloseLeavesTheLastTextAlone) {
+  MetadataServer server;
+  const SettledSession session (server);
+  Store store (session, "CUES", "", ORVA_STORE_READ_WRITE);
+  EXPECT_EQ (orva_cmd_stop1 (0, 0), ORVA_INVALID_HANDLE);
+  store.close ();
+  EXPECT_EQ (last_error (), "Invalid handle");
+}
+
 TEST (Stores, AReconnectionTellsEveryKeyAgain) {
   MetadataServer server;
   server.put ("a", "1");

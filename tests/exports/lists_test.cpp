@@ -125,6 +125,10 @@ TEST (ClipLists, NeedNoPlaceForTheHandle) {
   EXPECT_EQ (orva_open_clip_list (session, nullptr), ORVA_OK);
   EXPECT_EQ (orva_open_directory_list (session, nullptr), ORVA_OK);
   EXPECT_EQ (server.command_count (), 2u);
+  uint32_t next = 77;
+  EXPECT_EQ (orva_open_clip_list (session, &next), ORVA_OK);
+  EXPECT_EQ (next, session + 1) << "no number was used for the lists that nobody wanted";
+  orva_close_clip_list (next);
 }
 
 TEST (ClipLists, ThatFailMakeNoHandle) {
@@ -330,6 +334,9 @@ TEST (Changes, OfClipsAreTakenOneByOne) {
     EXPECT_EQ (name_of (orva_track_change_changed_clip, session), name);
   report (server, session, {clip_event ("changed", "A")});
   EXPECT_EQ (name_of (orva_track_change_changed_clip, session), "A") << "it was taken as added";
+  uint32_t kind = 77, channel = 77;
+  EXPECT_EQ (orva_get_notification (session, 0, &kind, &channel), ORVA_OK);
+  EXPECT_EQ (kind, uint32_t{ORVA_NOTICE_NONE});
 }
 
 TEST (Changes, OfDirectoriesAreTakenOneByOne) {
