@@ -182,14 +182,23 @@ TEST (ConnectAttempts, GoToTheServersPortOnThisMachineWhenNoAddressIsGiven) {
   EXPECT_EQ (port, 8913);
 }
 
-TEST (ConnectAttempts, MakeSocketsThatSendAtOnceAndBlockAndAreNotChangedOtherwise) {
+// ---- What is asked of a link, and what happens to it
+
+class ALink : public testing::Test {
+protected:
+  void SetUp () override {
+    watch (server.address ());
+    client.start_thread (-1);
+    ASSERT_TRUE (client.wait_noted ("connected"));
+  }
+
   FakeServer server;
-  server.answer_any ("<ok />");
-  watch (server.address ());
   Notes notes;
-  TestClient client (notes, server.address ());
-  client.start_thread (-1);
-  ASSERT_TRUE (client.wait_noted ("connected"));
+  TestClient client{notes, server.address ()};
+};
+
+TEST_F (ALink, SendsAtOnceAndBlocksAndIsNotChangedOtherwise) {
+  server.answer_any ("<ok />");
   client.stop ({.Channel = 0}, notes.ok (), notes.error ());
   ASSERT_TRUE (client.wait_noted ("ok"));
   {
@@ -205,15 +214,7 @@ TEST (ConnectAttempts, MakeSocketsThatSendAtOnceAndBlockAndAreNotChangedOtherwis
   EXPECT_EQ (fcntl (descriptor, F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
 }
 
-// ---- What happens to a link
-
-TEST (ALink, ThatTheSystemCannotWaitForIsLost) {
-  FakeServer server;
-  watch (server.address ());
-  Notes notes;
-  TestClient client (notes, server.address ());
-  client.start_thread (-1);
-  ASSERT_TRUE (client.wait_noted ("connected"));
+TEST_F (ALink, ThatTheSystemCannotWaitForIsLost) {
   client.stop ({.Channel = 0}, notes.ok (), notes.error ());
   ASSERT_TRUE (server.wait_for_commands (1));
   {
@@ -226,12 +227,7 @@ TEST (ALink, ThatTheSystemCannotWaitForIsLost) {
 }
 
 // A wait may end a little early and be followed by a look without one.
-TEST (ALink, ThatIsSilentIsLookedAtOnceASecond) {
-  FakeServer server;
-  watch (server.address ());
-  Notes notes;
-  TestClient client (notes, server.address ());
-  client.start_thread (-1);
+TEST_F (ALink, ThatIsSilentIsLookedAtOnceASecond) {
   const auto begins_of_waits = [] {
     const std::lock_guard hold (lock);
     std::vector<Clock::time_point> begins;
