@@ -151,18 +151,17 @@ TEST_F (Envelope, IsShownToTheHookBeforeItLeaves) {
 struct SlowHook {
   WireInHand &wire;
   std::atomic<unsigned> calls{0};
+  std::atomic<bool> sent{false};
   bool other_was_sent = false;
   std::thread other{};
   void note (const XMLTree &) {
     if (++calls != 1)
       return;
-    std::atomic<bool> sent{false};
-    other = std::thread ([&] {
+    other = std::thread ([this] {
       wire.stop ({.Channel = 0});
       sent = true;
     });
-    other_was_sent = support::wait_until ([&] { return sent.load (); });
-    other.join ();
+    other_was_sent = support::wait_until ([this] { return sent.load (); });
   }
 };
 
@@ -170,6 +169,7 @@ TEST_F (Envelope, LetsOthersPassWhileTheHookLooks) {
   SlowHook hook{wire};
   wire.set_send_hook (AMethod::bind (&hook, &SlowHook::note));
   wire.play ({.Channel = 1});
+  hook.other.join ();
   EXPECT_TRUE (hook.other_was_sent);
   EXPECT_LT (wire.sent.find ("<stop>"), wire.sent.find ("<play>"));
 }
