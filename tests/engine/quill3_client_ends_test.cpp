@@ -20,7 +20,7 @@ using namespace connection;
 // machine slows only some.
 template <class End>
 bool comes_within (std::chrono::milliseconds limit, End time_of_end) {
-  for (int attempt = 0; attempt != 20; ++attempt)
+  for (int attempt = 0; attempt != 10; ++attempt)
     if (time_of_end () < limit)
       return true;
   return false;
@@ -253,8 +253,7 @@ TEST (Connections, EndAllTogether) {
   std::list<Place> places;
   for (int i = 0; i != 200; ++i)
     places.emplace_back (i % 2 == 0);
-  std::chrono::milliseconds best = 1h;
-  for (int attempt = 0; attempt != 5 && best >= 5s; ++attempt) {
+  EXPECT_TRUE (comes_within (5s, [&] {
     std::list<Notes> notes;
     std::vector<std::unique_ptr<TestClient>> clients;
     for (const Place &place : places)
@@ -262,10 +261,9 @@ TEST (Connections, EndAllTogether) {
     for (auto &client : clients)
       client->start_thread (-1);
     for (size_t i = 0; i != clients.size (); i += 2)
-      ASSERT_TRUE (clients[i]->wait_connected ());
-    best = std::min (best, time_of ([&] { clients.clear (); }));
-  }
-  EXPECT_LT (best, 5s);
+      EXPECT_TRUE (clients[i]->wait_connected ());
+    return time_of ([&] { clients.clear (); });
+  }));
 }
 
 // ---- Everything at once

@@ -32,12 +32,14 @@ TEST_F (Connection, IsUpWhenItSaysSoAndDownWhenItsCommandsFail) {
   std::atomic<int> when_connected{-1};
   client.when_connected = [&] { when_connected = client.is_connected (); };
   start ();
+  ASSERT_TRUE (wait_until ([&] { return when_connected != -1; }));
   EXPECT_EQ (when_connected, 1);
   client.stop ({.Channel = 0}, notes.ok (), AMethod::bind (&look, &Look::failed));
   ASSERT_TRUE (server.wait_for_commands (1));
   server.drop ();
   ASSERT_TRUE (client.wait_noted ("disconnected"));
   EXPECT_EQ (look.when_failed, 0);
+  client.stop_and_join (); // before it comes up again and looks for what is gone by then
 }
 
 TEST_F (Connection, HasOneThreadHoweverOftenItIsStarted) {
