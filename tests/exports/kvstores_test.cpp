@@ -215,6 +215,25 @@ TEST (Stores, OnlyTheLastValueThatWaitsIsSent) {
   EXPECT_EQ (support::text_of (server.command (2).document, "Value"), "3");
 }
 
+TEST (Stores, SettingsGoOutBeforeErasures) {
+  MetadataServer server;
+  server.put ("a", "1");
+  const SettledSession session (server);
+  Store store (session, "CUES", "", ORVA_STORE_WRITE);
+  server.silent (true);
+  store.set ("first", "1");
+  const Command in_hand = server.command (1);
+  store.erase ("a");
+  store.set ("b", "1");
+  store.erase ("c");
+  store.set ("d", "1");
+  server.silent (false);
+  server.send (support::reply_to (in_hand, "<ok />"));
+  EXPECT_EQ (orva_kvstore_flush (store, generous_milliseconds), ORVA_OK);
+  EXPECT_EQ (names (server), (std::vector<std::string>{"metadata_set", "metadata_set", "metadata_set",
+                                                       "metadata_erase", "metadata_erase"}));
+}
+
 TEST (Stores, TwoValuesInARowAreOneWriteOrTwo) {
   MetadataServer server;
   const SettledSession session (server);
