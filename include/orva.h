@@ -3,69 +3,73 @@
  * Control of a networked video server: plain C functions, usable from C99 and from C++17.
  *
  * A caller names a server by its IPv4 address and gets a connection number. The library keeps the TCP
- * connection to that server up by itself until orva_close(), making it again whenever it is lost.
+ * connection to that server open until orva_close(). When the connection is lost, it connects again by
+ * itself.
  *
- * IN THIS FILE, under these titles: Connections, Last error, Waiting or not, Transport and gangs, Clips,
- * Lists of clips and directories, Changes of clips and directories, Metadata handles, Attributes of clips,
- * Virtual clips, Server information, State of channels, Notices, Playlists, Key-value stores. What holds for
- * all functions of a title stands under it, and what holds for all functions at all, here:
+ * SECTIONS of this file: Connections, Last error, Waiting or not, Transport and gangs, Clips, Lists of clips
+ * and directories, Changes of clips and directories, Metadata handles, Attributes of clips, Virtual clips,
+ * Server information, State of channels, Notices, Playlists, Key-value stores. The rules for all functions of
+ * a section are at its beginning. The rules for all functions are here.
  *
- * ORDER OF CALLS. There is no initialisation and no shutdown of the library:
+ * ORDER OF CALLS. The library needs no initialisation and no shutdown:
  *
  *     uint32_t server = orva_connect (0x7F000001);       // 127.0.0.1
- *     orva_wait_until_connected (server);                // for those who want to wait
+ *     orva_wait_until_connected (server);                // only if you want to wait
  *     if (orva_cmd_play1 (server, 0) != ORVA_OK) ...     // any number of calls, from any threads
  *     orva_close (server);
  *
  * ARGUMENTS
- *   connection   the number that orva_connect() gave
+ *   connection   the number that orva_connect() returned
  *   channel      0 to 7, the channels A to H of the server
- *   mask         a set of channels: bit n stands for channel n, bits 0 to 7; other bits are ignored
- *   speed        1.0 is normal forward play, 0.0 a still, negative values run backwards; held to -200.0 to
- *                200.0 and cut to steps of 1/65536; what is not a number is sent as -32768.0
+ *   mask         a set of channels: bit n is channel n, for bits 0 to 7; other bits are ignored
+ *   speed        1.0 is normal forward play, 0.0 is a still, negative values play backwards. The value is
+ *                limited to -200.0 to 200.0 and cut to steps of 1/65536. A value that is not a number is sent
+ *                as -32768.0.
  *   positions    and lengths: counts of fields, two to a frame
- *   text in      NUL-terminated UTF-16; it ends early at the first unit that is not valid UTF-16
+ *   text in      NUL-terminated UTF-16. The text ends before the first unit that is not valid UTF-16.
  *   text out     an OrvaStringBuffer, by value
  *
- * RESULTS. A function that returns uint32_t and does not say otherwise returns one of ORVA_OK to
- * ORVA_WRITE_ONLY, and records a text for the calling thread, which orva_get_last_error() fetches. Success
- * records "OK", so a text must be fetched right after the call that failed. Each such function gives
- * ORVA_INVALID_HANDLE for a connection number that is not open, and ORVA_ERROR with "Internal software
- * error" when memory runs out inside the library. On a code other than ORVA_OK the values behind out
- * pointers are left alone, unless the function says otherwise.
+ * RESULTS. A function that returns uint32_t returns one of the codes ORVA_OK to ORVA_WRITE_ONLY, unless it
+ * says otherwise. It also records a text for the calling thread, which orva_get_last_error() returns. Success
+ * records "OK", so fetch the text right after the call that failed. Each such function returns
+ * ORVA_INVALID_HANDLE for a connection number that is not open. It returns ORVA_ERROR with "Internal software
+ * error" when the library has no memory. When the code is not ORVA_OK, the variables behind out pointers keep
+ * their values, unless the function says otherwise.
  *
- * COMMANDS. A function that sends a command returns when the server has answered, unless orva_synchronous()
- * says otherwise, and costs one round trip. A refusal by the server is ORVA_ERROR with the server's own text.
- * There is no time-out: a server that stays connected and never answers holds the caller for ever. When the
- * connection is down or is lost before the answer, the result is ORVA_ERROR with "Failing all outstanding
- * commands", at once: a command never waits for a connection to come up, and is never repeated.
+ * COMMANDS. A function that sends a command returns when the server has answered, and costs one round trip.
+ * orva_synchronous() switches this waiting off for ordinary commands. A refusal by the server is ORVA_ERROR
+ * with the server's own text. There is no time limit: a server that stays connected and never answers holds
+ * the caller for ever. When the connection is down, or is lost before the answer, the function returns
+ * ORVA_ERROR with "Failing all outstanding commands" at once. A command never waits for a connection and is
+ * never sent twice.
  *
- * THREADS. Any function may be called from any thread at any time, and calls on one connection do not hold up
- * calls on another. Each connection has one thread of its own inside the library, which blocks all signals
- * and never runs code of the caller.
+ * THREADS. Any function may be called from any thread at any time. Calls on one connection do not hold up
+ * calls on another. Each connection has one thread inside the library. That thread blocks all signals and
+ * never runs code of the caller.
  *
  * WHAT A CALLER MUST NOT DO
  *   - Pass a null pointer, unless the function says that it may be null. A null text or out pointer is a
  *     fault of the program and ends the process.
- *   - Pass an OrvaStringBuffer whose capacity exceeds the memory behind it.
- *   - Pass a number that a function declares to be a fault of the program: it ends the process too.
- *   - Call a function that waits from a connection's own thread. The library offers no callback that would
- *     allow it; code that finds another way there waits for an answer that nobody can read.
- *   - End a thread inside a call, by cancelling or terminating it, leave a call by a jump, or make one in a
+ *   - Pass an OrvaStringBuffer whose capacity is larger than the memory behind it.
+ *   - Pass a number that a function calls a fault of the program. It ends the process too.
+ *   - Call, on a connection's own thread, a function that waits. The library never runs code of the caller on
+ *     that thread. Code that gets there another way waits for an answer that nobody can read.
+ *   - End a thread inside a call, by cancelling or terminating it. Leave a call by a jump. Make a call in a
  *     signal handler.
- *   - On Windows, make any call but orva_close() while the process is ending, from DllMain or a destructor of
- *     static storage in a DLL: the system has ended the library's threads by then, and what waits for them
- *     never returns.
- *   - Use the library in a child process between fork() and exec. Connections do not survive the fork; their
- *     sockets are closed by the exec.
+ *   - On Windows: make any call but orva_close() while the process is ending, from DllMain or from a
+ *     destructor of static storage in a DLL. The system has ended the library's threads by then, and a call
+ *     that waits for them never returns.
+ *   - Use the library in a child process between fork() and exec. Connections do not survive the fork. The
+ *     exec closes their sockets.
  *
  * WHAT A SERVER MUST NOT DO. Nothing that a server sends ends the process. A message of more than 32768
- * bytes, or one that is not well-formed, ends the connection, which is then made again. But two faults of a
- * server hold the caller of a command: after an answer whose contents cannot be read, the command stays open
- * until the connection is lost; and an answer that is readable, but of a kind that does not belong to the
- * command, ends the command without a word, and its caller waits for ever. Of an asynchronous command, that
- * is the connection's thread and socket, which then stay after orva_close(); of the download of a store, it
- * is orva_kvstore_wait_scan(), which then gives ORVA_TIMEOUT for that folder until the connection is gone.
+ * bytes, or one that is not well-formed, ends the connection, and the library connects again. Two faults of a
+ * server hold the caller of a command:
+ *   - An answer whose contents cannot be read. The command stays open until the connection is lost.
+ *   - A readable answer of a kind that does not belong to the command. It ends the command without a result,
+ *     and the caller waits for ever. If the command was asynchronous, the connection's thread and socket stay
+ *     after orva_close(). If it was the download of a store, orva_kvstore_wait_scan() returns ORVA_TIMEOUT
+ *     for that folder until the connection is gone.
  */
 #ifndef ORVA_H
 #define ORVA_H
@@ -99,23 +103,23 @@ extern "C" {
 #endif
 
 /**
- * The caller's buffer for a text out. It receives at most capacity - 1 units and always a terminator; a text
- * that does not fit is cut between two characters, which is no error. With a capacity of 0 nothing is written
- * at all, and the call still succeeds.
+ * The caller's buffer for a text out. It receives at most capacity - 1 units and always a terminator. A text
+ * that does not fit is cut between two characters, and this is no error. With a capacity of 0 nothing is
+ * written, and the call still succeeds.
  */
 typedef struct OrvaStringBuffer {
   orva_char *text;   /**< the buffer; may be null when capacity is 0 */
-  uint32_t capacity; /**< its size in units, the terminator included */
+  uint32_t capacity; /**< its size in units, including the terminator */
 } OrvaStringBuffer;
 
 /** What functions return. Each code has its text for orva_get_last_error(). */
 enum OrvaResult {
-  ORVA_OK = 0,               /**< "OK" */
-  ORVA_NO_CONNECTION = 1,    /**< "No connection to server"; reserved: a lost connection gives ORVA_ERROR */
-  ORVA_ERROR = 2,            /**< the text of the failure itself, that of the server for one */
-  ORVA_INVALID_HANDLE = 3,   /**< "Invalid handle": unknown connection, list, metadata or store */
-  ORVA_READ_ONLY = 4,        /**< "Read only": a write to a store opened for reading */
-  ORVA_TIMEOUT = 5,          /**< "Timeout": a wait of a store ran out */
+  ORVA_OK = 0,             /**< "OK" */
+  ORVA_NO_CONNECTION = 1,  /**< "No connection to server"; never returned: a lost connection is ORVA_ERROR */
+  ORVA_ERROR = 2,          /**< the text of the failure, for example the text of the server */
+  ORVA_INVALID_HANDLE = 3, /**< "Invalid handle": unknown connection, list, metadata or store */
+  ORVA_READ_ONLY = 4,      /**< "Read only": a write to a store opened for reading */
+  ORVA_TIMEOUT = 5,        /**< "Timeout": a wait of a store ran out */
   ORVA_INVALID_ARGUMENT = 6, /**< "Invalid argument": a store opened with a bad mode */
   ORVA_WRITE_ONLY = 7        /**< "Write only": a read of a store opened for writing */
 };
@@ -123,31 +127,31 @@ enum OrvaResult {
 /* ---- Connections -------------------------------------------------------------------------------------- */
 
 /**
- * Opens a connection and starts its thread, which tries to reach the server 100 ms later and every 100 ms
- * from then on, and again whenever the connection is lost. Returns at once.
+ * Opens a connection and returns at once. The connection's thread tries to connect after 100 ms, and again
+ * 100 ms after each failure and each loss. Records no text. Each connection costs one thread and one socket.
+ * Two connections to one address are independent.
  * @param address IPv4 address of the server in host byte order: 127.0.0.1 is 0x7F000001. The port is 8913.
- * @return the connection number; 0, which no connection ever has, only when memory runs out. Two connections
- *   to one address are independent. When the system has no thread to give, the number is valid and the
- *   connection never comes up: commands fail at once. Records no text. Each connection costs one thread and
- *   one socket.
+ * @return the connection number. It is 0 only when memory runs out; no connection has the number 0. When the
+ *   system cannot start a thread, the number is valid and the connection never comes up: commands fail at
+ *   once.
  */
 ORVA_API uint32_t orva_connect (uint32_t address);
 
 /**
- * Closes a connection: its number is unknown from now on. Calls on it that are running on other threads run
- * to their end first, as do asynchronous commands; then the thread and the socket go. An unknown number does
- * nothing. Records no text.
+ * Closes a connection. Its number is unknown from now on. Calls on other threads that use the connection, and
+ * asynchronous commands, run to their end. Then the thread ends and the socket is closed. An unknown number
+ * does nothing. Records no text.
  */
 ORVA_API void orva_close (uint32_t connection);
 
 /**
- * Tells whether the server is connected at this moment. No traffic, no wait.
+ * Returns whether the server is connected at this moment. Sends nothing and does not wait.
  * @return 1 or 0; 0 for an unknown number. Records no text.
  */
 ORVA_API uint8_t orva_connected (uint32_t connection);
 
 /**
- * Waits until the server is connected, looking once a millisecond. There is no time-out: with an unknown or
+ * Waits until the server is connected. It looks once a millisecond. There is no time limit: for an unknown or
  * closed number, or a server that never comes up, it never returns.
  * @return always 1. Records no text.
  */
@@ -156,43 +160,43 @@ ORVA_API uint8_t orva_wait_until_connected (uint32_t connection);
 /* ---- Last error --------------------------------------------------------------------------------------- */
 
 /**
- * Gives the text of the calling thread's last result: "OK", the text of a code, or the text that came with an
- * ORVA_ERROR; the empty text on a thread that has had no result yet. Changes nothing: a second call gives the
- * same text. Threads do not see each other's texts.
+ * Returns the text of the calling thread's last result: "OK", the text of a code, or the text of an
+ * ORVA_ERROR. On a thread without a result it returns the empty text. A second call returns the same text.
+ * Threads do not see each other's texts.
  */
 ORVA_API void orva_get_last_error (OrvaStringBuffer text);
 
 /* ---- Waiting or not ----------------------------------------------------------------------------------- */
 
 /**
- * Says whether ordinary commands of this connection wait for the server's answer. With 0, the state of a new
- * connection, they do. With any other value (the sense is the reverse of the name) they return ORVA_OK as
- * soon as the command is sent, even if the connection is down, and their outcome is lost. Functions that
- * return data of the server wait in any case. Commands that are already under way keep their manner. An
- * unknown number is ignored. Records no text.
+ * Chooses whether ordinary commands of this connection wait for the server's answer. The flag means the
+ * opposite of the name: with 0 they wait, and this is the state of a new connection. With any other value
+ * they return ORVA_OK as soon as the command is sent, even if the connection is down. Their outcome is lost.
+ * Functions that return data from the server always wait. Commands that have already been sent are not
+ * affected. An unknown number is ignored. Records no text.
  */
 ORVA_API void orva_synchronous (uint32_t connection, uint32_t flag);
 
 /**
- * Waits until no command of this connection is unanswered, looking once a millisecond: the way to know that
- * asynchronous commands have been dealt with. Commands that other threads go on sending count too, so under
- * steady load it need not return. No time-out. An unknown number returns at once. Records no text.
+ * Waits until every command of this connection has been answered. It looks once a millisecond. Use it to
+ * learn that asynchronous commands are done. Commands that other threads send meanwhile count too, so under
+ * steady load it may never return. There is no time limit. For an unknown number it returns at once. Records
+ * no text.
  */
 ORVA_API void orva_sync (uint32_t connection);
 
 /* ---- Transport and gangs ------------------------------------------------------------------------------ */
 /*
  * Each function is one ordinary command: it waits for the answer unless the connection is asynchronous, and
- * costs one round trip. The functions with "gang" in their names address a set of channels with the same
- * meaning; an empty set is sent as it is. A channel above 7 is taken for channel 0. The numbers at the end of
- * names are overloads: what a shorter form leaves out is for the server to decide. Whether a clip exists or a
- * position makes sense is for the server to say; its refusal is ORVA_ERROR with its text.
+ * costs one round trip. The functions with "gang" in their names do the same for a set of channels at once.
+ * An empty set is sent too. A channel above 7 means channel 0. A number at the end of a name tells forms with
+ * more arguments from forms with fewer. The server decides what a missing argument means. The server checks
+ * whether a clip exists and whether a position is possible. Its refusal is ORVA_ERROR with its text.
  *
- * min_latency: exactly 1 asks the server to act at the earliest moment that it can; every other value does
- * not.
+ * min_latency: 1 asks the server to act as early as it can. Every other value does not.
  */
 
-/** How a clip repeats. Any other number is taken for ORVA_REPEAT_OFF. */
+/** How a clip repeats. Any other number means ORVA_REPEAT_OFF. */
 enum OrvaRepeat {
   ORVA_REPEAT_OFF = 0,
   ORVA_REPEAT_LOOP = 1,
@@ -201,7 +205,7 @@ enum OrvaRepeat {
   ORVA_REPEAT_PINGPONG_TO = 4
 };
 
-/** When a precued clip takes over. Any other number is taken for ORVA_PRECUE_EXPLICIT_SWITCH. */
+/** When a precued clip follows. Any other number means ORVA_PRECUE_EXPLICIT_SWITCH. */
 enum OrvaPrecueCondition {
   ORVA_PRECUE_EXPLICIT_SWITCH = 0, /**< at orva_precue_activate1() */
   ORVA_PRECUE_PREVIOUS_STOPS = 1,
@@ -209,7 +213,7 @@ enum OrvaPrecueCondition {
   ORVA_PRECUE_END_OF_CLIP = 3
 };
 
-/** The change of picture of a take. Any other number is a fault of the program. */
+/** How the picture changes in a take. Any other number is a fault of the program. */
 enum OrvaTransition { ORVA_TRANSITION_CUT = 0, ORVA_TRANSITION_DISSOLVE = 1 };
 
 /** The speed after a take. Any other number is a fault of the program. */
@@ -269,90 +273,91 @@ ORVA_API uint32_t orva_cmd_loadclip2 (uint32_t connection, uint32_t channel, con
 ORVA_API uint32_t orva_cmd_loadclip3 (uint32_t connection, uint32_t channel, const orva_char *clip,
                                       uint32_t repeat, uint32_t position);
 /**
- * Loads a clip with its place on the channel's time line.
+ * Loads a clip, goes to a position, and sends a loop-in point and a clip position.
  * @param repeat an OrvaRepeat.
- * @param position where to go, in fields; sent also when it is 0.
+ * @param position where to go, in fields; it is sent even when it is 0.
  * @param loop_in start of the loop, in fields.
- * @param clip_position the clip's position, in fields; sent also when it is 0.
+ * @param clip_position the clip's position, in fields; it is sent even when it is 0.
  */
 ORVA_API uint32_t orva_cmd_loadclip4 (uint32_t connection, uint32_t channel, const orva_char *clip,
                                       uint32_t repeat, uint32_t position, uint32_t loop_in,
                                       uint32_t clip_position);
-/** Loads a clip seen from an angle. @param angle its low 8 bits count. */
+/** Loads a clip at a camera angle. @param angle only its low 8 bits count. */
 ORVA_API uint32_t orva_cmd_loadclip5 (uint32_t connection, uint32_t channel, const orva_char *clip,
                                       uint32_t angle);
-/** Loads a clip seen from an angle and goes to a position. @param angle low 8 bits. @param position fields.
- */
+/** Loads a clip at a camera angle and goes to a position. @param angle low 8 bits. @param position fields. */
 ORVA_API uint32_t orva_cmd_loadclip6 (uint32_t connection, uint32_t channel, const orva_char *clip,
                                       uint32_t angle, uint32_t position);
 /**
- * Loads a clip seen from an angle, with a position to go to and the clip's own.
- * @param angle its low 8 bits count. @param position fields. @param clip_position fields.
+ * Loads a clip at a camera angle, goes to a position, and sends a clip position.
+ * @param angle only its low 8 bits count. @param position where to go, in fields.
+ * @param clip_position the clip's position, in fields.
  */
 ORVA_API uint32_t orva_cmd_loadclip7 (uint32_t connection, uint32_t channel, const orva_char *clip,
                                       uint32_t angle, uint32_t position, uint32_t clip_position);
 
-/** Prepares a clip to follow the one in the channel. @param condition an OrvaPrecueCondition. */
+/** Precues a clip: it will follow the one on the channel. @param condition an OrvaPrecueCondition. */
 ORVA_API uint32_t orva_precue1 (uint32_t connection, uint32_t channel, const orva_char *clip,
                                 uint32_t condition);
-/** Prepares a clip to follow, from a position on. @param position fields. */
+/** Precues a clip from a position on. @param position fields. */
 ORVA_API uint32_t orva_precue2 (uint32_t connection, uint32_t channel, const orva_char *clip,
                                 uint32_t condition, uint32_t position);
-/** Prepares a piece of a clip to follow. @param position fields. @param length fields. */
+/** Precues a part of a clip. @param position fields. @param length fields. */
 ORVA_API uint32_t orva_precue3 (uint32_t connection, uint32_t channel, const orva_char *clip,
                                 uint32_t condition, uint32_t position, uint32_t length);
 /**
- * Prepares a piece of a clip to follow, with a loop-in point and with repeating switched off.
+ * Precues a part of a clip with a loop-in point and with repeating switched off.
  * @param position fields. @param loop_in fields. @param length fields.
  */
 ORVA_API uint32_t orva_precue4 (uint32_t connection, uint32_t channel, const orva_char *clip,
                                 uint32_t condition, uint32_t position, uint32_t loop_in, uint32_t length);
-/** Drops what is prepared on a channel. */
+/** Removes all precued clips of a channel. */
 ORVA_API uint32_t orva_precue_clear1 (uint32_t connection, uint32_t channel);
-/** Switches a channel to what is prepared. */
+/** Switches a channel to its precued clip. */
 ORVA_API uint32_t orva_precue_activate1 (uint32_t connection, uint32_t channel);
-/** Switches a set of channels to what is prepared. */
+/** Switches a set of channels to their precued clips. */
 ORVA_API uint32_t orva_gang_precue_activate1 (uint32_t connection, uint32_t mask);
 
-/** Takes the prepared clip. @param type an OrvaTransition. @param duration of the transition, in fields. */
+/** Takes the next clip. @param type an OrvaTransition. @param duration of the transition, in fields. */
 ORVA_API uint32_t orva_take1 (uint32_t connection, uint32_t channel, uint32_t type, uint32_t duration);
-/** Takes the prepared clip. @param follow an OrvaFollowSpeed. */
+/** Takes the next clip. @param follow the speed after the take, an OrvaFollowSpeed. */
 ORVA_API uint32_t orva_take2 (uint32_t connection, uint32_t channel, uint32_t type, uint32_t duration,
                               uint32_t follow);
-/** Goes live at the earliest moment. The server chooses what is shown: no clip is named. */
+/** Goes live as early as possible. No clip is named: the server chooses what it shows. */
 ORVA_API uint32_t orva_go_live1 (uint32_t connection, uint32_t channel);
-/** Goes live from an angle, at the earliest moment. @param angle its low 8 bits count. */
+/** Goes live at a camera angle as early as possible. @param angle only its low 8 bits count. */
 ORVA_API uint32_t orva_go_live2 (uint32_t connection, uint32_t channel, uint32_t angle);
-/** Goes live with a clip, at the earliest moment. */
+/** Goes live with a clip as early as possible. */
 ORVA_API uint32_t orva_go_live3 (uint32_t connection, uint32_t channel, const orva_char *clip);
-/** Goes live with a clip from an angle, at the earliest moment. @param angle its low 8 bits count. */
+/** Goes live with a clip at a camera angle, as early as possible. @param angle only its low 8 bits count. */
 ORVA_API uint32_t orva_go_live4 (uint32_t connection, uint32_t channel, const orva_char *clip,
                                  uint32_t angle);
-/** Changes the angle of a channel. @param angle its low 8 bits count. */
+/** Changes the camera angle of a channel. @param angle only its low 8 bits count. */
 ORVA_API uint32_t orva_angle1 (uint32_t connection, uint32_t channel, uint32_t angle);
 /** Sets the out point of a channel. @param position fields. */
 ORVA_API uint32_t orva_set_out1 (uint32_t connection, uint32_t channel, uint32_t position);
-/** Takes the out point of a channel away. */
+/** Removes the out point of a channel. */
 ORVA_API uint32_t orva_clear_out (uint32_t connection, uint32_t channel);
 /** Sets how the clip in a channel repeats. @param repeat an OrvaRepeat. */
 ORVA_API uint32_t orva_set_repeat (uint32_t connection, uint32_t channel, uint32_t repeat);
-/** Exactly as orva_set_repeat(). */
+/** Does exactly what orva_set_repeat() does. */
 ORVA_API uint32_t orva_set_channel_repeat (uint32_t connection, uint32_t channel, uint32_t repeat);
-/** Empties a channel. */
+/** Unloads the clip of a channel. */
 ORVA_API uint32_t orva_unload_channel (uint32_t connection, uint32_t channel);
 
 /*
- * Edit and EE. edit_bits: bit 0 stands for bit 4 of the server's edit mask (0x10), bit 1 for bit 5 (0x20),
- * bit 2 for all its other bits (0x3CF); other bits are ignored. 7 is everything, 0 is nothing.
+ * Edit and E to E (the channel shows its input). edit_bits: bit 0 is bit 4 of the server's edit mask (0x10),
+ * bit 1 is bit 5 (0x20), and bit 2 is all its other bits (0x3CF). Other bits are ignored. 7 is everything, 0
+ * is nothing.
  */
 
 /** Starts or ends an insert edit of a channel. @param edit_bits see above. */
 ORVA_API uint32_t orva_edit1 (uint32_t connection, uint32_t channel, uint32_t edit_bits);
 /** Starts or ends an insert edit of a set of channels. @param edit_bits see above. */
 ORVA_API uint32_t orva_gang_edit1 (uint32_t connection, uint32_t mask, uint32_t edit_bits);
-/** Selects what of a channel is EE. @param mode 1 switches automatic EE off; every other value, on. */
+/** Selects what a channel shows E to E. @param mode 1 is manual; every other value is automatic. */
 ORVA_API uint32_t orva_ee1 (uint32_t connection, uint32_t channel, uint32_t edit_bits, uint32_t mode);
-/** Selects what of a set of channels is EE. @param mode 1 switches automatic EE off; every other, on. */
+/** Selects what a set of channels shows E to E. @param mode 1 is manual; every other is automatic. */
 ORVA_API uint32_t orva_gang_ee1 (uint32_t connection, uint32_t mask, uint32_t edit_bits, uint32_t mode);
 /** orva_edit1() with 7. */
 ORVA_API uint32_t orva_edit_all_on (uint32_t connection, uint32_t channel);
@@ -373,17 +378,17 @@ ORVA_API uint32_t orva_gang_ee_all_off (uint32_t connection, uint32_t mask);
 
 /* ---- Clips -------------------------------------------------------------------------------------------- */
 /*
- * A clip is known by its name. These functions are ordinary commands, but for orva_clip_exists().
+ * A clip is known by its name. All functions but orva_clip_exists() are ordinary commands.
  *
- * track_mask: bit 0 video, which brings timecode along, bit 1 key, bit 2 audio; other bits are ignored.
+ * track_mask: bit 0 is video and timecode, bit 1 is key, bit 2 is audio; other bits are ignored.
  */
 
 /**
- * Asks whether there is such a clip. Waits on an asynchronous connection too.
- * @param exists receives 1 or 0, and 0 when the command failed; may be null: the server is asked all the same
+ * Asks whether a clip exists. Waits on an asynchronous connection too.
+ * @param exists receives 1 or 0, and 0 when the command failed. It may be null; the server is asked anyway.
  */
 ORVA_API uint32_t orva_clip_exists (uint32_t connection, const orva_char *clip, uint32_t *exists);
-/** Gives a clip another name. @param from its name. @param to the new one. */
+/** Renames a clip. @param from its present name. @param to its new name. */
 ORVA_API uint32_t orva_rename_clip (uint32_t connection, const orva_char *from, const orva_char *to);
 /** Deletes a clip. */
 ORVA_API uint32_t orva_delete_clip (uint32_t connection, const orva_char *clip);
@@ -392,65 +397,66 @@ ORVA_API uint32_t orva_create_clip1 (uint32_t connection, const orva_char *clip,
 /** Creates an empty clip. @param length fields. */
 ORVA_API uint32_t orva_create_clip2 (uint32_t connection, const orva_char *clip, uint32_t track_mask,
                                      uint32_t length);
-/** Creates an empty clip for a channel. @param channel above 7 is taken for 0. @param length fields. */
+/** Creates an empty clip for a channel. @param channel above 7 means 0. @param length fields. */
 ORVA_API uint32_t orva_create_clip3 (uint32_t connection, uint32_t channel, const orva_char *clip,
                                      uint32_t track_mask, uint32_t length);
-/** Creates a clip that shares the content of another. @param parent the other's name. */
+/** Creates a clip that shares the content of another clip. @param parent the name of that clip. */
 ORVA_API uint32_t orva_create_child_clip1 (uint32_t connection, const orva_char *clip,
                                            const orva_char *parent);
-/** The same, seen from an angle. @param angle its low 8 bits count. */
+/** The same at a camera angle. @param angle only its low 8 bits count. */
 ORVA_API uint32_t orva_create_child_clip2 (uint32_t connection, const orva_char *clip,
                                            const orva_char *parent, uint32_t angle);
-/** Meant to protect a clip. In this version ORVA_ERROR with "Not implemented"; nothing is sent. */
+/** Would protect a clip. Not available: returns ORVA_ERROR with "Not implemented" and sends nothing. */
 ORVA_API uint32_t orva_set_readonly (uint32_t connection, const orva_char *clip);
-/** Meant to lift the protection; fares as orva_set_readonly(). */
+/** Would remove the protection. Not available, as orva_set_readonly(). */
 ORVA_API uint32_t orva_unset_readonly (uint32_t connection, const orva_char *clip);
 
 /* ---- Lists of clips and directories ------------------------------------------------------------------- */
 /*
- * A list is what the server had at one moment: fetched whole, in one round trip, and then read name by name
- * without any traffic. A list handle belongs to the process, not to the connection; it works on after
- * orva_close() and costs memory until it is closed. Several threads may read one list: each name goes to one
- * of them. The two families, and orva_get_metakey(), share their handles and functions.
+ * A list holds what the server had at one moment. It is fetched in one round trip and then read name by name
+ * without traffic. A list handle belongs to the process, not to the connection. It works after orva_close()
+ * and costs memory until it is closed. Several threads may read one list; each name goes to one of them. The
+ * functions for clips, directories and keys (orva_get_metakey()) read and close each other's lists.
  */
 
 /**
  * Fetches the names of all clips. Waits on an asynchronous connection too.
- * @param handle receives the list handle, for orva_get_clip_name(), and is left alone on failure; may be
- *   null, and then the names are fetched and dropped
+ * @param handle receives the list handle for orva_get_clip_name(). It keeps its value on failure. It may be
+ *   null; then the names are fetched and dropped.
  */
 ORVA_API uint32_t orva_open_clip_list (uint32_t connection, uint32_t *handle);
 /**
  * Takes the first name off a list, in constant time.
- * @param name receives it; the empty text at the end of the list, as often as one asks, and after
- *   ORVA_INVALID_HANDLE. No name is empty. A name that is cut to fit is gone all the same.
+ * @param name receives the name. At the end of the list it receives the empty text with ORVA_OK, at every
+ *   further call too. With ORVA_INVALID_HANDLE it also receives the empty text. No name is empty. A name that
+ *   was cut to fit cannot be read again.
  */
 ORVA_API uint32_t orva_get_clip_name (uint32_t handle, OrvaStringBuffer name);
 /** Closes a list. An unknown handle does nothing. Records no text. */
 ORVA_API void orva_close_clip_list (uint32_t handle);
-/** Fetches the names of all directories; otherwise as orva_open_clip_list(). */
+/** Fetches the names of all directories. Otherwise like orva_open_clip_list(). */
 ORVA_API uint32_t orva_open_directory_list (uint32_t connection, uint32_t *handle);
-/** As orva_get_clip_name(). */
+/** Like orva_get_clip_name(). */
 ORVA_API uint32_t orva_get_directory_name (uint32_t handle, OrvaStringBuffer name);
-/** As orva_close_clip_list(). */
+/** Like orva_close_clip_list(). */
 ORVA_API void orva_close_directory_list (uint32_t handle);
 /** Creates a directory. An ordinary command. */
 ORVA_API uint32_t orva_create_directory (uint32_t connection, const orva_char *directory);
 
 /* ---- Changes of clips and directories ----------------------------------------------------------------- */
 /*
- * From the first call of one of these functions on, the library collects the names that the server reports as
- * added, deleted or changed, until the caller takes them one by one. A name waits in one place at most: a
- * clip that was added and then changed is simply added, one that was added and then deleted is deleted.
- * Names come in the order of their characters, not of the events. No notice tells of them.
+ * After the first call of one of these functions the library collects the names that the server reports as
+ * added, deleted or changed. The caller takes them one by one. A name is in one set at most: a clip that was
+ * added and then changed is "added", and one that was added and then deleted is "deleted". Names are returned
+ * in the order of their characters, not of the events. There are no notices of them.
  *
- * The first call registers the reports, which is a round trip, on an asynchronous connection too; from then
- * on there is no traffic, the server may be away, and the library registers again by itself whenever the
- * connection is made anew. What happens while it is down is not learned. While the registration fails, so do
- * all of these functions of the kind.
+ * The first call registers the reports. This is one round trip, on an asynchronous connection too. After that
+ * nothing is sent, and the functions work while the server is away. The library registers again by itself
+ * after each new connection. Changes during a loss of the connection are not learned. When the registration
+ * fails, all functions for the same kind of name fail.
  */
 
-/** Starts collecting changes of clips, unless that has been done. */
+/** Starts collecting changes of clips. Does nothing if this has started. */
 ORVA_API uint32_t orva_track_clip_changes (uint32_t connection);
 /** Takes one clip that was added. @param clip receives its name, empty when there is none. */
 ORVA_API uint32_t orva_track_change_added_clip (uint32_t connection, OrvaStringBuffer clip);
@@ -458,7 +464,7 @@ ORVA_API uint32_t orva_track_change_added_clip (uint32_t connection, OrvaStringB
 ORVA_API uint32_t orva_track_change_deleted_clip (uint32_t connection, OrvaStringBuffer clip);
 /** Takes one clip whose attributes have changed. @param clip receives its name, empty when there is none. */
 ORVA_API uint32_t orva_track_change_changed_clip (uint32_t connection, OrvaStringBuffer clip);
-/** Starts collecting changes of directories, unless that has been done. */
+/** Starts collecting changes of directories. Does nothing if this has started. */
 ORVA_API uint32_t orva_track_directory_changes (uint32_t connection);
 /** Takes one directory that was added. @param directory receives its name, empty when there is none. */
 ORVA_API uint32_t orva_track_change_added_directory (uint32_t connection, OrvaStringBuffer directory);
@@ -467,65 +473,69 @@ ORVA_API uint32_t orva_track_change_deleted_directory (uint32_t connection, Orva
 
 /* ---- Metadata handles --------------------------------------------------------------------------------- */
 /*
- * A metadata handle is a snapshot of everything that the server knows about one clip. All functions that
- * take one give ORVA_INVALID_HANDLE for a handle that is not open. Reading it costs no traffic and works
- * after orva_close() too; what others change shows only in a new handle. Setting a value is an ordinary
- * command, which changes the clip on the server, and when that has worked, the snapshot; so on an
- * asynchronous connection the snapshot changes whether or not the server accepts. A setter whose connection
- * is closed gives ORVA_INVALID_HANDLE. A handle lives until it is closed, and may be used by several threads.
+ * A metadata handle is a snapshot of everything that the server knows about one clip. All functions that take
+ * one return ORVA_INVALID_HANDLE for a handle that is not open. Reading a snapshot sends nothing and works
+ * after orva_close() too. It does not show later changes by others; open a new handle for them. A setter is
+ * an ordinary command. It changes the clip on the server first and then the snapshot. When the server
+ * refuses, the snapshot does not change. On an asynchronous connection the snapshot changes in any case. A
+ * setter whose connection is closed returns ORVA_INVALID_HANDLE. A handle stays open until it is closed.
+ * Several threads may use it.
  */
 
 /**
- * Fetches a clip's snapshot. Waits on an asynchronous connection too. A clip that does not exist is the
- * server's refusal.
- * @param handle receives the metadata handle, and is left alone on failure; may be null, and then the server
- *   is asked and no handle is made
+ * Fetches a clip's snapshot. Waits on an asynchronous connection too. The server refuses a clip that does not
+ * exist.
+ * @param handle receives the metadata handle. It keeps its value on failure. It may be null; then the server
+ *   is asked and no handle is made.
  */
 ORVA_API uint32_t orva_open_clip_metadata (uint32_t connection, const orva_char *clip, uint32_t *handle);
 /** Closes a metadata handle. @return always ORVA_OK, for an unknown handle too. */
 ORVA_API uint32_t orva_close_clip_metadata (uint32_t handle);
 
 /*
- * Free-form pairs of a key and a value, in the order that the server gave. When a key stands there twice, the
- * first pair counts.
+ * Free-form pairs of a key and a value, in the order of the server. When a clip has two pairs with one key,
+ * the first one counts.
  */
 
-/** Whether a key is there. @param has receives 1 or 0, and 0 for an unknown handle; may be null. */
+/** Whether the clip has a key. @param has receives 1 or 0, and 0 for an unknown handle; may be null. */
 ORVA_API uint32_t orva_clip_has_meta (uint32_t handle, const orva_char *key, uint32_t *has);
-/** The value of a key. @param value receives it, empty for an unknown key, which is ORVA_OK, or handle. */
+/**
+ * The value of a key. A key that the clip does not have is no error.
+ * @param value receives the value. It receives the empty text for an unknown key or an unknown handle.
+ */
 ORVA_API uint32_t orva_clip_get_meta (uint32_t handle, const orva_char *key, OrvaStringBuffer value);
-/** Sets the value of a key; a new key goes to the end. */
+/** Sets the value of a key. A new key is put at the end. */
 ORVA_API uint32_t orva_clip_set_meta (uint32_t handle, const orva_char *key, const orva_char *value);
-/** Takes a pair away. The server is asked also for a key that the snapshot does not have. */
+/** Deletes a pair. The command is sent even when the snapshot does not have the key. */
 ORVA_API uint32_t orva_clip_delete_meta (uint32_t handle, const orva_char *key);
-/** Makes a list of all keys, a snapshot of its own. @param list receives its handle; may be null. */
+/** Makes a list of all present keys. @param list receives its list handle; may be null. */
 ORVA_API uint32_t orva_clip_open_metakeys (uint32_t handle, uint32_t *list);
-/** Takes the first key off a list, as orva_get_clip_name(). */
+/** Takes the first key off a list, like orva_get_clip_name(). */
 ORVA_API uint32_t orva_get_metakey (uint32_t list, OrvaStringBuffer key);
 /** Closes a list of keys. @return always ORVA_OK, for an unknown handle too. */
 ORVA_API uint32_t orva_close_metakeys (uint32_t list);
 
 /* ---- Attributes of clips ------------------------------------------------------------------------------ */
 /*
- * Through a metadata handle; see above. What the server left out reads as 0 or the empty text. Values that
- * have no number here read as the first of their kind.
+ * These functions need a metadata handle; see above. An attribute that the server left out reads as 0 or the
+ * empty text. A value that has no number here reads as the first of its kind.
  */
 
-/** How the fields of a clip are shown. In a setter, any other number is taken for ORVA_PLAYBACK_FIELD. */
+/** How the fields of a clip are shown. In a setter, any other number means ORVA_PLAYBACK_FIELD. */
 enum OrvaPlayback {
-  ORVA_PLAYBACK_FIELD = 0, /**< one by one; also what "automatic" reads as */
-  ORVA_PLAYBACK_F12 = 1    /**< 1 and 2 together */
+  ORVA_PLAYBACK_FIELD = 0, /**< one by one; "automatic" reads as this too */
+  ORVA_PLAYBACK_F12 = 1    /**< fields 1 and 2 together */
 };
 
-/** Where a clip's timecode comes from. In a setter, any other number is a fault of the program. */
+/** Where a clip's timecode is taken from. In a setter, any other number is a fault of the program. */
 enum OrvaTimecodeSource {
   ORVA_TIMECODE_ZERO_BASED = 0,
-  ORVA_TIMECODE_STRIPED = 1,          /**< as orva_set_clip_timecode_stripe() says */
+  ORVA_TIMECODE_STRIPED = 1,          /**< set with orva_set_clip_timecode_stripe() */
   ORVA_TIMECODE_RECORDED = 2,         /**< recorded with the picture */
   ORVA_TIMECODE_RECORDED_0_STRIPE = 3 /**< counted on from the one recorded with the first frame */
 };
 
-/** How a timecode counts. In a setter, any other number is taken for ORVA_DROP_FRAME. */
+/** How a timecode counts. In a setter, any other number means ORVA_DROP_FRAME. */
 enum OrvaDropFrame { ORVA_DROP_FRAME = 0, ORVA_NON_DROP_FRAME = 1 };
 
 /** The clip's video standard. @param standard receives an OrvaVideoStandard. */
@@ -551,27 +561,26 @@ ORVA_API uint32_t orva_clip_length (uint32_t handle, uint32_t *length);
 /** Whether the clip is protected. @param readonly receives 1 or 0. */
 ORVA_API uint32_t orva_clip_is_readonly (uint32_t handle, uint32_t *readonly);
 /**
- * Where the clip's timecode starts, by the source in use.
- * @param start receives it in fields; 0 when it is based on zero, or when the server does not tell.
- * @param drop_frame receives an OrvaDropFrame. A clip on a standard without drop frame is non-drop whatever
- *   the server says; on the others, 59.94 and those of no known rate, drop frame unless the server says
- *   otherwise.
+ * The first timecode of the clip, from its timecode source.
+ * @param start receives it in fields. It is 0 for a zero-based source and when the server left it out.
+ * @param drop_frame receives an OrvaDropFrame. At 60, 50, 48 and 47.95 it is always non-drop. At 59.94, and
+ *   for a standard without a known rate, it is drop frame unless the server says non-drop.
  */
 ORVA_API uint32_t orva_clip_timecode_stripe (uint32_t handle, uint32_t *start, uint32_t *drop_frame);
-/** The timecode recorded with the clip's first frame; otherwise as orva_clip_timecode_stripe(). */
+/** The timecode recorded with the first frame, whatever the source. Else like orva_clip_timecode_stripe(). */
 ORVA_API uint32_t orva_clip_recorded_timecode0 (uint32_t handle, uint32_t *start, uint32_t *drop_frame);
-/** The clip's own identifier. @param uuid receives it, and is left alone for an unknown handle. */
+/** The identifier of the clip. @param uuid receives it. It keeps its value for an unknown handle. */
 ORVA_API uint32_t orva_clip_uuid (uint32_t handle, OrvaStringBuffer uuid);
-/** That of the clip's parent. @param uuid receives it, and is left alone for an unknown handle. */
+/** The identifier of the clip's parent. @param uuid receives it. It keeps its value for an unknown handle. */
 ORVA_API uint32_t orva_clip_parent_uuid (uint32_t handle, OrvaStringBuffer uuid);
-/** How much is trimmed off the start. @param trim receives it in fields. */
+/** How much is trimmed at the start. @param trim receives it in fields. */
 ORVA_API uint32_t orva_clip_trim_start (uint32_t handle, uint32_t *trim);
-/** How much is trimmed off the end. @param trim receives it in fields. */
+/** How much is trimmed at the end. @param trim receives it in fields. */
 ORVA_API uint32_t orva_clip_trim_end (uint32_t handle, uint32_t *trim);
-/** Where the clip's timecode comes from. @param source receives an OrvaTimecodeSource. */
+/** Where the clip's timecode is taken from. @param source receives an OrvaTimecodeSource. */
 ORVA_API uint32_t orva_clip_timecode_source (uint32_t handle, uint32_t *source);
 
-/* Stamps: numbers of the server, which it raises with time; their unit is its own affair. */
+/* Stamps are numbers of the server that grow with time. The server chooses their unit. */
 
 /** When the clip was last loaded. @param stamp receives it. */
 ORVA_API uint32_t orva_clip_last_loaded (uint32_t handle, uint64_t *stamp);
@@ -598,26 +607,26 @@ ORVA_API uint32_t orva_set_clip_repeat (uint32_t handle, uint32_t repeat);
 ORVA_API uint32_t orva_set_clip_loop_in_point (uint32_t handle, uint32_t position);
 /** Sets where the clip's loop ends. @param position fields. */
 ORVA_API uint32_t orva_set_clip_loop_out_point (uint32_t handle, uint32_t position);
-/** Trims the start of the clip. @param trim fields; an odd number is taken for the even one below it. */
+/** Trims the start of the clip. @param trim fields; an odd number is lowered by 1. */
 ORVA_API uint32_t orva_set_clip_trim_start (uint32_t handle, uint32_t trim);
-/** Trims the end of the clip. @param trim fields; an odd number is taken for the even one below it. */
+/** Trims the end of the clip. @param trim fields; an odd number is lowered by 1. */
 ORVA_API uint32_t orva_set_clip_trim_end (uint32_t handle, uint32_t trim);
 /**
- * Stripes the clip with a timecode, and makes that stripe its source.
+ * Stripes the clip: gives it a timecode that starts at a given value, and makes this its timecode source.
  * @param start the timecode of the first frame, in fields. @param drop_frame an OrvaDropFrame.
  */
 ORVA_API uint32_t orva_set_clip_timecode_stripe (uint32_t handle, uint32_t start, uint32_t drop_frame);
-/** Sets where the clip's timecode comes from. @param source an OrvaTimecodeSource. */
+/** Sets where the clip's timecode is taken from. @param source an OrvaTimecodeSource. */
 ORVA_API uint32_t orva_set_clip_timecode_source (uint32_t handle, uint32_t source);
 
 /* ---- Virtual clips ------------------------------------------------------------------------------------ */
 /*
- * A virtual clip is put together on the server from segments of other clips, track by track. The order of
- * calls is orva_vclip_create(), orva_vclip_modification_start(), any number of changes,
- * orva_vclip_modification_end(), orva_cmd_load_vclip1() to 3, and orva_vclip_free() at the end; the library
- * keeps no state and enforces none of it. Each function is one ordinary command, as in the section above.
+ * The server puts a virtual clip together from segments of other clips, track by track. The order of calls is
+ * orva_vclip_create(), orva_vclip_modification_start(), any number of changes, orva_vclip_modification_end(),
+ * one of orva_cmd_load_vclip1() to 3, and orva_vclip_free() at the end. The library keeps no state and does
+ * not check this order. Each function is one ordinary command.
  *
- * track_mask: bit 0 video, bit 1 key, bit 2 audio; other bits are ignored.
+ * track_mask: bit 0 is video, bit 1 is key, bit 2 is audio; other bits are ignored.
  */
 
 /** Creates an empty virtual clip. @param vclip its name. @param length fields. */
@@ -629,27 +638,29 @@ ORVA_API uint32_t orva_vclip_modification_start (uint32_t connection, const orva
 /** Ends the changes of a virtual clip. */
 ORVA_API uint32_t orva_vclip_modification_end (uint32_t connection, const orva_char *vclip);
 /**
- * Puts a piece of a clip into a virtual clip.
- * @param clip the clip that the piece comes from. @param clip_position where it starts there, in fields.
- * @param track_mask the tracks to take. @param vclip_position where it goes, in fields.
- * @param length of the piece, in fields.
+ * Puts a segment of a clip into a virtual clip.
+ * @param clip the clip to take the segment from.
+ * @param clip_position where the segment starts in that clip, in fields.
+ * @param track_mask the tracks to take.
+ * @param vclip_position where the segment starts in the virtual clip, in fields.
+ * @param length of the segment, in fields.
  */
 ORVA_API uint32_t orva_vclip_add_segment1 (uint32_t connection, const orva_char *vclip, const orva_char *clip,
                                            uint32_t clip_position, uint32_t track_mask,
                                            uint32_t vclip_position, uint32_t length);
-/** As orva_vclip_add_segment1(), played at a speed. */
+/** Like orva_vclip_add_segment1(), for a segment that plays at a speed. */
 ORVA_API uint32_t orva_vclip_add_segment2 (uint32_t connection, const orva_char *vclip, const orva_char *clip,
                                            uint32_t clip_position, uint32_t track_mask,
                                            uint32_t vclip_position, uint32_t length, double speed);
-/** Empties a stretch of a virtual clip. @param vclip_position fields. @param length fields. */
+/** Clears a range of a virtual clip. @param vclip_position start, in fields. @param length fields. */
 ORVA_API uint32_t orva_vclip_clear_segment (uint32_t connection, const orva_char *vclip, uint32_t track_mask,
                                             uint32_t vclip_position, uint32_t length);
-/** Moves everything from a position on. @param vclip_position fields. @param distance fields, signed. */
+/** Moves all segments from a position on. @param vclip_position fields. @param distance fields, signed. */
 ORVA_API uint32_t orva_vclip_ripple (uint32_t connection, const orva_char *vclip, uint32_t track_mask,
                                      uint32_t vclip_position, int32_t distance);
-/** Chooses the tracks of a virtual clip that are seen and heard. */
+/** Selects the tracks of a virtual clip that are played. */
 ORVA_API uint32_t orva_vclip_track_enable (uint32_t connection, const orva_char *vclip, uint32_t track_mask);
-/** Gives tracks of a virtual clip the configuration that they have in a clip. */
+/** Configures tracks of a virtual clip like those of a clip. */
 ORVA_API uint32_t orva_vclip_cfg_tracks (uint32_t connection, const orva_char *vclip, const orva_char *clip,
                                          uint32_t track_mask);
 /** Loads a virtual clip into a channel. */
@@ -663,8 +674,8 @@ ORVA_API uint32_t orva_cmd_load_vclip3 (uint32_t connection, uint32_t channel, c
 
 /* ---- Server information ------------------------------------------------------------------------------- */
 /*
- * Nothing is cached: each call is a question to the server and costs one round trip. The functions wait for
- * the answer on an asynchronous connection too, since they have a value to return.
+ * Nothing is cached: each call asks the server and costs one round trip. The functions wait for the answer on
+ * an asynchronous connection too, because they return a value.
  */
 
 /** Field or frame rates. A rate that is not listed reads as ORVA_FREQUENCY_60. */
@@ -684,7 +695,7 @@ enum OrvaVideoResolution {
   ORVA_RESOLUTION_525I = 3
 };
 
-/** Video standards. One that is not listed, 4K and progressive 1080 for instance, reads as the first. */
+/** Video standards. One that is not listed, such as 4K or progressive 1080, reads as the first. */
 enum OrvaVideoStandard {
   ORVA_STANDARD_1080_60I = 0,
   ORVA_STANDARD_1080_59_94I = 1,
@@ -707,37 +718,38 @@ ORVA_API uint32_t orva_video_resolution (uint32_t connection, uint32_t *resoluti
 /** Asks for the server's video standard. @param standard receives an OrvaVideoStandard. */
 ORVA_API uint32_t orva_video_standard (uint32_t connection, uint32_t *standard);
 /**
- * Asks for the server's disk space.
+ * Asks for the server's disk space. None of the three pointers may be null.
  * @param total receives the size of the disks, in the unit of field_size.
- * @param available receives what is free of it.
- * @param field_size receives the space that one field takes. None of the three may be null.
+ * @param available receives the free part of it, in the same unit.
+ * @param field_size receives the space that one field takes.
  */
 ORVA_API uint32_t orva_disk_usage1 (uint32_t connection, uint64_t *total, uint64_t *available,
                                     uint32_t *field_size);
 /**
- * Asks for the server's disk space in fields: both values are cut to whole frames, so even, and then limited
- * to 0xFFFFFFFF. A server that tells a field size of 0 gives ORVA_ERROR, "Internal software error".
- * @param total receives the number of fields that the disks hold. @param available receives those still free.
+ * Asks for the server's disk space in fields. Both values are rounded down to whole frames and then limited
+ * to 0xFFFFFFFF. When the server reports a field size of 0, the result is ORVA_ERROR with "Internal software
+ * error".
+ * @param total receives the number of fields that the disks hold.
+ * @param available receives the number of fields that are free.
  */
 ORVA_API uint32_t orva_disk_usage2 (uint32_t connection, uint32_t *total, uint32_t *available);
 
 /* ---- State of channels -------------------------------------------------------------------------------- */
 /*
- * The server is not asked: it reports changes, and these functions answer from what it has reported. The
- * first query of a kind on a channel registers the report that feeds it, which is one round trip, and waits
- * for the first value: 5 to 6 seconds at most, after which it gives ORVA_ERROR with "Register for channel
- * item failed unexpectedly", and the next query tries again. From then on a query costs no traffic and never
- * waits, and a change raises a notice. The library registers again by itself whenever the connection is made
- * anew.
+ * The server reports changes, and these functions return the last reported values. The first query of a kind
+ * on a channel registers the report. This is one round trip, also on an asynchronous connection. Then it
+ * waits for the first value. After 5 to 6 seconds without a value it returns ORVA_ERROR with "Register for
+ * channel item failed unexpectedly", and the next query tries again. Later queries send nothing and never
+ * wait, and each change raises a notice. The library registers again by itself after each new connection.
  *
- * While the server is away, queries of what has been registered go on giving the last values; only
- * orva_connected() tells. A channel above 7 is ORVA_ERROR with "Channel 8 does not exist" or the like, and
- * nothing is sent. Values of one channel may be from different moments.
+ * While the server is away, queries of registered values return the last ones. Only orva_connected() shows
+ * that they may be old. For a channel above 7 a query sends nothing and returns ORVA_ERROR with "Channel 8
+ * does not exist" or the like. Values of one channel may be from different moments.
  */
 
 /** What a channel does. */
 enum OrvaChannelStatus {
-  ORVA_CHANNEL_NONE = 0,    /**< no channel, or one in a time delay, or one that the library does not know */
+  ORVA_CHANNEL_NONE = 0,    /**< no channel, a time delay, or a status that the library does not know */
   ORVA_CHANNEL_STOPPED = 1, /**< idle, stopped or showing a test pattern */
   ORVA_CHANNEL_CUEING = 2,
   ORVA_CHANNEL_PLAYING = 3,
@@ -746,11 +758,11 @@ enum OrvaChannelStatus {
 
 /** The clip on a channel. @param clip receives its name, empty when there is none. */
 ORVA_API uint32_t orva_channel_clip (uint32_t connection, uint32_t channel, OrvaStringBuffer clip);
-/** The length of that clip. @param length receives it in fields, 0 when the server does not tell. */
+/** The length of that clip. @param length receives it in fields, 0 when the server left it out. */
 ORVA_API uint32_t orva_channel_clip_length (uint32_t connection, uint32_t channel, uint32_t *length);
-/** Where the channel stands in its clip. @param position receives it in fields. */
+/** The position of the channel in its clip. @param position receives it in fields. */
 ORVA_API uint32_t orva_channel_position (uint32_t connection, uint32_t channel, uint32_t *position);
-/** How many clips are cued to follow. @param count receives it, 0 when the server does not tell. */
+/** The number of precued clips. @param count receives it, 0 when the server left it out. */
 ORVA_API uint32_t orva_channel_precue_count (uint32_t connection, uint32_t channel, uint32_t *count);
 /** What the channel does. @param status receives an OrvaChannelStatus. */
 ORVA_API uint32_t orva_channel_status (uint32_t connection, uint32_t channel, uint32_t *status);
@@ -759,16 +771,16 @@ ORVA_API uint32_t orva_channel_repeat (uint32_t connection, uint32_t channel, ui
 /** How fast the channel plays. @param speed receives it; 1.0 is normal forward play. */
 ORVA_API uint32_t orva_channel_speed (uint32_t connection, uint32_t channel, double *speed);
 /**
- * The camera angle of the channel.
- * @param angle receives it, 0 when the server does not tell. @param angle_count receives how many the clip
- *   has, 1 when the server does not tell. Either may be null; the report is registered all the same.
+ * The camera angle of the channel. Either pointer may be null; the report is registered anyway.
+ * @param angle receives the angle, 0 when the server left it out.
+ * @param angle_count receives the number of angles of the clip, 1 when the server left it out.
  */
 ORVA_API uint32_t orva_channel_angle (uint32_t connection, uint32_t channel, uint32_t *angle,
                                       uint32_t *angle_count);
 /**
- * What the channel shows of its input.
- * @param edit_bits receives the tracks, as orva_ee1() takes them. @param mode receives 1 for manual and 0 for
- *   automatic. Both are 0 when the server does not tell; either may be null.
+ * What the channel shows E to E. Both values are 0 when the server left them out. Either pointer may be null.
+ * @param edit_bits receives the bits that orva_ee1() takes.
+ * @param mode receives 1 for manual and 0 for automatic.
  */
 ORVA_API uint32_t orva_channel_ee (uint32_t connection, uint32_t channel, uint32_t *edit_bits,
                                    uint32_t *mode);
@@ -777,7 +789,7 @@ ORVA_API uint32_t orva_channel_ee (uint32_t connection, uint32_t channel, uint32
 
 /** Which value of a channel has changed, and so which query gives the new one. */
 enum OrvaNotice {
-  ORVA_NOTICE_NONE = 0,         /**< the time was up */
+  ORVA_NOTICE_NONE = 0,         /**< no change within the time */
   ORVA_NOTICE_CLIP = 1,         /**< orva_channel_clip() */
   ORVA_NOTICE_CLIP_LENGTH = 2,  /**< orva_channel_clip_length() */
   ORVA_NOTICE_POSITION = 3,     /**< orva_channel_position() */
@@ -790,24 +802,25 @@ enum OrvaNotice {
 };
 
 /**
- * Waits until a value of some channel has changed, and tells which; the value itself is then asked for. A
- * value that changes many times before the caller looks is told once, so nobody falls behind, and a change
- * after the notice was taken is told again. Only what some query has asked for once is told. Kinds 2, 4, 6, 8
- * and 9 come together, whether they have changed or not.
- * @param timeout how long to wait, in milliseconds; 0 only looks. 0xFFFFFFFF is 49 days, not for ever.
- * @param kind receives an OrvaNotice, ORVA_NOTICE_NONE when the time was up.
- * @param channel receives the channel, 0 when the time was up. Either pointer may be null.
- * @return ORVA_OK, also when the time was up, and then no text is recorded; ORVA_INVALID_HANDLE, at once and
- *   with both values left alone, for a connection that is not open. Any number of threads may wait; each
- *   notice goes to one of them. A connection that is closed meanwhile ends with the last of the waits on it.
+ * Waits until a value of a channel has changed and returns which one. A query then returns the new value. A
+ * value that changes many times before the caller looks gives one notice, so a slow caller never falls
+ * behind. A change after the caller took the notice gives a new one. There are notices only for values that
+ * a query has asked for once. ORVA_NOTICE_CLIP_LENGTH, _PRECUE_COUNT, _REPEAT, _ANGLE and _EE come together,
+ * whether all of them have changed or not. Any number of threads may wait; each notice goes to one of them.
+ * A connection that is closed meanwhile ends after the last of these waits. Either pointer may be null.
+ * @param timeout how long to wait, in milliseconds; 0 does not wait. 0xFFFFFFFF is 49 days, not for ever.
+ * @param kind receives an OrvaNotice, ORVA_NOTICE_NONE when there was no change within the time.
+ * @param channel receives the channel, 0 when there was no change within the time.
+ * @return ORVA_OK, whether there was a notice or not; no text is recorded. ORVA_INVALID_HANDLE at once for a
+ *   connection that is not open; kind and channel keep their values.
  */
 ORVA_API uint32_t orva_get_notification (uint32_t connection, uint32_t timeout, uint32_t *kind,
                                          uint32_t *channel);
 
 /* ---- Playlists ---------------------------------------------------------------------------------------- */
 /*
- * A channel can play a list of clips that the server holds. The five commands are ordinary ones, to which a
- * channel above 7 is channel 0. An index counts from 0; its low 16 bits count.
+ * A channel can play a list of clips of the server. The five commands are ordinary ones. In them a channel
+ * above 7 means channel 0. An index starts at 0, and only its low 16 bits count.
  */
 
 /** Plays an element of the channel's list now. */
@@ -821,59 +834,64 @@ ORVA_API uint32_t orva_cmd_playlist_cue_next (uint32_t connection, uint32_t chan
 /** Cues the channel's list at its first element. */
 ORVA_API uint32_t orva_cmd_playlist_cue_list (uint32_t connection, uint32_t channel);
 /**
- * Meant to tell whether a list is loaded on the channel. In this version it asks the server to report, and
- * when the server accepts, waits 5 to 6 seconds and gives ORVA_ERROR with "Register for channel item failed
- * unexpectedly", each time. When the server is away or refuses, and for a channel above 7, it fails at once
- * as the queries above do. Once the server has reported a list, the first query of a channel's clip length,
- * precue count, repeat, angle or E to E mode may return before their first report, with 0, off and the like.
+ * Would return whether a list is loaded on the channel. Not available: it registers the report, waits 5 to 6
+ * seconds, and returns ORVA_ERROR with "Register for channel item failed unexpectedly" each time. When the
+ * server is away or refuses, and for a channel above 7, it fails at once like the queries of channel state.
+ * When the server has reported a list, the first query of clip length, precue count, repeat, angle or E to E
+ * of that channel may return before their first report, with 0 or off.
  * @param loaded would receive 1 or 0; may be null.
  */
 ORVA_API uint32_t orva_playlist_status (uint32_t connection, uint32_t channel, uint32_t *loaded);
-/** Meant to tell how many elements that list has; fares as orva_playlist_status(). @param count may be null.
- */
+/** Would return the number of elements of that list. Not available, as above. @param count may be null. */
 ORVA_API uint32_t orva_playlist_count (uint32_t connection, uint32_t channel, uint32_t *count);
 
 /* ---- Key-value stores --------------------------------------------------------------------------------- */
 /*
- * A store is a view of one part, told by a prefix, of a named metadata database of the server, called a
- * folder here: keys and values that are texts. What a caller sets and erases goes out by itself, on a thread
- * of the store's own, one key at a time, and is tried again every 200 ms until the server has accepted it: a
- * key that the server always refuses may hold up others. Only the last value of a key that is set repeatedly
- * need go out, and settings go before erasures. What changes on the server, whoever changed it, is told as
- * changes; a key that changes many times before the caller looks is told once, with its last state, in the
- * order of first changes. A store that reads and writes is told its own writes too.
+ * A folder is a named metadata database of the server. Its keys and values are texts. A store is a view of
+ * the part of a folder whose keys begin with a prefix.
  *
- * Stores survive a lost connection. When it is made anew, the folder is downloaded again and every key told
- * again; keys that were erased meanwhile are not told. A store keeps its connection alive after orva_close().
- * On an asynchronous connection a key counts as accepted as soon as it is sent.
+ * Writing: the caller sets and erases keys without waiting. A thread of the store sends them one by one. It
+ * tries again every 200 ms until the server has accepted a key, so a key that the server always refuses may
+ * hold up others. Of several values for one key, perhaps only the last one is sent. All settings are sent
+ * before any erasure.
  *
- * Handles belong to the process and have numbers of their own, from 1. ORVA_INVALID_HANDLE is given for one
- * that is not open.
+ * Reading: the store reports each change of a key, whoever made it, including its own writes. A key that
+ * changes many times before the caller looks is reported once, with its last state. The keys are in the
+ * order of their first changes.
+ *
+ * A store survives a lost connection. After each new connection the library downloads the folder again, and
+ * the store reports every key again. It does not report keys that were erased meanwhile. A store keeps its
+ * connection alive after orva_close(). On an asynchronous connection a key counts as accepted when it is
+ * sent.
+ *
+ * Store handles belong to the process and have their own numbers, from 1. The functions return
+ * ORVA_INVALID_HANDLE for a handle that is not open.
  */
 
 /** What a store is for. */
 enum OrvaStoreMode { ORVA_STORE_READ = 1, ORVA_STORE_READ_WRITE = 2, ORVA_STORE_WRITE = 3 };
 
-/** What became of a key. */
+/** How a key has changed. */
 enum OrvaStoreChange { ORVA_STORE_CHANGE_SET = 1, ORVA_STORE_CHANGE_ERASE = 2 };
 
 /**
- * Opens a store and, in a mode that reads, subscribes its folder and has it downloaded. Returns at once, also
- * while the server is away; only a server that stays connected and stops reading can hold this call, and the
- * close of a store that reads, as it holds all that send.
- * @param folder the name of the database. @param prefix of the keys on the server, part of no key here; may
- *   be empty, and then all keys are the store's. @param mode an OrvaStoreMode.
- * @param handle receives the store.
- * @return ORVA_INVALID_ARGUMENT for another mode; ORVA_ERROR when there is no thread to be had. Costs one
- *   thread in a mode that writes.
+ * Opens a store and returns at once, also while the server is away. A store that reads subscribes to its
+ * folder and downloads it. A store that writes costs one thread. A server that stays connected and stops
+ * reading can hold this call and the close of a store that reads, like every call that sends.
+ * @param folder the name of the database.
+ * @param prefix what all keys of this store begin with on the server. The other functions take and return
+ * keys without it. It may be empty; then the store has all keys of the folder.
+ * @param mode an OrvaStoreMode.
+ * @param handle receives the store handle.
+ * @return ORVA_INVALID_ARGUMENT for another mode; ORVA_ERROR when the system cannot start a thread.
  */
 ORVA_API uint32_t orva_open_kvstore (uint32_t connection, const orva_char *folder, const orva_char *prefix,
                                      uint32_t mode, uint32_t *handle);
 /**
- * Closes a store. In a mode that writes, what is pending has 2 seconds to go out and is lost after that, and
- * the command in hand has 10 more to be answered. A server that keeps the connection up and leaves that
- * command unanswered all this time holds this call for ever, whatever comes later. A handle that is not open
- * does nothing. Records no text.
+ * Closes a store. A store that writes first waits up to 2 seconds for its pending keys; those that are left
+ * are lost. Then it waits up to 10 seconds for the answer to the command that it has just sent. Known limit:
+ * if this answer does not come in time, the call never returns, even if the connection is lost later. A
+ * handle that is not open does nothing. Records no text.
  */
 ORVA_API void orva_close_key_value_store (uint32_t handle);
 /** Sets a key. Returns at once. @return ORVA_READ_ONLY for a store that only reads. */
@@ -881,27 +899,29 @@ ORVA_API uint32_t orva_kvstore_set (uint32_t handle, const orva_char *key, const
 /** Erases a key. Returns at once. @return ORVA_READ_ONLY for a store that only reads. */
 ORVA_API uint32_t orva_kvstore_erase (uint32_t handle, const orva_char *key);
 /**
- * Waits until the server has accepted all that is pending, what other threads add meanwhile included.
- * @param timeout in milliseconds; 0 only looks. 0xFFFFFFFF is 49 days, not for ever.
- * @return ORVA_TIMEOUT when the time was up; ORVA_READ_ONLY for a store that only reads; ORVA_OK also when
- * the store is closed meanwhile, whatever became of what was pending.
+ * Waits until the server has accepted all pending keys, including those that other threads add meanwhile.
+ * @param timeout in milliseconds; 0 does not wait. 0xFFFFFFFF is 49 days, not for ever.
+ * @return ORVA_TIMEOUT when keys are still pending after this time; ORVA_READ_ONLY for a store that only
+ *   reads; ORVA_OK also when the store is closed meanwhile, even if pending keys were lost.
  */
 ORVA_API uint32_t orva_kvstore_flush (uint32_t handle, uint32_t timeout);
 /**
- * Waits until the folder has been downloaded: everything in it has then been told as changes.
+ * Waits until the folder has been downloaded. All its keys are then available as changes.
  * @param timeout as for orva_kvstore_flush().
- * @return ORVA_TIMEOUT when the time was up, in particular when the server refused the download, and for a
- *   store that only writes unless another store of this connection has had the folder downloaded.
+ * @return ORVA_TIMEOUT when there was no download within this time. This is also the result when the server
+ *   refused the download. A store that only writes does not download; it returns ORVA_TIMEOUT unless another
+ *   store of this connection has downloaded the folder.
  */
 ORVA_API uint32_t orva_kvstore_wait_scan (uint32_t handle, uint32_t timeout);
 /**
- * Waits for a change and takes it.
- * @param timeout as for orva_kvstore_flush(). @param type receives an OrvaStoreChange.
- * @param key receives the key, cut to fit. @param value receives what it was set to, cut to fit, empty for a
- *   key that was erased.
- * @return ORVA_TIMEOUT when the time was up; ORVA_WRITE_ONLY for a store that only writes. All three are left
- *   alone then. Each change goes to one of the threads that wait. A close of the store does not wake them:
- *   what is left of it, its connection included, stays until their time is up.
+ * Waits for a change and takes it. Each change goes to one of the waiting threads. Closing the store does not
+ * wake them: the store and its connection stay alive until the time of the last of them is up.
+ * @param timeout as for orva_kvstore_flush().
+ * @param type receives an OrvaStoreChange.
+ * @param key receives the key, cut to fit.
+ * @param value receives the new value, cut to fit; it is empty for a key that was erased.
+ * @return ORVA_TIMEOUT when there was no change within this time; ORVA_WRITE_ONLY for a store that only
+ *   writes. In both cases type, key and value keep their contents.
  */
 ORVA_API uint32_t orva_kvstore_get_change (uint32_t handle, uint32_t timeout, uint32_t *type,
                                            OrvaStringBuffer key, OrvaStringBuffer value);
