@@ -18,6 +18,8 @@ int main (int argc, char **argv) {
                   "most positions of a channel in a second, 0 for each field");
   app.add_option ("--refuse-metadata", options.refuse_metadata,
                   "refuse every so manyth change of metadata, 0 for none");
+  app.add_option ("--faults", options.faults, "JSON file of faults to start with");
+  app.add_option ("--seed", options.seed, "number that all that is random starts from");
   app.add_flag ("--empty", options.empty, "load nothing on the channels");
   app.add_flag ("--verbose", options.verbose, "log reports and raw documents too");
   app.add_flag ("--quiet", options.quiet, "log no commands");

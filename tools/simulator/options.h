@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace sim {
@@ -12,9 +13,11 @@ struct Options {
   std::string standard = "1080_59_94i";
   std::string clips;                 ///< file of clips; empty: a few of its own
   std::string database;              ///< file to keep everything in; empty: in memory
+  std::string faults;                ///< file of faults that are set at the start
   std::uint32_t generate = 0;        ///< so many more clips
   std::uint32_t report_rate = 0;     ///< most positions in a second; 0: one each field
   std::uint32_t refuse_metadata = 0; ///< every so manyth change of metadata is refused; 0: none
+  std::optional<std::uint64_t> seed; ///< of all that is random; absent: another one each time
   bool empty = false;                ///< nothing is loaded at the start
   bool verbose = false;              ///< log reports and raw documents too
   bool quiet = false;                ///< log no commands

@@ -1,0 +1,95 @@
+#include "faults/faults.h"
+
+namespace sim {
+
+int Faults::add (Rule rule) {
+  rule.id = ++last_id_;
+  if (rule.standing () && rule.fault == Fault::reset && !rule.for_ms)
+    rule.for_ms = 0;
+  if (rule.standing () && rule.for_ms)
+    expire (rule.id, *rule.for_ms);
+  rules_.emplace (rule.id, std::move (rule));
+  announce ();
+  return last_id_;
+}
+
+bool Faults::remove (int id) {
+  ends_.erase (id);
+  if (rules_.erase (id) == 0)
+    return false;
+  announce ();
+  return true;
+}
+
+void Faults::clear () {
+  ends_.clear ();
+  rules_.clear ();
+  announce ();
+}
+
+std::vector<Rule> Faults::rules () const {
+  std::vector<Rule> rules;
+  for (const auto &[id, rule] : rules_)
+    rules.push_back (rule);
+  return rules;
+}
+
+std::vector<Rule> Faults::strike (const Glance &message, int client, const std::string &address) {
+  std::vector<Rule> striking;
+  for (auto &[id, rule] : rules_)
+    if (rule.concerns (message) && rule.client.matches (client, address) && takes_its_turn (rule))
+      striking.push_back (rule);
+  return striking;
+}
+
+bool Faults::takes_its_turn (Rule &rule) {
+  ++rule.seen;
+  if (rule.struck >= rule.times || (rule.nth != 0 && rule.nth != rule.seen))
+    return false;
+  if (rule.chance < 1 && !random_.happens (rule.chance))
+    return false;
+  ++rule.struck;
+  return true;
+}
+
+bool Faults::stands (Fault fault, int client, const std::string &address) const {
+  for (const auto &[id, rule] : rules_)
+    if (rule.standing () && rule.fault == fault && rule.client.matches (client, address))
+      return true;
+  return false;
+}
+
+bool Faults::stands (Fault fault) const {
+  for (const auto &[id, rule] : rules_)
+    if (rule.standing () && rule.fault == fault)
+      return true;
+  return false;
+}
+
+void Faults::make_stand (const Rule &rule, int client) {
+  Rule standing;
+  standing.fault = rule.fault;
+  standing.for_ms = rule.for_ms;
+  const bool about_one = rule.fault == Fault::stop_reading || rule.fault == Fault::freeze;
+  if (about_one && !rule.everyone)
+    standing.client.text = std::to_string (client);
+  add (std::move (standing));
+}
+
+void Faults::expire (int id, std::uint64_t after_ms) {
+  asio::steady_timer &timer = ends_.try_emplace (id, context_).first->second;
+  timer.expires_after (std::chrono::milliseconds (after_ms));
+  timer.async_wait ([this, id] (const asio::error_code &error) {
+    if (!error)
+      remove (id);
+  });
+}
+
+void Faults::announce () {
+  asio::post (context_, [this] {
+    if (changed)
+      changed ();
+  });
+}
+
+} // namespace sim

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "faults/rule.h"
+#include "random.h"
+
+#include <asio.hpp>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace sim {
+
+/// The faults of one server: the rules that are set, and which of them strike. One thread.
+class Faults {
+public:
+  Faults (asio::io_context &context, Random &random) : context_ (context), random_ (random) {}
+
+  /// Sets a rule. @return its identifier
+  int add (Rule rule);
+  /// @return whether there was such a rule
+  bool remove (int id);
+  void clear ();
+
+  /// In the order they were set.
+  std::vector<Rule> rules () const;
+  bool none () const { return rules_.empty (); }
+
+  /// The rules that strike a command, or a report on its way to this client. Counts what it was asked.
+  std::vector<Rule> strike (const Glance &message, int client, const std::string &address);
+
+  /// Whether a standing rule of that fault is in effect for this client.
+  bool stands (Fault fault, int client, const std::string &address) const;
+  /// Whether one is in effect for everybody.
+  bool stands (Fault fault) const;
+
+  /// A rule about messages has struck one of this client: what stands from now on because of it.
+  void make_stand (const Rule &rule, int client);
+
+  Random &random () { return random_; }
+
+  /// Is called from the loop after rules have been added or removed.
+  std::function<void ()> changed;
+
+private:
+  bool takes_its_turn (Rule &rule);
+  void expire (int id, std::uint64_t after_ms);
+  void announce ();
+
+  asio::io_context &context_;
+  Random &random_;
+  std::map<int, Rule> rules_;
+  std::map<int, asio::steady_timer> ends_;
+  int last_id_ = 0;
+};
+
+} // namespace sim

@@ -1,0 +1,91 @@
+#pragma once
+
+#include "faults/glance.h"
+
+#include <cstdint>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace sim {
+
+/// What goes wrong.
+enum class Fault {
+  refuse,             ///< the command is answered with an error and not carried out
+  delay,              ///< the message is sent later
+  no_answer,          ///< the message is not sent
+  twice,              ///< the message is sent twice
+  out_of_order,       ///< the answer is sent behind the next answer to another command
+  wrong_kind,         ///< the answer has a body that does not belong to the command
+  malformed,          ///< the message is not well-formed
+  oversized,          ///< the message is longer than any may be
+  cut,                ///< some bytes of the message are sent, then the connection is closed
+  reset,              ///< the connection is reset
+  pieces,             ///< the message is sent in small pieces
+  stop_reading,       ///< nothing more is read from the client
+  freeze,             ///< nothing more is read or sent; the connection stays up
+  refuse_connections, ///< nobody listens; present connections go on
+  go_away             ///< all connections are closed and nobody listens
+};
+
+/// How it is called in a rule.
+std::string_view name_of (Fault fault);
+
+/// One client, or all when empty: the number of its connection, or the address it has come from.
+struct WhichClient {
+  std::string text;
+  bool matches (int number, const std::string &address) const {
+    return text.empty () || text == std::to_string (number) || text == address;
+  }
+};
+
+/// A fault with all that says when it strikes.
+struct Rule {
+  /// Reads a rule. @throws std::runtime_error that says what is wrong with it.
+  static Rule from (const nlohmann::json &json);
+  nlohmann::json as_json () const;
+
+  /// Whether it strikes single messages; a standing rule has its effect for as long as it is there.
+  bool standing () const { return command.empty () && report.empty (); }
+  /// Whether it is about this command or report, whoever it belongs to.
+  bool concerns (const Glance &glance) const;
+
+  int id = 0; ///< given by the list it stands in
+  Fault fault = Fault::refuse;
+
+  // When.
+  std::string command; ///< name of a command, `*` for all
+  std::string report;  ///< name of a report, `*` for all
+  std::string channel; ///< letter; empty: any or none
+  WhichClient client;
+  std::uint64_t nth = 0;            ///< only the n-th that would be struck; 0: each
+  double chance = 1;                ///< probability of each
+  std::uint64_t times = UINT64_MAX; ///< so often at most
+  std::uint64_t row = 1;            ///< which message of an answer of several
+
+  // How.
+  std::pair<std::uint64_t, std::uint64_t> ms{0, 0}; ///< delay, chosen between the two
+  bool overtake = false;                            ///< later messages need not wait for a delayed one
+  std::string text = "The simulator was asked to refuse it"; ///< of `refuse`
+  std::string code = "general";
+  std::optional<std::string> body;     ///< of `wrong_kind`
+  std::optional<std::string> message;  ///< of `malformed`: any bytes
+  std::optional<std::uint64_t> bytes;  ///< of `oversized`, `cut` and `pieces`
+  std::optional<std::uint64_t> for_ms; ///< how long a standing rule stays
+  bool everyone = false;               ///< `stop_reading` and `freeze`: all clients instead of this one
+
+  // What has happened.
+  std::uint64_t seen = 0;   ///< messages it might have struck
+  std::uint64_t struck = 0; ///< messages it has struck
+};
+
+/// The rules of a faults file: a list, or an object with the list as `faults`.
+/// @throws std::runtime_error that says which rule is bad and why.
+std::vector<Rule> rules_from (const nlohmann::json &json);
+
+/// The rules of that file. @throws std::runtime_error that names the file and what is wrong in it.
+std::vector<Rule> read_rules (const std::string &file);
+
+} // namespace sim
