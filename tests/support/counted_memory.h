@@ -13,6 +13,9 @@ namespace support {
 inline std::atomic<int64_t> living_blocks{0};
 inline std::atomic<int64_t> living_bytes{0};
 
+/// How many allocations threads have made that are not spared.
+inline std::atomic<int64_t> allocations{0};
+
 /// Lets one allocation fail: after so many that succeed, of this thread or of all threads that are not
 /// spared; below 0, none.
 inline thread_local long until_failure = -1;
@@ -35,6 +38,7 @@ inline void *allocate (std::size_t size) noexcept {
   if (block == nullptr)
     return nullptr;
   *static_cast<std::size_t *> (block) = size;
+  allocations += spared ? 0 : 1;
   ++living_blocks;
   living_bytes += static_cast<int64_t> (size);
   return static_cast<char *> (block) + front;
