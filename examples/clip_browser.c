@@ -1,5 +1,5 @@
-/* What is on a server: lists all clips with their length, title and metadata, and then tells what others add,
- * delete and change, until it is interrupted (Ctrl-C).
+/* Lists all clips of a server with their length, title and metadata. Then it prints what others add, delete
+ * and change, until it is interrupted (Ctrl-C).
  *
  *     clip_browser [address]       127.0.0.1 when none is given
  */
@@ -17,7 +17,7 @@ static void interrupt (int number) {
   interrupted = 1;
 }
 
-/* Frames to a second, rounded: what the last part of a timecode counts up to. */
+/* Frames in a second, rounded up. The last part of a timecode counts to this number. */
 static uint32_t frames_per_second (uint32_t standard) {
   switch (standard) {
   case ORVA_STANDARD_1080_50I:
@@ -32,8 +32,8 @@ static uint32_t frames_per_second (uint32_t standard) {
   }
 }
 
-/* Drop frame leaves out two numbers at the start of each minute but every tenth, so that the timecode keeps
- * up with the clock. */
+/* Drop frame leaves out two frame numbers at the start of each minute, except every tenth minute. So the
+ * timecode agrees with the clock. */
 static uint32_t numbered_frame (uint32_t frame, uint32_t drop_frame) {
   const uint32_t per_minute = 60 * 30 - 2;
   const uint32_t per_ten_minutes = 10 * per_minute + 2;
@@ -72,7 +72,7 @@ static void print_metadata (uint32_t handle) {
   orva_close_metakeys (keys);
 }
 
-/* A clip may be gone between the moment when it was listed and this one. */
+/* Somebody may have deleted the clip after it was listed. */
 static void print_clip (uint32_t server, const orva_char *clip) {
   orva_char title[TEXT_CAPACITY];
   uint32_t handle = 0;
@@ -126,7 +126,7 @@ int main (int argc, char **argv) {
   while (!interrupted && !orva_connected (server))
     pause_milliseconds (20);
   if (!interrupted) {
-    /* First the tracking, then the list: what changes in between is told twice rather than never. */
+    /* Start tracking before listing: a change in between is then printed twice and not missed. */
     must ("tracking", orva_track_clip_changes (server));
     print_all_clips (server);
   }

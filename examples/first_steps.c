@@ -1,5 +1,5 @@
-/* The first things to do with a server: find it, ask its name, play and stop a channel; and what it looks
- * like when the server goes away and comes back.
+/* The first steps with a server: connect, ask its name, play and stop a channel. It also shows what a caller
+ * sees when the server goes away and comes back.
  *
  *     first_steps [address]        127.0.0.1 when none is given
  */
@@ -11,7 +11,7 @@
 
 #define NAME_CAPACITY 64
 
-/* The text of the last result of this thread. */
+/* Prints the text of this thread's last result. */
 static void print_last_error (const char *before, uint32_t code) {
   orva_char units[NAME_CAPACITY];
   OrvaStringBuffer buffer = {units, NAME_CAPACITY};
@@ -23,7 +23,7 @@ static void print_last_error (const char *before, uint32_t code) {
   printf ("\"\n");
 }
 
-/* Ends the program when a call that has to succeed did not. */
+/* Ends the program when a call that must succeed has failed. */
 static void must (const char *what, uint32_t code) {
   if (code == ORVA_OK)
     return;
@@ -54,8 +54,7 @@ static void play_and_stop (uint32_t server) {
   printf ("Channel A has stopped.\n");
 }
 
-/* A call either has the server's answer or fails at once; the connection itself is never the caller's work.
- */
+/* Without a connection a command fails at once. The library connects again by itself. */
 static void lose_and_find (uint32_t server) {
   uint32_t code = ORVA_OK;
   printf ("Now take the server away.\n");

@@ -1,10 +1,11 @@
-/* A table that several processes share: start it twice, type into either, and the other shows what has
- * changed. The table is a metadata database of the server; a key-value store keeps it in step. Once it
- * is ready nobody waits for the network, and what is typed while the server is away goes out when it is back.
+/* A table that several processes share. Start the program twice and type into one of them; the other one
+ * shows the change. The table is a metadata database of the server, and a key-value store keeps both equal.
+ * Nothing that is typed waits for the network. What is typed while the server is away is sent when it is
+ * back.
  *
  *     mirror [address]             127.0.0.1 when none is given
  *
- * Each line is a change: KEY=VALUE sets a key, -KEY erases one. An empty line shows the table, the end of the
+ * Each line is a change: KEY=VALUE sets a key, -KEY erases one. An empty line shows the table. The end of the
  * input ends the program.
  */
 #include "orva.h"
@@ -20,7 +21,7 @@ typedef struct Entry {
   orva_char *key, *value;
 } Entry;
 
-/* The table as this process knows it, in the order in which the keys came; guarded by the lock. */
+/* The table as this process knows it, in the order of the first changes. The lock guards it. */
 static Lock lock = LOCK_INITIALISER;
 static Entry *table = NULL;
 static int finished = 0;
@@ -50,7 +51,8 @@ static orva_char *duplicate (const orva_char *text) {
   return copy;
 }
 
-/* The link that leads to the key's entry, or the one at the end. */
+/* Returns the link that points to the key's entry. Without such an entry it is the last link, which is null.
+ */
 static Entry **find (const orva_char *key) {
   Entry **link = &table;
   while (*link != NULL && !equal ((*link)->key, key))
@@ -58,7 +60,7 @@ static Entry **find (const orva_char *key) {
   return link;
 }
 
-/* Returns whether this made a difference. */
+/* Returns whether the table has changed. */
 static int note_setting (const orva_char *key, const orva_char *value) {
   Entry **link = find (key);
   if (*link == NULL) {
@@ -74,7 +76,7 @@ static int note_setting (const orva_char *key, const orva_char *value) {
   return 1;
 }
 
-/* Returns whether this made a difference. */
+/* Returns whether the table has changed. */
 static int note_erasure (const orva_char *key) {
   Entry **link = find (key), *entry = *link;
   if (entry == NULL)
@@ -100,9 +102,9 @@ static void print_table (void) {
   printf ("That is the table.\n");
 }
 
-/* A store tells its own changes too, and after a lost connection every key again. Neither makes a difference
- * to the table, unless the key has been changed once more meanwhile, so what is shown is what others did.
- * Keys that others erased while the server was away are never told, and stay in the table. */
+/* A store also reports its own changes, and after a lost connection it reports every key again. Such a report
+ * changes the table only when the key was changed once more meanwhile. So the program shows what others did.
+ * A key that others erased while the server was away is never reported and stays in the table. */
 static void take_change (uint32_t type, const orva_char *key, const orva_char *value) {
   if (type == ORVA_STORE_CHANGE_SET) {
     if (note_setting (key, value))
@@ -141,7 +143,7 @@ static THREAD_BODY (follow) {
   return 0;
 }
 
-/* One code point of UTF-8; '?' for what is none. */
+/* Reads one code point of UTF-8. Returns '?' for bytes that are not UTF-8. */
 static unsigned long take_code_point (const char **utf8) {
   const unsigned char first = (unsigned char)*(*utf8)++;
   unsigned more = first >= 0xF0 ? 3 : first >= 0xE0 ? 2 : first >= 0xC0 ? 1 : 0;
@@ -153,7 +155,7 @@ static unsigned long take_code_point (const char **utf8) {
   return more != 0 || c > 0x10FFFF || (c >= 0xD800 && c < 0xE000) ? '?' : c;
 }
 
-/* As many units as a line has bytes are always enough. */
+/* A line never has more UTF-16 units than bytes. */
 static void read_text (const char *utf8, orva_char *units) {
   while (*utf8 != 0) {
     const unsigned long c = take_code_point (&utf8);
@@ -179,7 +181,7 @@ static void erase (const char *name) {
   must ("erasing", orva_kvstore_erase (store, key));
 }
 
-static void obey (char *line) {
+static void carry_out (char *line) {
   char *equals = strchr (line, '=');
   if (*line == 0) {
     print_table ();
@@ -193,12 +195,12 @@ static void obey (char *line) {
   }
 }
 
-static void obey_all_lines (void) {
+static void carry_out_all_lines (void) {
   char line[TEXT_CAPACITY];
   while (fgets (line, sizeof (line), stdin) != NULL) {
     line[strcspn (line, "\r\n")] = 0;
     take_lock (&lock);
-    obey (line);
+    carry_out (line);
     release_lock (&lock);
   }
   take_lock (&lock);
@@ -213,15 +215,15 @@ int main (int argc, char **argv) {
   setvbuf (stdout, NULL, _IONBF, 0);
   must ("opening", orva_open_kvstore (server, folder, no_prefix, ORVA_STORE_READ_WRITE, &store));
   if (orva_kvstore_wait_scan (store, 2000) != ORVA_OK)
-    printf ("No server yet; the table comes with it.\n");
+    printf ("There is no server yet. The table follows when there is one.\n");
   while (take_next_change (0))
     continue;
   printf ("Ready.\n");
   if (!start_thread (&follower, follow))
     abort ();
-  obey_all_lines ();
+  carry_out_all_lines ();
   join_thread (follower);
-  orva_close_key_value_store (store); /* what was typed last has two seconds to go out */
+  orva_close_key_value_store (store); /* waits up to two seconds for what was typed last */
   orva_close (server);
   printf ("That is all.\n");
   return 0;

@@ -1,5 +1,5 @@
 /** @file pause.h
- * Waiting a while, which C99 has no function for. */
+ * A pause, which C99 has no function for. */
 #ifndef PAUSE_H
 #define PAUSE_H
 

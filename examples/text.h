@@ -1,5 +1,5 @@
 /** @file text.h
- * Texts of the library on the terminal, and an address from it. */
+ * Prints texts of the library on the terminal, and reads an address from the command line. */
 #ifndef TEXT_H
 #define TEXT_H
 
@@ -10,7 +10,7 @@
 
 #define TEXT_CAPACITY 4096
 
-/* One code point as UTF-8. */
+/* Prints one code point as UTF-8. */
 static inline void print_code_point (unsigned long c) {
   if (c < 0x80) {
     putchar ((int)c);
@@ -29,7 +29,7 @@ static inline void print_code_point (unsigned long c) {
   }
 }
 
-/* The library always gives whole pairs. */
+/* The library never cuts a surrogate pair. */
 static inline void print_text (const orva_char *units) {
   for (; *units != 0; ++units) {
     unsigned long c = *units;
@@ -56,7 +56,7 @@ static inline void print_last_error (const char *what) {
   printf ("\n");
 }
 
-/* Ends the program when a call that has to succeed did not. */
+/* Ends the program when a call that must succeed has failed. */
 static inline void must (const char *what, uint32_t code) {
   if (code == ORVA_OK)
     return;
@@ -64,7 +64,7 @@ static inline void must (const char *what, uint32_t code) {
   exit (1);
 }
 
-/* `127.0.0.1` as the library takes it; ends the program when it is none. */
+/* Turns a text like `127.0.0.1` into a number for orva_connect(). Ends the program when it is no address. */
 static inline uint32_t parse_address (const char *text) {
   unsigned a = 0, b = 0, c = 0, d = 0;
   if (sscanf (text, "%u.%u.%u.%u", &a, &b, &c, &d) != 4 || a > 255 || b > 255 || c > 255 || d > 255) {

@@ -1,5 +1,5 @@
 /** @file threads_and_locks.h
- * One more thread and a lock, which C99 has nothing for. */
+ * A thread and a lock, which C99 does not have. */
 #ifndef THREADS_AND_LOCKS_H
 #define THREADS_AND_LOCKS_H
 
@@ -20,7 +20,7 @@ static inline void release_lock (Lock *lock) {
 typedef HANDLE Thread;
 #define THREAD_BODY(name) unsigned __stdcall name (void *unused)
 
-/* 0 when there is none to be had. */
+/* Returns 0 when the system cannot start a thread. */
 static inline int start_thread (Thread *thread, unsigned (__stdcall *body) (void *)) {
   *thread = (HANDLE)_beginthreadex (NULL, 0, body, NULL, 0, NULL);
   return *thread != NULL;
@@ -45,7 +45,7 @@ static inline void release_lock (Lock *lock) {
 typedef pthread_t Thread;
 #define THREAD_BODY(name) void *name (void *unused)
 
-/* 0 when there is none to be had. */
+/* Returns 0 when the system cannot start a thread. */
 static inline int start_thread (Thread *thread, void *(*body) (void *)) {
   return pthread_create (thread, NULL, body, NULL) == 0;
 }

@@ -1,6 +1,6 @@
-/* What the channels of a server do. A value is asked for once, which makes the server tell of it from then
- * on; each change is a notice, and the new value is read without asking the server. Ends when it is
- * interrupted (Ctrl-C). Given the name of a clip, it watches channel A only and works it as well: loads the
+/* Prints what the channels of a server do, until it is interrupted (Ctrl-C). It asks for each value once.
+ * From then on the server reports changes, each change is a notice, and the new value is read without asking
+ * the server. With the name of a clip, the program watches channel A only and also controls it: it loads the
  * clip, plays, jogs, plays backwards, stops, and ends.
  *
  *     watch_channels [address [clip]]      127.0.0.1 when none is given
@@ -83,7 +83,7 @@ static void print_ee (uint32_t server, uint32_t channel) {
 
 typedef void (*PrintValue) (uint32_t server, uint32_t channel);
 
-/* By the number of the notice. */
+/* The index is an OrvaNotice. */
 static const PrintValue print_value[] = {
     NULL,         print_clip,   print_clip_length, print_position, print_precue_count,
     print_status, print_repeat, print_speed,       print_angle,    print_ee};
@@ -94,8 +94,8 @@ static void print_channel (uint32_t server, uint32_t channel, uint32_t kind) {
   printf ("\n");
 }
 
-/* One query of each kind of report. Clip length, precued clips, repeat, angle and input come together. The
- * server's first values raise notices like any others. */
+/* Asks once for a value of each report. One report has clip length, precued clips, repeat, angle and input,
+ * so one of these is enough. The first values give notices too. */
 static void register_channel (uint32_t server, uint32_t channel) {
   orva_char clip[TEXT_CAPACITY];
   uint32_t number = 0;
@@ -109,7 +109,7 @@ static void register_channel (uint32_t server, uint32_t channel) {
 
 /* --- Notices */
 
-/* Waits for a notice and prints it. Gives 0 when none has come. */
+/* Waits for a notice and prints the new value. Returns 0 when there was no notice. */
 static int watch_once (uint32_t server, uint32_t milliseconds) {
   uint32_t kind = ORVA_NOTICE_NONE, channel = 0;
   must ("waiting", orva_get_notification (server, milliseconds, &kind, &channel));
@@ -119,23 +119,23 @@ static int watch_once (uint32_t server, uint32_t milliseconds) {
   return 1;
 }
 
-/* Prints what comes: so many notices, or until nothing has changed for a while. */
+/* Prints a number of notices, or fewer when nothing changes for a while. */
 static void watch (uint32_t server, unsigned notices) {
   for (; notices > 0 && !interrupted; --notices)
     if (!watch_once (server, QUIET_MILLISECONDS))
       return;
 }
 
-/* --- Work */
+/* --- Control */
 
-static void work (uint32_t server, uint32_t channel, const char *name) {
+static void control (uint32_t server, uint32_t channel, const char *name) {
   orva_char clip[TEXT_CAPACITY];
   size_t i;
   for (i = 0; i + 1 < TEXT_CAPACITY && name[i] != '\0'; ++i)
     clip[i] = (orva_char)(unsigned char)name[i];
   clip[i] = 0;
 
-  watch (server, ORVA_NOTICE_EE); /* the last kind: one notice of each */
+  watch (server, ORVA_NOTICE_EE); /* the highest number, so one notice of each kind */
   printf ("Loading %s.\n", name);
   must ("loading", orva_cmd_loadclip1 (server, channel, clip));
   watch (server, 20);
@@ -165,7 +165,7 @@ int main (int argc, char **argv) {
   for (channel = 0; channel < channels && !interrupted; ++channel)
     register_channel (server, channel);
   if (clip != NULL && !interrupted)
-    work (server, 0, clip);
+    control (server, 0, clip);
   while (clip == NULL && !interrupted)
     watch_once (server, 100);
   orva_close (server);
