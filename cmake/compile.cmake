@@ -1,17 +1,17 @@
 # How everything in this tree is compiled.
 find_package(Threads REQUIRED)
 
-# The queue swaps 16 bytes in one step.
+# The queue needs the instruction that swaps 16 bytes atomically.
 add_compile_options(-mcx16)
 
-# The binaries name no path of the machine that built them.
+# Keeps the path of the tree out of the binaries.
 add_compile_options(-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
 
 set(CMAKE_C_FLAGS_RELEASE "-O2 -DNDEBUG")
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
 
 if(ORVA_SANITIZE)
-  # Lines are all that a report needs of the debugger's data.
+  # A report only needs the line numbers of the debug information.
   add_compile_options(-fsanitize=${ORVA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all -O1 -g1)
   add_link_options(-fsanitize=${ORVA_SANITIZE})
 endif()
@@ -20,8 +20,8 @@ if(ORVA_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
-# In optimised builds g++ 12 takes some inlined copies of std::string for overlapping or endless ones, and atomics behind
-# a pointer that it has seen compared with null for missing. The sanitizers and clang look after both.
+# These three warnings of g++ 12 are wrong in optimised builds: about inlined copies of std::string, and about atomics
+# behind a pointer that was compared with null. The sanitizers and clang find real errors of these kinds.
 add_library(orva_warnings INTERFACE)
 target_compile_options(orva_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror

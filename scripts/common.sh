@@ -1,4 +1,4 @@
-# Shared by the scripts beside it, which source it. Sets root (of the tree) and jobs, and goes there.
+# Sourced by the other scripts. Sets root, the folder of the tree, and jobs, and changes to root.
 set -u
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root" || exit 1
@@ -14,18 +14,18 @@ missing_packages () { # <purpose>...
   done
 }
 
-# Installs what is missing, or says what to do.
+# Installs the packages that are missing, or prints how to.
 install_missing () { # <purpose>...
   local missing as_root="" log
   missing=$(missing_packages "$@" | xargs)
   [ -n "$missing" ] || return 0
   if ! command -v apt-get >/dev/null; then
-    echo "This needs Debian packages, and there is no apt-get here: $missing" >&2
+    echo "These Debian packages are missing, and there is no apt-get to install them: $missing" >&2
     exit 1
   fi
   if [ "$(id -u)" != 0 ]; then
     if ! command -v sudo >/dev/null; then
-      echo "Packages are missing, and there is neither root nor sudo to install them. As root, run:" >&2
+      echo "Packages are missing. This is not root and there is no sudo. As root, run:" >&2
       echo "  apt-get update && apt-get install --no-install-recommends $missing" >&2
       exit 1
     fi
@@ -43,7 +43,7 @@ install_missing () { # <purpose>...
   rm -f "$log"
 }
 
-# The files that belong to the tree, with NUL behind each; what a build leaves behind does not.
+# Prints the files of the tree, each followed by NUL, without those that a build makes.
 tracked_files () {
   if git -c safe.directory='*' rev-parse --git-dir >/dev/null 2>&1; then
     git -c safe.directory='*' ls-files -z

@@ -1,4 +1,4 @@
-# Building, running and counting, for scripts/test and scripts/soak.
+# Functions that build, run tests and count, for scripts/test and scripts/soak.
 total_passed=0
 total_failed=0
 
@@ -8,7 +8,7 @@ count () { # <name> <passed> <failed> <since>
   printf '%-10s %5d passed, %d failed  (%d s)\n' "$1" "$2" "$3" $((SECONDS - $4))
 }
 
-# One thing that is right or wrong: a command, whose output is shown when it fails.
+# Runs a command as one test. Its output is shown when it fails.
 check () { # <what> <command>...
   local what=$1 log
   shift
@@ -23,7 +23,7 @@ check () { # <what> <command>...
   rm -f "$log"
 }
 
-# What others stand on, and no test of its own: it counts when it fails.
+# Runs a command that the tests need. It is no test itself, so it is counted only when it fails.
 need () { # <what> <command>...
   local before=$step_passed
   check "$@"
@@ -46,7 +46,7 @@ show_failures () { # <log folder>
   done
 }
 
-# Every test program of a build, in parts that run side by side: most of their time is waiting.
+# Runs every test program of a build, in parts at the same time: most of their time is waiting.
 run_programs () { # <preset> <launcher>
   local logs=build/test-logs/$1 program parts part passed failed
   rm -rf "$logs"
@@ -54,7 +54,7 @@ run_programs () { # <preset> <launcher>
   for program in build/"$1"/bin/test_* build/"$1"/bin/alone_*; do
     [ -x "$program" ] || continue
     parts=${TEST_PARTS:-4}
-    # What a process does first can be told only once in each.
+    # These test what a process does first, so one process runs all of their cases.
     case $program in */alone_*) parts=1 ;; esac
     for ((part = 0; part < parts; ++part)); do
       echo "$logs $2 $program $part $parts"
@@ -65,7 +65,7 @@ run_programs () { # <preset> <launcher>
   step_passed=$((step_passed + passed))
   step_failed=$((step_failed + failed))
   if [ "$passed" = 0 ]; then
-    echo "FAILED: no test has run"
+    echo "FAILED: no test ran"
     step_failed=$((step_failed + 1))
   fi
 }
@@ -77,7 +77,7 @@ build_and_run () { # <preset> <launcher> <argument of cmake>...
   [ "$step_failed" = 0 ] && run_programs "$preset" "$launcher"
 }
 
-# Programs that run at the same time have a prefix each. One is made and the others are its copies.
+# Programs that run at the same time need a Wine prefix each. Makes one and copies it.
 prepare_wine () {
   local slot
   rm -rf "$WINE_PREFIXES"
@@ -107,7 +107,7 @@ run_fuzz_targets () {
   done
 }
 
-# New inputs go to a folder of their own: the corpus of the tree is only read.
+# New inputs are written to a folder in the build. The corpus of the tree is only read.
 fuzz_for_a_while () { # <program>
   local name found corpus
   name=$(basename "$1")
@@ -127,8 +127,8 @@ run_step () {
   count "$1" $step_passed $step_failed "$since"
 }
 
-# The last line, and whether all is well.
-say_total () {
+# Prints the last line. Fails if anything failed.
+print_total () {
   echo "$total_passed passed, $total_failed failed"
   [ "$total_failed" = 0 ]
 }
