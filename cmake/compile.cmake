@@ -1,8 +1,10 @@
 # How everything in this tree is compiled.
 find_package(Threads REQUIRED)
 
-# The queue needs the instruction that swaps 16 bytes atomically.
-add_compile_options(-mcx16)
+# The queue needs an atomic swap of 16 bytes. On x86-64 it is an extension of the first processors; 64-bit ARM has it.
+if(NOT CMAKE_SYSTEM_PROCESSOR STREQUAL "aarch64")
+  add_compile_options(-mcx16)
+endif()
 
 # Keeps the path of the tree out of the binaries.
 add_compile_options(-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)

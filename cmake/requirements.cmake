@@ -19,7 +19,7 @@ else()
   message(WARNING "${CMAKE_CXX_COMPILER_ID} has not been tried. g++ 12 and clang 14, or newer, are known to work.")
 endif()
 
-if(NOT CMAKE_SIZEOF_VOID_P EQUAL 8 OR NOT CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
-  message(FATAL_ERROR "OrvaAPI64 is for x86-64, and this build is for ${CMAKE_SYSTEM_PROCESSOR} with "
+if(NOT CMAKE_SIZEOF_VOID_P EQUAL 8 OR NOT CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64|aarch64)$")
+  message(FATAL_ERROR "OrvaAPI64 is for x86-64 and 64-bit ARM, and this build is for ${CMAKE_SYSTEM_PROCESSOR} with "
     "${CMAKE_SIZEOF_VOID_P} byte pointers.")
 endif()

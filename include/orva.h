@@ -77,6 +77,13 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/** The version of this header. A library with the same first number and the same or a later second one fits.
+ */
+#define ORVA_VERSION_MAJOR 1
+#define ORVA_VERSION_MINOR 0
+#define ORVA_VERSION_PATCH 0
+#define ORVA_VERSION "1.0.0"
+
 #if defined(_WIN32)
 #ifdef ORVA_BUILDING
 #define ORVA_API __declspec(dllexport)
