@@ -78,12 +78,14 @@ public:
   /// The bytes read as UTF-8, up to the first that is none.
   AString to_string () const;
   /// The standard alphabet without "=" at the end, and a line feed behind what every 20th byte completes.
+  // C73: doc/compatibility.md
   AString to_base64 () const;
   /// What is not in the alphabet is skipped; bits that make no byte are dropped.
   static AByteArray from_base64 (const AString &text);
   /// Two upper-case digits a byte, in lines that end before a byte once they hold @p line_width - 1
   /// characters. There is no form without lines: a width of 0 or 1 puts a line feed before every byte, the
   /// first included.
+  // C73: doc/compatibility.md
   AString to_hex (int line_width) const;
   /// Two upper-case digits a byte.
   AByteArray to_hex_bytes () const;
@@ -95,8 +97,8 @@ public:
 
   /// The first @p n bytes; shared when that is all.
   AByteArray left (uint64_t n) const;
-  /// The last @p n bytes. Asking for all of them or more gives none; it has always done so and is kept
-  /// for callers that count on it.
+  /// The last @p n bytes. Asking for all of them or more returns none.
+  // C72: doc/compatibility.md
   AByteArray right (uint64_t n) const;
   AByteArray mid (uint64_t offset, uint64_t count) const;
 

@@ -26,8 +26,8 @@ public:
   }
 
   /// True for blank, tab, line feed, carriage return, vertical tab and form feed, and also for code point 0
-  /// and for every code point from 256 up. Callers rely on the last two: what trimming removes from a text
-  /// and what counts as a blank text follow from it.
+  /// and for every code point from 256 up.
+  // C65: doc/compatibility.md
   constexpr bool is_space () const {
     return value_ == ' ' || (value_ >= '\t' && value_ <= '\r') || value_ == 0 || !is_latin1 ();
   }
@@ -91,6 +91,7 @@ bool decode_utf8 (const char *bytes, size_t bytes_available, AChar *out, unsigne
 
 /// As decode_utf8, for bytes from outside the process: a stray continuation byte is refused like everything
 /// else, and nothing is ever reported.
+// C66: doc/compatibility.md
 bool decode_utf8_received (const char *bytes, size_t bytes_available, AChar *out, unsigned *bytes_consumed);
 
 /// Encodes `c` at `bytes`. Surrogate values are encoded like any other. False, with nothing written, when

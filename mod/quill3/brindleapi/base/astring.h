@@ -87,7 +87,8 @@ public:
   static AString from_wide (const wchar_t *text, size_t count);
   static AString from_wide (std::wstring_view text);
   /// Counts the zero elements in front, not those before a zero: an ordinary text gives the empty text, and
-  /// some zeros give as many code points 0. Kept as it is for those who call it so; pass a count for a text.
+  /// some zeros give as many code points 0. Pass a count for a text.
+  // C67: doc/compatibility.md
   static AString from_utf32 (const uint32_t *text);
   /// Code points, unchecked.
   static AString from_utf32 (const uint32_t *text, size_t count);
@@ -155,8 +156,8 @@ public:
   // -- Comparison, by code-point value.
 
   /// -1, 0 or 1 for at most `max_count` code points of `a` from `a_offset` against those of `b` from
-  /// `b_offset`. Two views of the same part of one store are equal whatever the offsets: callers compare a
-  /// text with itself and count on that short cut.
+  /// `b_offset`. Two views of the same part of one store are equal whatever the offsets.
+  // C68: doc/compatibility.md
   static int compare (const AString &a, uint64_t a_offset, const AString &b, uint64_t b_offset,
                       uint64_t max_count = to_end, ACompareMode mode = ACompareExact);
   bool equals_caseless (const AString &other) const;
@@ -176,6 +177,7 @@ public:
 
   /// Never 0; 1 for the empty text. Does not depend on the order of the code points. Computed once for each
   /// AString object; copies compute their own.
+  // C69: doc/compatibility.md
   uint64_t hash () const;
 
   // -- Pieces, sharing the store. Constant time, but for those that look for blanks.

@@ -120,6 +120,7 @@ bool parse_decimal (AString text, bool received, uint32_t *bits) {
   return true;
 }
 
+// C64: doc/compatibility.md
 bool parse_fixed (const AString &untrimmed, bool received, Kelvane::fixed *out) {
   const AString text = untrimmed.trim ();
   if (text.is_empty ())
@@ -193,7 +194,7 @@ bool AString::to_uint64 (uint64_t *out) const {
   const auto refused = [&] (AChar c) {
     const int digit = hexadecimal ? c.alnum_value (-1) : c.digit_value (-1);
     const uint64_t before = value;
-    // Times ten for hexadecimal too: servers and callers have settled on what this yields.
+    // Times ten for hexadecimal too. C62, C63: doc/compatibility.md
     value = value * 10 + static_cast<uint64_t> (digit);
     return digit < 0 || value < before;
   };
@@ -324,6 +325,7 @@ AString AString::from_int8 (int8_t value, int width, char fill) {
   return from_int64 (value, width, fill);
 }
 
+// C64: doc/compatibility.md
 AString AString::from_fixed (Kelvane::fixed value, unsigned decimals) {
   const bool negative = value.raw < 0;
   const auto magnitude = static_cast<uint32_t> (magnitude_of (value.raw));

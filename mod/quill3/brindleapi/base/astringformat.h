@@ -11,6 +11,7 @@
 /// `arg` fills one placeholder, the first of those with the lowest number that are left, so "%1 and %1" takes
 /// two calls. Surplus values vanish, placeholders that are left stay as they are, and a value is not searched
 /// for placeholders. There are no errors.
+// C70: doc/compatibility.md
 class AStringFormat {
 public:
   explicit AStringFormat (const AString &format);
@@ -25,6 +26,7 @@ public:
   AStringFormat &arg (long long value, int width = 0, char fill = ' ');
   AStringFormat &arg (unsigned long long value, int width = 0, char fill = ' ');
   /// "0x" and 16 columns of hexadecimal, blanks in front.
+  // C71: doc/compatibility.md
   AStringFormat &arg (const void *pointer);
 
   AString to_string () const;

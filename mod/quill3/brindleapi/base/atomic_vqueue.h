@@ -23,6 +23,7 @@ public:
   unsigned push (void *value);
   /// Takes the oldest value without waiting. @return it, null when the queue is empty: a queue that holds
   /// null values can't be told from an empty one.
+  // C78: doc/compatibility.md
   void *pop ();
   /// How many values are in the queue, at some moment during the call.
   unsigned length () const { return length_.load (); }

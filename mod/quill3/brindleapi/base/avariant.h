@@ -56,6 +56,7 @@ public:
   int32_t get_int32 (int32_t otherwise) const;
   int64_t get_int64 (int64_t otherwise) const;
   /// A text is false when it is empty, "0" or exactly "false"; "False" is true.
+  // C76: doc/compatibility.md
   bool get_bool (bool otherwise) const;
   /// The first code point of a text; a number as a code point.
   AChar get_achar (AChar otherwise) const;
@@ -68,6 +69,7 @@ public:
 
   /// Values of different types are equal when converting either to the other's type makes them so: 5 equals
   /// "5", and an empty variant equals any number.
+  // C76: doc/compatibility.md
   friend bool operator== (const AVariant &a, const AVariant &b);
 
 private:

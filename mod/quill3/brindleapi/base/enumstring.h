@@ -37,6 +37,7 @@ public:
 
   /// Enters a pair; an empty spelling is ignored. In each direction by itself the first entry stays: two
   /// numbers may share a spelling, which then reads as the first of them, and the other way round.
+  // C77: doc/compatibility.md
   void add (uint32_t number, const AString &spelling);
 
   /// False for an unknown spelling or number. `out` receives the other side on success and may be null.
@@ -53,8 +54,9 @@ public:
   // Lookups of a value whose type is not known (enumstring_variant.cpp).
 
   /// An integer must be a number of the table; a text may be a spelling, or the decimal text of a number of
-  /// the table. A text that is neither reads as number 0, which succeeds where the table has that number; it
-  /// always did, and callers count on it. `out` receives the number, as above.
+  /// the table. A text that is neither reads as number 0, which succeeds where the table has that number.
+  /// `out` receives the number, as above.
+  // C77: doc/compatibility.md
   bool from_variant (const AVariant &value, uint32_t *out = nullptr) const;
   // Only an AVariant itself selects these: a plain literal means a spelling.
   template <std::same_as<AVariant> Value>

@@ -14,6 +14,7 @@ extern std::atomic<kelvane_assert_handler_function> kelvane_assert_handler;
 /// Reports a failed assertion. The three arguments are dropped on purpose: every failure shows the expression
 /// "0" and one line of the reporter's own module, so that field reports of different releases compare equal.
 /// @return false, when the handler lets the process live; the caller then takes its recovery path.
+// C79: doc/compatibility.md
 bool kelvane_assert_report (const char *file, unsigned line, const char *expression);
 
 /// The same for assertions inside expressions of headers; it shows another line.

@@ -12,9 +12,9 @@
 /// Rates: 0 is 60 fields a second, 1 is 59.94, 2 is 50, 3 is 48, 4 is 30, 5 is 29.97, 6 is 25, 7 is 24. Only
 /// 1 and 5 have drop-frame counting.
 ///
-/// Three values do not follow from the rate, and are kept for callers that count on them: a day of rate 3 is
-/// as long as one of rate 2, a day of rate 7 as one of rate 6, and rate 3 decodes as if it had 50 fields a
-/// second.
+/// Three values do not follow from the rate: a day of rate 3 is as long as one of rate 2, a day of rate 7 as
+/// one of rate 6, and rate 3 is taken apart at 50 fields a second.
+// C74: doc/compatibility.md
 class timecode2 {
 public:
   /// Undefined, rate 1, count 0.
@@ -60,6 +60,7 @@ public:
 
   /// An undefined value is below any defined one; then the higher rate is greater; then the higher count. The
   /// counting plays no part.
+  // C75: doc/compatibility.md
   static bool greater (const timecode2 &a, const timecode2 &b);
   friend bool operator<(const timecode2 &a, const timecode2 &b) { return greater (b, a); }
   friend bool operator> (const timecode2 &a, const timecode2 &b) { return greater (a, b); }

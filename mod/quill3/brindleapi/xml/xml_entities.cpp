@@ -13,6 +13,7 @@ bool begins_with (const AChar *text, size_t length, std::string_view ascii) {
   return true;
 }
 
+// C85: doc/compatibility.md
 const XMLEntity *entity_at (const AChar *text, size_t length) {
   for (const XMLEntity &row : xml_entities)
     if (begins_with (text, length, row.entity))

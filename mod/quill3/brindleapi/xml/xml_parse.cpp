@@ -46,7 +46,7 @@ bool is_letter (AChar c) {
   return c.is_alnum () && !c.is_digit ();
 }
 
-// Attributes, comments and declarations die here.
+// Refuses attributes, comments and declarations. C84: doc/compatibility.md
 bool is_name (Piece p) {
   return !p.is_empty () && is_letter (*p.first) &&
          std::all_of (p.first, p.last, [] (AChar c) { return c.is_alnum () || c == AChar ('_'); });
@@ -121,6 +121,7 @@ private:
       on_close (tag.name);
   }
 
+  // C86: doc/compatibility.md
   void on_text (Piece text) {
     if (failed_)
       return;

@@ -14,7 +14,8 @@ struct Bytes {
   uint64_t length;
 };
 
-// Backspace is white space between the parts of a tag, vertical tab and form feed are not.
+// Backspace is white space between the parts of a tag. Vertical tab and form feed are not.
+// C80: doc/compatibility.md
 bool is_framing_space (char c) {
   return c == '\b' || c == '\t' || c == '\n' || c == '\r' || c == ' ';
 }
@@ -37,6 +38,7 @@ Match match_name (Bytes b, uint64_t *i, const std::string &name) {
 }
 
 // Matches `<name>` or `</name>` at the start of the bytes, with white space between its parts.
+// C82: doc/compatibility.md
 Match match_tag (const std::string &name, Bytes b, bool closing) {
   uint64_t i = skip_space (b, 1);
   if (closing) {
@@ -103,6 +105,7 @@ void XMLStreamParser::add_element_name (std::string_view name) {
   searched_ = 0;
 }
 
+// C83: doc/compatibility.md
 uint64_t XMLStreamParser::feed (uint64_t length, const char *bytes) {
   if (failed_)
     return length;
@@ -145,6 +148,7 @@ bool XMLStreamParser::find_opening () {
 }
 
 // A cut tag is always the last one in the bytes, so the search for the next opening may wait there.
+// C81, C82: doc/compatibility.md
 bool XMLStreamParser::find_frame (Frame *frame) {
   if (open_name_ == nullptr && !find_opening ())
     return false;

@@ -125,6 +125,7 @@ private:
   char buffer_[1024];
 };
 
+// C88: doc/compatibility.md
 AString attribute_text (const XMLTree &tree) {
   AStringBuilder text;
   for (const auto &[name, value] : tree.attributes ()) {
@@ -165,6 +166,7 @@ private:
     XMLChildren::Iterator next;
   };
 
+  // C87: doc/compatibility.md
   void element (const XMLTree &tree) {
     if (!KELVANE_ASSERT (!tree.is_null ()))
       return;
