@@ -14,22 +14,21 @@ using namespace QUILL3;
 
 /// Writes each value it is given, as the one who received it may do.
 class Handlers : public APIParser2 {
-#define PARAMETER(body_name, tag) decltype (body::body_name::tag) given_##tag
-#define VALUE(context, tag) value.tag = std::move (given_##tag)
+#define SET(field) value.NAME_OF (field) = std::move (GIVEN (field));
 #define REPLY(name, entry, ...)                                                                              \
-  void on_##name (AString xid __VA_OPT__ (, EACH (PARAMETER, name, __VA_ARGS__))) override {                 \
+  void on_##name (AString xid __VA_OPT__ (, LIST_OF (PARAMETER, __VA_ARGS__))) override {                    \
     body::name value;                                                                                        \
-    __VA_OPT__ (EACH (VALUE, , __VA_ARGS__);)                                                                \
+    EACH (SET, __VA_ARGS__)                                                                                  \
     write (xid, value);                                                                                      \
   }
 #define REPORT(name, ...)                                                                                    \
-  void on_##name (EACH (PARAMETER, name, __VA_ARGS__)) override {                                            \
+  void on_##name (LIST_OF (PARAMETER, __VA_ARGS__)) override {                                               \
     body::name value;                                                                                        \
-    EACH (VALUE, , __VA_ARGS__);                                                                             \
+    EACH (SET, __VA_ARGS__)                                                                                  \
     write (AString (), value);                                                                               \
   }
-#include "engine/replies.inc"
-#include "engine/reports.inc"
+#include "engine/bodies.inc"
+#undef SET
 
   template <class Body>
   void write (const AString &xid, const Body &value) {

@@ -402,8 +402,7 @@ TEST (BodySizes, FitASmallStack) {
 #define SMALL(name) static_assert (sizeof (QUILL3::body::name) <= 4096);
 #define REPLY(name, ...) SMALL (name)
 #define REPORT(name, ...) SMALL (name)
-#include "engine/replies.inc"
-#include "engine/reports.inc"
+#include "engine/bodies.inc"
 #undef SMALL
   EXPECT_LE (sizeof (QUILL3::body::configuration_item), 4096u);
 }

@@ -73,20 +73,15 @@ public:
   std::vector<std::string> calls;
 
 protected:
-#define PARAMETER(body_name, tag) decltype (QUILL3::body::body_name::tag) given_##tag
-#define VALUE(context, tag) given_##tag
 #define REPLY(name, entry, ...)                                                                              \
-  void on_##name (AString xid __VA_OPT__ (, EACH (PARAMETER, name, __VA_ARGS__))) override {                 \
-    note (#name, xid __VA_OPT__ (, EACH (VALUE, , __VA_ARGS__)));                                            \
+  void on_##name (AString xid __VA_OPT__ (, LIST_OF (PARAMETER, __VA_ARGS__))) override {                    \
+    note (#name, xid __VA_OPT__ (, LIST_OF (GIVEN, __VA_ARGS__)));                                           \
   }
 #define REPORT(name, ...)                                                                                    \
-  void on_##name (EACH (PARAMETER, name, __VA_ARGS__)) override {                                            \
-    note (#name, EACH (VALUE, , __VA_ARGS__));                                                               \
+  void on_##name (LIST_OF (PARAMETER, __VA_ARGS__)) override {                                               \
+    note (#name, LIST_OF (GIVEN, __VA_ARGS__));                                                              \
   }
-#include "engine/replies.inc"
-#include "engine/reports.inc"
-#undef PARAMETER
-#undef VALUE
+#include "engine/bodies.inc"
 
 private:
   template <class... Values>

@@ -569,64 +569,23 @@ TEST (Options, ArePresentOnceAssigned) {
 
 } // namespace
 
-namespace message {
-
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Winvalid-offsetof"
 
-struct state {
-  uint32_t Channel{};
-  AOption<AString> ClipID{};
-  AOption<uint8_t> Angle{};
-  uint32_t LoopIn{};
-  AOption<QUILL3::MetadataList> MetadataList{};
-  bool MinLatency{};
-};
-inline constexpr Field state_rows[] = {FIELD (state, Channel),      FIELD (state, ClipID),
-                                       FIELD (state, Angle),        FIELD (state, LoopIn),
-                                       FIELD (state, MetadataList), FIELD (state, MinLatency)};
-RECORD (state, state_rows);
-
-struct nothing {};
-RECORD (nothing, no_fields);
-
-struct three {
-  uint32_t LoopIn{};
-  uint32_t LoopOut{};
-  uint32_t ClipLength{};
-};
-inline constexpr Field three_rows[] = {FIELD (three, LoopIn), FIELD (three, LoopOut),
-                                       FIELD (three, ClipLength)};
-struct four {
-  uint32_t LoopIn{};
-  uint32_t LoopOut{};
-  bool AutoEE{};
-  bool Exists{};
-};
-inline constexpr Field four_rows[] = {FIELD (four, LoopIn), FIELD (four, LoopOut), FIELD (four, AutoEE),
-                                      FIELD (four, Exists)};
-
-// Rows that do not name every member in order are noticed, also where the missing one hides in padding.
-inline constexpr Field first_missing[] = {FIELD (three, LoopOut), FIELD (three, ClipLength)};
-inline constexpr Field middle_missing[] = {FIELD (three, LoopIn), FIELD (three, ClipLength)};
-inline constexpr Field last_missing[] = {FIELD (three, LoopIn), FIELD (three, LoopOut)};
-inline constexpr Field swapped[] = {FIELD (three, LoopOut), FIELD (three, LoopIn), FIELD (three, ClipLength)};
-inline constexpr Field doubled[] = {FIELD (three, LoopIn), FIELD (three, LoopOut), FIELD (three, ClipLength),
-                                    FIELD (three, ClipLength)};
-inline constexpr Field hidden[] = {FIELD (four, LoopIn), FIELD (four, LoopOut), FIELD (four, AutoEE)};
-static_assert (covers<three> (three_rows));
-static_assert (covers<four> (four_rows));
-static_assert (!covers<three> (first_missing));
-static_assert (!covers<three> (middle_missing));
-static_assert (!covers<three> (last_missing));
-static_assert (!covers<three> (swapped));
-static_assert (!covers<three> (doubled));
-static_assert (!covers<four> (hidden));
-static_assert (!covers<three> (no_fields));
+#define MESSAGE(name, ...)                                                                                   \
+  namespace message {                                                                                        \
+  struct name {                                                                                              \
+    EACH (MEMBER, __VA_ARGS__)                                                                               \
+  };                                                                                                         \
+  }                                                                                                          \
+  namespace QUILL3 {                                                                                         \
+  ROWS (message::name, __VA_ARGS__)                                                                          \
+  }
+MESSAGE (state, FIELD (Channel), OPTION (ClipID), OPTION (Angle), FIELD (LoopIn), OPTION (MetadataList),
+         FIELD (MinLatency))
+MESSAGE (nothing)
 
 #pragma GCC diagnostic pop
-
-} // namespace message
 
 namespace {
 

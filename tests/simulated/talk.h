@@ -22,15 +22,11 @@ public:
   Notes reports;
 
 protected:
-#define PARAMETER(body_name, tag) decltype (QUILL3::body::body_name::tag) given_##tag
-#define VALUE(context, tag) given_##tag
 #define REPORT(name, ...)                                                                                    \
-  void on_##name (EACH (PARAMETER, name, __VA_ARGS__)) override {                                            \
-    note (#name, EACH (VALUE, , __VA_ARGS__));                                                               \
+  void on_##name (LIST_OF (PARAMETER, __VA_ARGS__)) override {                                               \
+    note (#name, LIST_OF (GIVEN, __VA_ARGS__));                                                              \
   }
-#include "engine/reports.inc"
-#undef PARAMETER
-#undef VALUE
+#include "engine/bodies.inc"
 
 private:
   template <class... Values>
@@ -56,10 +52,10 @@ public:
 
   /// Sends a command by its own wrapper with a callback for each answer that it can get, and waits until it
   /// has ended. @return a line for each answer: its name and values.
-#define HEAR(context, reply) answers_.make<QUILL3::callback::reply> (#reply)
-#define COMMAND(name, ...)                                                                                   \
+#define HEAR(reply) answers_.make<QUILL3::callback::reply> (#reply)
+#define COMMAND(name, answers, ...)                                                                          \
   std::vector<std::string> ask (const QUILL3::command::name &arguments) {                                    \
-    listener.name (arguments, EACH (HEAR, , __VA_ARGS__), answers_.error ());                                \
+    listener.name (arguments, LIST_OF (HEAR, NAMES answers), answers_.error ());                             \
     return ended (#name);                                                                                    \
   }
 #include "engine/commands.inc"

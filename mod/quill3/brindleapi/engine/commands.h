@@ -1,15 +1,23 @@
 #pragma once
 
-#include "engine/commands_channels.h"
-#include "engine/commands_clips.h"
-#include "engine/commands_lists.h"
-#include "engine/commands_reports.h"
-#include "engine/commands_server.h"
+#include "schema/records.h"
 
-/// Everything that can be asked of a server. A command is a struct that bears the wire name; its members are
-/// the arguments, under the names and in the order of their tags. What is absent or a flag that is false is
-/// not written, and what then applies is the server's to decide. commands.inc lists them all.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Winvalid-offsetof"
+
+/// The commands of commands.inc, as structs in namespace command. The members are the arguments, under the
+/// names and in the order of their tags. An absent argument is not written, nor is a flag that is false; the
+/// server decides what then applies.
 namespace QUILL3 {
+
+#define COMMAND(name, answers, ...)                                                                          \
+  namespace command {                                                                                        \
+  struct name {                                                                                              \
+    EACH (MEMBER, __VA_ARGS__)                                                                               \
+  };                                                                                                         \
+  }                                                                                                          \
+  ROWS (command::name, __VA_ARGS__)
+#include "engine/commands.inc"
 
 /// How many commands there are.
 inline constexpr uint32_t command_count = 0
@@ -23,3 +31,5 @@ inline constexpr uint32_t command_count = 0
 XMLTree make_document (const AString &xid, const AString &wire_name, const Rows &rows, const void *command);
 
 } // namespace QUILL3
+
+#pragma GCC diagnostic pop

@@ -58,33 +58,32 @@ AString API::open_command (const Shared &entry, const AString &name, const Rows 
   return xid;
 }
 
-#define EMPTY(context, reply) callback::reply ()
-#define PARAMETER(context, reply) callback::reply reply
-#define SET(context, reply) entry->reply = reply
-#define COMMAND(name, ...)                                                                                   \
+#define EMPTY(reply) callback::reply ()
+#define CALLBACK(reply) callback::reply reply
+#define SET(reply) entry->reply = reply;
+#define COMMAND(name, answers, ...)                                                                          \
   AString API::name (const command::name &arguments) {                                                       \
-    return name (arguments, EACH (EMPTY, , __VA_ARGS__), callback::error ());                                \
+    return name (arguments, LIST_OF (EMPTY, NAMES answers), callback::error ());                             \
   }                                                                                                          \
-  AString API::name (const command::name &arguments, EACH (PARAMETER, , __VA_ARGS__),                        \
+  AString API::name (const command::name &arguments, LIST_OF (CALLBACK, NAMES answers),                      \
                      callback::error error) {                                                                \
     auto entry = std::make_shared<XIDRegistryEntry> ();                                                      \
-    EACH (SET, , __VA_ARGS__);                                                                               \
+    EACH (SET, NAMES answers)                                                                                \
     entry->error = error;                                                                                    \
     return open_command (entry, command_name (CommandNumber::name), rows_of (&arguments), &arguments);       \
   }
 #include "engine/commands.inc"
 #undef EMPTY
-#undef PARAMETER
+#undef CALLBACK
 #undef SET
 
-#define PARAMETER(body_name, tag) decltype (body::body_name::tag) given_##tag
-#define VALUE(context, tag) std::move (given_##tag)
+#define VALUE(field) std::move (GIVEN (field))
 #define REPLY(name, entry, ...)                                                                              \
-  void API::on_##name (AString xid __VA_OPT__ (, EACH (PARAMETER, name, __VA_ARGS__))) {                     \
-    registry_->fire (xid, Entry::entry, &XIDRegistryEntry::name __VA_OPT__ (, EACH (VALUE, , __VA_ARGS__))); \
+  void API::on_##name (AString xid __VA_OPT__ (, LIST_OF (PARAMETER, __VA_ARGS__))) {                        \
+    registry_->fire (xid, Entry::entry,                                                                      \
+                     &XIDRegistryEntry::name __VA_OPT__ (, LIST_OF (VALUE, __VA_ARGS__)));                   \
   }
-#include "engine/replies.inc"
-#undef PARAMETER
+#include "engine/bodies.inc"
 #undef VALUE
 
 } // namespace QUILL3

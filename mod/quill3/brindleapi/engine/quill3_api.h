@@ -33,12 +33,12 @@ public:
   // callbacks may run on the connection's thread or, when the link is down, on any that finds it so, this one
   // included, and so before the wrapper returns. A failure that another thread has begun to tell may also
   // come after it. A wrapper that throws, for want of memory, leaves no command open and runs no callback.
-#define PARAMETER(context, reply) callback::reply reply
-#define COMMAND(name, ...)                                                                                   \
+#define CALLBACK(reply) callback::reply reply
+#define COMMAND(name, answers, ...)                                                                          \
   AString name (const command::name &arguments);                                                             \
-  AString name (const command::name &arguments, EACH (PARAMETER, , __VA_ARGS__), callback::error error);
+  AString name (const command::name &arguments, LIST_OF (CALLBACK, NAMES answers), callback::error error);
 #include "engine/commands.inc"
-#undef PARAMETER
+#undef CALLBACK
 
   /// Number of open commands.
   uint32_t outstanding_count ();
@@ -62,11 +62,9 @@ protected:
     return false;
   }
 
-#define PARAMETER(body_name, tag) decltype (body::body_name::tag) tag
 #define REPLY(name, entry, ...)                                                                              \
-  void on_##name (AString xid __VA_OPT__ (, EACH (PARAMETER, name, __VA_ARGS__))) override;
-#include "engine/replies.inc"
-#undef PARAMETER
+  void on_##name (AString xid __VA_OPT__ (, LIST_OF (PARAMETER, __VA_ARGS__))) override;
+#include "engine/bodies.inc"
 
 private:
   using Shared = std::shared_ptr<XIDRegistryEntry>;

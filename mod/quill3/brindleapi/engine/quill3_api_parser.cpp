@@ -10,11 +10,11 @@ namespace {
 
 constexpr EnumStringTextRow reply_rows[] = {
 #define REPLY(name, ...) {static_cast<uint32_t> (BodyNumber::name), #name},
-#include "engine/replies.inc"
+#include "engine/bodies.inc"
 };
 constexpr EnumStringTextRow report_rows[] = {
 #define REPORT(name, ...) {static_cast<uint32_t> (BodyNumber::name), #name},
-#include "engine/reports.inc"
+#include "engine/bodies.inc"
 };
 static_assert (std::size (reply_rows) == reply_count);
 static_assert (std::size (report_rows) == report_count);
@@ -51,28 +51,26 @@ bool APIParser::read (const XMLTree &tree, const AString &identifier, Body *valu
 struct APIParser::Delivery {
   using Function = void (*) (APIParser &to, const AString &identifier, const XMLTree &tree);
 
-#define VALUE(context, tag) std::move (value.tag)
+#define VALUE(field) std::move (value.NAME_OF (field))
 #define REPLY(name, entry, ...)                                                                              \
   static void name (APIParser &to, const AString &identifier, const XMLTree &tree) {                         \
     body::name value;                                                                                        \
     if (to.read (tree, identifier, &value))                                                                  \
-      to.on_##name (identifier __VA_OPT__ (, EACH (VALUE, , __VA_ARGS__)));                                  \
+      to.on_##name (identifier __VA_OPT__ (, LIST_OF (VALUE, __VA_ARGS__)));                                 \
   }
 #define REPORT(name, ...)                                                                                    \
   static void name (APIParser &to, const AString &identifier, const XMLTree &tree) {                         \
     body::name value;                                                                                        \
     if (to.read (tree, identifier, &value))                                                                  \
-      to.on_##name (EACH (VALUE, , __VA_ARGS__));                                                            \
+      to.on_##name (LIST_OF (VALUE, __VA_ARGS__));                                                           \
   }
-#include "engine/replies.inc"
-#include "engine/reports.inc"
+#include "engine/bodies.inc"
 #undef VALUE
 
   static constexpr Function by_number[] = {
 #define REPLY(name, ...) &Delivery::name,
 #define REPORT(name, ...) &Delivery::name,
-#include "engine/replies.inc"
-#include "engine/reports.inc"
+#include "engine/bodies.inc"
   };
   static_assert (std::size (by_number) == body_count);
 };

@@ -3,7 +3,6 @@
 #include "base/afunction.h"
 #include "base/enumstring.h"
 #include "engine/bodies.h"
-#include "engine/each.h"
 #include "xml/xml_tree.h"
 
 namespace QUILL3 {
@@ -13,8 +12,7 @@ namespace QUILL3 {
 enum class BodyNumber : uint32_t {
 #define REPLY(name, ...) name,
 #define REPORT(name, ...) name,
-#include "engine/replies.inc"
-#include "engine/reports.inc"
+#include "engine/bodies.inc"
 };
 inline constexpr uint32_t reply_count = 24;
 inline constexpr uint32_t report_count = 47;
@@ -69,19 +67,16 @@ private:
   AFunction<void (const XMLTree &)> receive_hook_;
 
 protected:
-  // A handler is `on_` plus the wire name. It receives what was read, by value, in the order of replies.inc
-  // and reports.inc and with the types of the struct of that name in bodies.h; the handler of a reply has the
-  // identifier of the command in front: `void on_clipid (AString xid, AString ClipID)`. These here do
-  // nothing. Those that override them may take locks and send commands, and must not wait for a reply: the
-  // thread that runs them is the one that would bring it.
-#define PARAMETER(body_name, tag) decltype (body::body_name::tag)
+  // One handler for each body of bodies.inc, named `on_` and the wire name. It receives the values of the
+  // body, in the order of bodies.inc. The handler of a reply receives the identifier of the command before
+  // them: `void on_clipid (AString xid, AString ClipID)`. The handlers of this class do nothing. An override
+  // may take locks and send commands. It must not wait for a reply, because its own thread is the one that
+  // reads replies.
 #define REPLY(name, entry, ...)                                                                              \
-  virtual void on_##name (AString __VA_OPT__ (, EACH (PARAMETER, name, __VA_ARGS__))) {}
+  virtual void on_##name (AString __VA_OPT__ (, LIST_OF (TYPE_OF, __VA_ARGS__))) {}
 #define REPORT(name, ...)                                                                                    \
-  virtual void on_##name (EACH (PARAMETER, name, __VA_ARGS__)) {}
-#include "engine/replies.inc"
-#include "engine/reports.inc"
-#undef PARAMETER
+  virtual void on_##name (LIST_OF (TYPE_OF, __VA_ARGS__)) {}
+#include "engine/bodies.inc"
 };
 
 } // namespace QUILL3

@@ -33,7 +33,7 @@ bool XIDRegistryEntry::is_awaited () const {
 #define REPLY(name, ...)                                                                                     \
   if (!name.is_empty ())                                                                                     \
     return true;
-#include "engine/replies.inc"
+#include "engine/bodies.inc"
   return false;
 }
 

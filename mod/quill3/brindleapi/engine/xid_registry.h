@@ -25,7 +25,7 @@ class XIDRegistryEntry {
 public:
   // One slot for each kind of reply, named as the reply; empty where nobody waits for it.
 #define REPLY(name, ...) callback::name name{};
-#include "engine/replies.inc"
+#include "engine/bodies.inc"
 
   /// Whether any slot is set.
   bool is_awaited () const;

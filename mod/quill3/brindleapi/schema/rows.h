@@ -1,32 +1,27 @@
 #pragma once
 
 #include "schema/aoption.h"
+#include "schema/each.h"
 #include "schema/tags.h"
 
 #include <cstddef>
-#include <type_traits>
-#include <utility>
+#include <iterator>
 
 /// Records, commands and message bodies have one shape: a plain struct whose members bear the names of their
-/// tags, and beside it rows that name the members in the order of writing.
+/// tags. Three tables name the members of all of them, once and in the order of writing: records.inc,
+/// commands.inc and bodies.inc.
+///
+///     REPORT (channel_status, FIELD (Channel), FIELD (ChannelStatus), OPTION (ClipID))
+///
+/// FIELD is a member that is always there, of the tag's type in memory. OPTION is a member that may be
+/// absent, an AOption of that type. From this line come the struct and the rows by which it is written and
+/// read:
 ///
 ///     struct channel_status {             // in namespace QUILL3::body
 ///       uint32_t Channel{};
 ///       uint32_t ChannelStatus{};
-///       AOption<AString> ClipID{};        // AOption: may be absent
+///       AOption<AString> ClipID{};
 ///     };
-///     inline constexpr Field channel_status_rows[] = {
-///       FIELD (channel_status, Channel), FIELD (channel_status, ChannelStatus), FIELD (channel_status,
-///       ClipID)};
-///     RECORD (channel_status, channel_status_rows);
-///     struct ok {};
-///     RECORD (ok, no_fields);
-///
-/// A member's type is the tag's (`tag_type::ClipID`), or an AOption of it where the member may be absent;
-/// every member has `{}`. A member that bears the name of its type needs the type qualified:
-/// `QUILL3::ClipInfo ClipInfo{};`. A flag is a plain bool. Structs and rows may stand in any namespace. gcc
-/// and clang warn of offsetof in structs that hold lists or options: switch "-Winvalid-offsetof" off around
-/// the rows.
 ///
 ///     body::channel_status status;
 ///     AString err;
@@ -34,14 +29,12 @@
 ///       record_error (xid, err);
 namespace QUILL3 {
 
-/// One row: a member and the tag that carries it. Made by FIELD.
+/// One row: a member and the tag that carries it.
 struct Field {
   Tag tag;
   bool optional;        ///< the member is an AOption
-  uint8_t alignment;    ///< of the member
   uint8_t value_offset; ///< of the value within the member; the flag of an AOption is at its beginning
   uint16_t offset;      ///< of the member within the struct
-  uint16_t size;        ///< of the member
 };
 
 /// The rows of a struct. `rows_of (static_cast<const S *> (nullptr))` gives those of S.
@@ -54,9 +47,15 @@ struct Rows {
   const Field *end () const { return fields + count; }
 };
 
-/// Stands for the rows of a struct without members.
-struct NoFields {};
-inline constexpr NoFields no_fields;
+/// Holds the rows of the struct S as `fields`, with one more behind them: an array can't be empty.
+template <class S>
+struct FieldsOf;
+
+template <class S>
+constexpr Rows rows_of (const S *) {
+  static_assert (sizeof (S) <= UINT16_MAX);
+  return {FieldsOf<S>::fields, std::size (FieldsOf<S>::fields) - 1, sizeof (S)};
+}
 
 /// The elements of all members of a struct, in the order of the rows: what is present of optional ones, and
 /// flags that are set.
@@ -84,72 +83,43 @@ bool read_body (const XMLTree &tree, S *to, AString *err) {
   return read_body (tree, rows_of (static_cast<const S *> (to)), to, err);
 }
 
-/// A row's two sides must fit: the member is of the tag's type, or an AOption of it.
-template <class Member, class Value>
+// In an AOption the value is behind a flag of one byte, at the next place that fits its alignment.
+template <class Member>
+inline constexpr size_t value_offset = 0;
+template <class Value>
+inline constexpr size_t value_offset<AOption<Value>> = alignof (Value);
+
+template <class Member>
 consteval Field make_field (Tag tag, size_t offset) {
-  constexpr bool optional = std::is_same_v<Member, AOption<Value>>;
-  static_assert (optional || std::is_same_v<Member, Value>, "a member has the type of its tag");
-  // behind its flag the value stands at its alignment
-  constexpr size_t value_offset = optional ? alignof (Value) : 0;
-  return {tag,
-          optional,
-          alignof (Member),
-          static_cast<uint8_t> (value_offset),
-          static_cast<uint16_t> (offset),
-          static_cast<uint16_t> (sizeof (Member))};
-}
-
-/// Converts to anything, to count the members of a struct.
-struct AnyMember {
-  template <class T>
-  operator T () const;
-};
-template <class S, size_t... I>
-consteval bool takes_members (std::index_sequence<I...>) {
-  return requires {
-    S{(static_cast<void> (I), AnyMember{})...};
-  };
-}
-
-/// Whether the rows name every member of S in order: the offsets follow one another up to the struct's end,
-/// and there is no further member, not even a bool hidden in padding.
-template <class S, size_t N>
-consteval bool covers (const Field (&rows)[N]) {
-  size_t end = 0;
-  for (const Field &row : rows) {
-    if (row.offset != (end + row.alignment - 1) / row.alignment * row.alignment)
-      return false;
-    end = row.offset + size_t{row.size};
-  }
-  return (end + alignof (S) - 1) / alignof (S) * alignof (S) == sizeof (S) &&
-         takes_members<S> (std::make_index_sequence<N> ()) &&
-         !takes_members<S> (std::make_index_sequence<N + 1> ());
-}
-template <class S>
-consteval bool covers (NoFields) {
-  return std::is_empty_v<S>;
-}
-
-template <class S, size_t N>
-consteval Rows make_rows (const Field (&rows)[N]) {
-  static_assert (sizeof (S) <= UINT16_MAX);
-  return {rows, N, sizeof (S)};
-}
-template <class S>
-consteval Rows make_rows (NoFields) {
-  return {nullptr, 0, sizeof (S)};
+  return {tag, value_offset<Member> != 0, static_cast<uint8_t> (value_offset<Member>),
+          static_cast<uint16_t> (offset)};
 }
 
 } // namespace QUILL3
 
-/// The row of the member @p name, which bears the name of its tag.
-#define FIELD(Struct, name)                                                                                  \
-  QUILL3::make_field<decltype (Struct::name), QUILL3::tag_type::name> (QUILL3::Tag::name,                    \
-                                                                       offsetof (Struct, name))
+/// What a line of a table says of a member: `TYPE_OF (OPTION (ClipID))` is its type, `NAME_OF` its name, and
+/// `GIVEN` the name of a parameter that brings its value.
+#define TYPE_OF(field) TYPE_OF_##field
+#define TYPE_OF_FIELD(tag) QUILL3::tag_type::tag
+#define TYPE_OF_OPTION(tag) AOption<QUILL3::tag_type::tag>
+#define NAME_OF(field) NAME_OF_##field
+#define NAME_OF_FIELD(tag) tag
+#define NAME_OF_OPTION(tag) tag
+#define GIVEN(field) GIVEN_##field
+#define GIVEN_FIELD(tag) given_##tag
+#define GIVEN_OPTION(tag) given_##tag
 
-/// Ties a struct to its rows and proves that they name every member in order.
-#define RECORD(Struct, rows)                                                                                 \
-  constexpr QUILL3::Rows rows_of (const Struct *) {                                                          \
-    return QUILL3::make_rows<Struct> (rows);                                                                 \
-  }                                                                                                          \
-  static_assert (QUILL3::covers<Struct> (rows), "the rows of " #Struct " name every member in order")
+/// The declaration of a member and of a parameter.
+#define MEMBER(field) TYPE_OF (field) NAME_OF (field){};
+#define PARAMETER(field) TYPE_OF (field) GIVEN (field)
+
+/// The rows of a struct, from its line of a table. Belongs in namespace QUILL3. gcc and clang warn of
+/// offsetof in structs that hold lists or options: switch "-Winvalid-offsetof" off around it.
+#define ROWS(name, ...)                                                                                      \
+  template <>                                                                                                \
+  struct FieldsOf<name> {                                                                                    \
+    using Struct = name;                                                                                     \
+    static constexpr Field fields[] = {EACH (FIELD_ROW, __VA_ARGS__) Field{}};                               \
+  };
+#define FIELD_ROW(field)                                                                                     \
+  make_field<TYPE_OF (field)> (Tag::NAME_OF (field), offsetof (Struct, NAME_OF (field))),
