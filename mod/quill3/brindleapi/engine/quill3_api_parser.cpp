@@ -85,6 +85,7 @@ const EnumString &APIParser::report_bodies () {
   return names;
 }
 
+// C104: doc/compatibility.md
 bool APIParser::record_error (const AString &identifier, const AString &text) {
   if (!error_slot_free_)
     return false;
@@ -94,6 +95,7 @@ bool APIParser::record_error (const AString &identifier, const AString &text) {
   return false;
 }
 
+// C105: doc/compatibility.md
 void APIParser::dispatch_message (const XMLTree &message) {
   error_slot_free_ = true;
   receive_hook_.run (message);

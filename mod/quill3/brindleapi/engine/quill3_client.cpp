@@ -99,6 +99,7 @@ void Client::run_thread (void *start_block) {
     client->thread_running_ = false;
 }
 
+// C99: doc/compatibility.md
 void Client::main_loop () noexcept {
   while (!stop_requested_) {
     stop_signal_.wait (connect_delay);
@@ -162,6 +163,7 @@ void Client::receive (const Link &link) {
     disconnect ();
 }
 
+// C108: doc/compatibility.md
 void Client::call_idle_function () {
   AFunction<void ()> function;
   uint32_t interval = 0;
@@ -180,6 +182,7 @@ void Client::call_idle_function () {
 }
 
 // Once the end has begun nothing is told to anyone any more: destruction is no failure.
+// C106: doc/compatibility.md
 void Client::disconnect () noexcept {
   if (stop_requested_)
     return;
@@ -231,6 +234,7 @@ void Client::write_document (const XMLTree &document, const AFunction<bool ()> &
   }
 }
 
+// C100: doc/compatibility.md
 void Client::send_bytes (const void *data, uint64_t length) {
   std::shared_ptr<Link> link = binding_.in_document ? binding_.link : current_link ();
   if (link == nullptr || !link->is_up ()) {
@@ -243,9 +247,9 @@ void Client::send_bytes (const void *data, uint64_t length) {
   send_on (*link, static_cast<const char *> (data), length);
 }
 
-// The place moves by what remains, not by what was sent: a send that takes a part goes on from there, which
-// is how this transport has always been. It makes no difference for a send that takes all, and the platform's
-// either does or fails. A place from which the rest would reach beyond the bytes given is a failed send.
+// After a short send the place moves by what remains, not by what was sent. The platform's send takes all
+// bytes or fails, so it makes no difference there. A place whose rest would lie beyond the bytes is a failed
+// send. C98: doc/compatibility.md
 void Client::send_on (Link &link, const char *data, uint64_t length) {
   uint64_t place = 0;
   uint64_t remaining = length;

@@ -71,6 +71,7 @@ XIDRegistry::XIDRegistry () {
   failure_text ();
 }
 
+// C101: doc/compatibility.md
 AString XIDRegistry::issue_id (const Shared &entry) {
   if (!entry->is_awaited ())
     return untracked_prefix () + free_number ();
@@ -87,8 +88,8 @@ AString XIDRegistry::free_number () {
   }
 }
 
-// What a callback opens during a run belongs to that run, also when there is a new link by then: callers rely
-// on it that after a failure of all commands none of those that it led to is open.
+// A command that a callback sends during a run belongs to that run, also when there is a new link by then.
+// C107: doc/compatibility.md
 void XIDRegistry::enter (const Shared &entry) {
   AMutexScope hold (lock_);
   entry->xid_ = free_number ();
@@ -179,6 +180,7 @@ bool XIDRegistry::begin (Run &run) noexcept {
   return true;
 }
 
+// C102: doc/compatibility.md
 XIDRegistry::Shared XIDRegistry::next_of (Run &run) noexcept {
   AMutexScope hold (lock_);
   if (!run.taken.empty ())

@@ -88,6 +88,7 @@ public:
 
   /// Hands a reply to the slot of the command that it answers. Nothing happens when that command is not open
   /// or did not ask for this kind, except that a reply which ends commands ends it.
+  // C103: doc/compatibility.md
   template <class... Values>
   void fire (const AString &xid, Entry effect, AFunction<void (Values...)> XIDRegistryEntry::*slot,
              std::type_identity_t<Values>... values) {

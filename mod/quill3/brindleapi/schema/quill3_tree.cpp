@@ -23,6 +23,7 @@ bool read_number (const XMLTree &tree, bool (AString::*parse) (T *) const, T *va
 
 } // namespace
 
+// C95: doc/compatibility.md
 const XMLTree *find_one (const XMLTree &tree, const AString &name, AString *err) {
   if (tree.name_is (name))
     return &tree;
@@ -58,6 +59,7 @@ AString stripped_text (const XMLTree &tree) {
   return tree.text ().trim ();
 }
 
+// C97: doc/compatibility.md
 bool read_string (const XMLTree &tree, AString *value, AString *) {
   *value = tree.text ();
   return true;
@@ -80,6 +82,7 @@ bool read_i32 (const XMLTree &tree, int32_t *value, AString *err) {
 bool read_fixed (const XMLTree &tree, Kelvane::fixed *value, AString *err) {
   return read_number (tree, &AString::to_fixed_received, value, err);
 }
+// C91: doc/compatibility.md
 bool read_bool (const XMLTree &tree, bool *value, AString *err) {
   const AString text = stripped_text (tree);
   uint32_t word = 0;

@@ -60,8 +60,7 @@ bool is_written (const Field &field, const void *member) {
 
 // -- Reading. `found` is the element of the tag.
 
-// A bad spelling is reported with the enclosing element and the tag's name, and does not appear itself: that
-// is the wording which is looked for in records of errors.
+// The error names the enclosing element and the tag, not the bad spelling. C89: doc/compatibility.md
 bool read_enumerated (const XMLTree &enclosing, const XMLTree &found, const Codec &codec, uint32_t *to,
                       AString *err) {
   return enumeration (codec.enumeration).from_string (stripped_text (found), to) ||
@@ -73,7 +72,7 @@ bool read_vector (const XMLTree &found, const Codec &codec, void *to, AString *e
   count = 0;
   const AString &element = tag_name (codec.element);
   if (found.count_children (element) > codec.capacity) {
-    // The first number is never filled in: the text has always been this one.
+    // C90: doc/compatibility.md
     if (err != nullptr)
       *err = AStringFormat ("Tag %1 contains %u subelements. The maximum is %2.")
                  .arg (found.name ())
@@ -158,6 +157,7 @@ XMLTree make_value (Tag tag, const void *value) {
   case Kind::boolean:
     return write_bool (name, as<bool> (value));
   case Kind::enumerated:
+    // C92: doc/compatibility.md
     return XMLTree (name, enumeration (codec.enumeration).text_of (as<uint32_t> (value)));
   case Kind::record:
     return XMLTree (name, write_fields (codec.rows, value));
@@ -174,6 +174,7 @@ XMLTree make_value (Tag tag, const void *value) {
 bool get_value (const XMLTree &tree, Tag tag, void *value, AString *err) {
   const AString &name = tag_name (tag);
   const Codec &codec = codec_of (tag);
+  // C93: doc/compatibility.md
   if (codec.kind == Kind::flag) {
     as<bool> (value) = tree.has_child (name);
     return true;
@@ -208,6 +209,7 @@ bool read_record (const XMLTree &tree, const Rows &rows, void *to, AString *err)
   return true;
 }
 
+// C96: doc/compatibility.md
 bool read_body (const XMLTree &tree, const Rows &rows, void *to, AString *err) {
   for (const Field &field : rows) {
     void *const member = at (to, field.offset);

@@ -67,6 +67,7 @@ struct EnumSet {
   }
   /// Two invalid sets are equal, a valid and an invalid one are not. Of valid ones the order counts: the
   /// members are compared position by position.
+  // C94: doc/compatibility.md
   bool operator== (const EnumSet &other) const {
     const bool valid = is_valid ();
     if (!valid || !other.is_valid ())
