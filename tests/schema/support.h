@@ -16,3 +16,8 @@ inline XMLTree parsed (const std::string &text) {
 inline std::string written (const XMLTree &tree) {
   return tree.is_null () ? std::string () : tree.render_text (XMLCompact, true).to_std_string ();
 }
+
+/// The XML of an element around what is inside it.
+inline std::string element (const std::string &name, const std::string &inside) {
+  return inside.empty () ? "<" + name + " />" : "<" + name + ">" + inside + "</" + name + ">";
+}

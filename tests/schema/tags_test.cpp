@@ -11,255 +11,236 @@ using namespace QUILL3;
 
 namespace {
 
-/// An element of each tag, and what reads it and writes it again.
+/// An element of each tag, and functions that try it.
 struct Sample {
   const char *name;
-  const char *text;
-  XMLTree (*again) (const XMLTree &tree, AString *err);
+  std::string text; ///< the whole element
+  XMLTree (*read_and_write) (const XMLTree &tree, AString *err);
   bool (*has) (const XMLTree &tree);
 };
 
-#define SAMPLE(name, text)                                                                                   \
-  {                                                                                                          \
-#name, text,                                                                                              \
-   [] (const XMLTree &tree, AString *err) {                                                                  \
-     tag_type::name value{};                                                                                 \
-     return get_##name (tree, &value, err) ? make_##name (value) : XMLTree ();                               \
-   },                                                                                                        \
-   has_##name  \
-  }
+template <class T, auto get, auto make>
+XMLTree read_and_write (const XMLTree &tree, AString *err) {
+  T value{};
+  return get (tree, &value, err) ? make (value) : XMLTree ();
+}
+
+// What is inside a ConfigurationItem.
+const std::string one_value = "<ConfigurationItemValue>a b</ConfigurationItemValue>";
+const std::string two_values = one_value + one_value;
+std::string configuration_item (const std::string &access, const std::string &allowed_values) {
+  return "<ConfigurationItemName>a b</ConfigurationItemName>" + element ("ConfigurationItemAccess", access) +
+         "<ConfigurationItemEffectiveValue>a b</ConfigurationItemEffectiveValue>"
+         "<ConfigurationItemBootValue>a b</ConfigurationItemBootValue>"
+         "<ConfigurationItemSavedValue>a b</ConfigurationItemSavedValue>" +
+         element ("ConfigurationItemAllowedValues", allowed_values);
+}
+
+// A tag and what is inside its element.
+#define SAMPLE(name, inside)                                                                                 \
+  { #name, element(#name, inside), read_and_write < tag_type::name, get_##name, make_##name>, has_##name }
 
 const Sample samples[] = {
-    SAMPLE (AlertName, "<AlertName>a b</AlertName>"),
-    SAMPLE (AlertNameDescription, "<AlertNameDescription>a b</AlertNameDescription>"),
-    SAMPLE (AlertValueDescription, "<AlertValueDescription>a b</AlertValueDescription>"),
-    SAMPLE (ChaseFromID, "<ChaseFromID>a b</ChaseFromID>"),
-    SAMPLE (ChaseID, "<ChaseID>a b</ChaseID>"),
-    SAMPLE (ChaseToID, "<ChaseToID>a b</ChaseToID>"),
-    SAMPLE (ClipFileType, "<ClipFileType>a b</ClipFileType>"),
-    SAMPLE (ClipID, "<ClipID>a b</ClipID>"),
-    SAMPLE (ClipUUID, "<ClipUUID>a b</ClipUUID>"),
-    SAMPLE (CompressionASymbol, "<CompressionASymbol>a b</CompressionASymbol>"),
-    SAMPLE (CompressionKSymbol, "<CompressionKSymbol>a b</CompressionKSymbol>"),
-    SAMPLE (CompressionVSymbol, "<CompressionVSymbol>a b</CompressionVSymbol>"),
-    SAMPLE (ComputerName, "<ComputerName>a b</ComputerName>"),
-    SAMPLE (ConfigurationItemBootValue, "<ConfigurationItemBootValue>a b</ConfigurationItemBootValue>"),
-    SAMPLE (ConfigurationItemEffectiveValue,
-            "<ConfigurationItemEffectiveValue>a b</ConfigurationItemEffectiveValue>"),
-    SAMPLE (ConfigurationItemName, "<ConfigurationItemName>a b</ConfigurationItemName>"),
-    SAMPLE (ConfigurationItemSavedValue, "<ConfigurationItemSavedValue>a b</ConfigurationItemSavedValue>"),
-    SAMPLE (ConfigurationItemValue, "<ConfigurationItemValue>a b</ConfigurationItemValue>"),
-    SAMPLE (Creator, "<Creator>a b</Creator>"),
-    SAMPLE (DebugString, "<DebugString>a b</DebugString>"),
-    SAMPLE (DirectoryName, "<DirectoryName>a b</DirectoryName>"),
-    SAMPLE (ErrorMessage, "<ErrorMessage>a b</ErrorMessage>"),
-    SAMPLE (Filename, "<Filename>a b</Filename>"),
-    SAMPLE (FromDir, "<FromDir>a b</FromDir>"),
-    SAMPLE (FromID, "<FromID>a b</FromID>"),
-    SAMPLE (ID8, "<ID8>a b</ID8>"),
-    SAMPLE (Key, "<Key>a b</Key>"),
-    SAMPLE (ListFromID, "<ListFromID>a b</ListFromID>"),
-    SAMPLE (ListID, "<ListID>a b</ListID>"),
-    SAMPLE (ListToID, "<ListToID>a b</ListToID>"),
-    SAMPLE (LogClient, "<LogClient>a b</LogClient>"),
-    SAMPLE (LogFilename, "<LogFilename>a b</LogFilename>"),
-    SAMPLE (LogText, "<LogText>a b</LogText>"),
-    SAMPLE (MeltLabel, "<MeltLabel>a b</MeltLabel>"),
-    SAMPLE (MetadataDatabase, "<MetadataDatabase>a b</MetadataDatabase>"),
-    SAMPLE (MetadataPrefix, "<MetadataPrefix>a b</MetadataPrefix>"),
-    SAMPLE (ParentClipID, "<ParentClipID>a b</ParentClipID>"),
-    SAMPLE (ParentUUID, "<ParentUUID>a b</ParentUUID>"),
-    SAMPLE (Project, "<Project>a b</Project>"),
-    SAMPLE (SVNPath, "<SVNPath>a b</SVNPath>"),
-    SAMPLE (SVNVersion, "<SVNVersion>a b</SVNVersion>"),
-    SAMPLE (StealClient, "<StealClient>a b</StealClient>"),
-    SAMPLE (Title, "<Title>a b</Title>"),
-    SAMPLE (ToDir, "<ToDir>a b</ToDir>"),
-    SAMPLE (ToID, "<ToID>a b</ToID>"),
-    SAMPLE (VClipID, "<VClipID>a b</VClipID>"),
-    SAMPLE (Value, "<Value>a b</Value>"),
-    SAMPLE (VolatileFileInfo, "<VolatileFileInfo>a b</VolatileFileInfo>"),
-    SAMPLE (xid, "<xid>a b</xid>"),
-    SAMPLE (Angle, "<Angle>200</Angle>"),
-    SAMPLE (AngleCount, "<AngleCount>200</AngleCount>"),
-    SAMPLE (AudioTrackCount, "<AudioTrackCount>200</AudioTrackCount>"),
-    SAMPLE (ChaseIndex, "<ChaseIndex>65535</ChaseIndex>"),
-    SAMPLE (ListIndex, "<ListIndex>65535</ListIndex>"),
-    SAMPLE (SonyEditMask, "<SonyEditMask>65535</SonyEditMask>"),
-    SAMPLE (ClipLength, "<ClipLength>4294967295</ClipLength>"),
-    SAMPLE (ClipLengthUntrimmed, "<ClipLengthUntrimmed>4294967295</ClipLengthUntrimmed>"),
-    SAMPLE (ClipPosition, "<ClipPosition>4294967295</ClipPosition>"),
-    SAMPLE (ClipStartOffset, "<ClipStartOffset>4294967295</ClipStartOffset>"),
-    SAMPLE (CompressionBitrate, "<CompressionBitrate>4294967295</CompressionBitrate>"),
-    SAMPLE (CompressionCSize, "<CompressionCSize>4294967295</CompressionCSize>"),
-    SAMPLE (CompressionKSize, "<CompressionKSize>4294967295</CompressionKSize>"),
-    SAMPLE (CompressionYSize, "<CompressionYSize>4294967295</CompressionYSize>"),
-    SAMPLE (FieldSize, "<FieldSize>4294967295</FieldSize>"),
-    SAMPLE (GotoPosition, "<GotoPosition>4294967295</GotoPosition>"),
-    SAMPLE (ISOCount, "<ISOCount>4294967295</ISOCount>"),
-    SAMPLE (LogLine, "<LogLine>4294967295</LogLine>"),
-    SAMPLE (LoopIn, "<LoopIn>4294967295</LoopIn>"),
-    SAMPLE (LoopOut, "<LoopOut>4294967295</LoopOut>"),
-    SAMPLE (MeltClientID, "<MeltClientID>4294967295</MeltClientID>"),
-    SAMPLE (MeltElementID, "<MeltElementID>4294967295</MeltElementID>"),
-    SAMPLE (MeltInPoint, "<MeltInPoint>4294967295</MeltInPoint>"),
-    SAMPLE (MeltListID, "<MeltListID>4294967295</MeltListID>"),
-    SAMPLE (MeltOutPoint, "<MeltOutPoint>4294967295</MeltOutPoint>"),
-    SAMPLE (PrecueCount, "<PrecueCount>4294967295</PrecueCount>"),
-    SAMPLE (SSMSpeed, "<SSMSpeed>4294967295</SSMSpeed>"),
-    SAMPLE (TcStartTrigger, "<TcStartTrigger>4294967295</TcStartTrigger>"),
-    SAMPLE (Temperature10, "<Temperature10>4294967295</Temperature10>"),
-    SAMPLE (TimeDelay, "<TimeDelay>4294967295</TimeDelay>"),
-    SAMPLE (TransitionDuration, "<TransitionDuration>4294967295</TransitionDuration>"),
-    SAMPLE (TrimEnd, "<TrimEnd>4294967295</TrimEnd>"),
-    SAMPLE (TrimStart, "<TrimStart>4294967295</TrimStart>"),
-    SAMPLE (VClipPosition, "<VClipPosition>4294967295</VClipPosition>"),
-    SAMPLE (AvailableDiskSpace, "<AvailableDiskSpace>18446744073709551615</AvailableDiskSpace>"),
-    SAMPLE (ContentEditStamp, "<ContentEditStamp>18446744073709551615</ContentEditStamp>"),
-    SAMPLE (LoadedStamp, "<LoadedStamp>18446744073709551615</LoadedStamp>"),
-    SAMPLE (MetaEditStamp, "<MetaEditStamp>18446744073709551615</MetaEditStamp>"),
-    SAMPLE (PlayedStamp, "<PlayedStamp>18446744073709551615</PlayedStamp>"),
-    SAMPLE (TotalDiskSpace, "<TotalDiskSpace>18446744073709551615</TotalDiskSpace>"),
-    SAMPLE (UnloadedStamp, "<UnloadedStamp>18446744073709551615</UnloadedStamp>"),
-    SAMPLE (FieldNumber, "<FieldNumber>-2147483648</FieldNumber>"),
-    SAMPLE (JogDistance, "<JogDistance>-2147483648</JogDistance>"),
-    SAMPLE (VClipDistance, "<VClipDistance>-2147483648</VClipDistance>"),
-    SAMPLE (NaturalSpeed, "<NaturalSpeed>-0.5X</NaturalSpeed>"),
-    SAMPLE (Speed, "<Speed>-0.5X</Speed>"),
-    SAMPLE (AutoEE, "<AutoEE>true</AutoEE>"),
-    SAMPLE (CompressionAFrameBased, "<CompressionAFrameBased>true</CompressionAFrameBased>"),
-    SAMPLE (CompressionKFrameBased, "<CompressionKFrameBased>true</CompressionKFrameBased>"),
-    SAMPLE (CompressionVFrameBased, "<CompressionVFrameBased>true</CompressionVFrameBased>"),
-    SAMPLE (Exists, "<Exists>true</Exists>"),
-    SAMPLE (ReadOnly, "<ReadOnly>true</ReadOnly>"),
-    SAMPLE (ReadOnlyContent, "<ReadOnlyContent>true</ReadOnlyContent>"),
-    SAMPLE (ReadOnlyMeta, "<ReadOnlyMeta>true</ReadOnlyMeta>"),
-    SAMPLE (StealSwapped, "<StealSwapped>true</StealSwapped>"),
-    SAMPLE (TransitionInProgress, "<TransitionInProgress>true</TransitionInProgress>"),
-    SAMPLE (Valid, "<Valid>true</Valid>"),
-    SAMPLE (AlertingLevel, "<AlertingLevel>error</AlertingLevel>"),
-    SAMPLE (AlertingPriority, "<AlertingPriority>malfunction</AlertingPriority>"),
-    SAMPLE (Channel, "<Channel>L</Channel>"),
-    SAMPLE (ChannelReportType, "<ChannelReportType>aux_audio_timecode</ChannelReportType>"),
-    SAMPLE (ChannelStatus, "<ChannelStatus>timedelay</ChannelStatus>"),
-    SAMPLE (ChaseElementAtEnd, "<ChaseElementAtEnd>loop</ChaseElementAtEnd>"),
-    SAMPLE (ClipScope, "<ClipScope>vclip</ClipScope>"),
-    SAMPLE (CompressionType, "<CompressionType>xavc</CompressionType>"),
-    SAMPLE (ConfigurationItemAccess, "<ConfigurationItemAccess>eng</ConfigurationItemAccess>"),
-    SAMPLE (DropFrameFlag, "<DropFrameFlag>ndf</DropFrameFlag>"),
-    SAMPLE (ErrorCode, "<ErrorCode>configvalue_invalid</ErrorCode>"),
-    SAMPLE (FollowSpeed, "<FollowSpeed>follow</FollowSpeed>"),
-    SAMPLE (Interp, "<Interp>off</Interp>"),
-    SAMPLE (Layer, "<Layer>bed</Layer>"),
-    SAMPLE (ListElementAtEnd, "<ListElementAtEnd>loop</ListElementAtEnd>"),
-    SAMPLE (ListElementAtStart, "<ListElementAtStart>pause</ListElementAtStart>"),
-    SAMPLE (ListPlayMode, "<ListPlayMode>pgm_pvw</ListPlayMode>"),
-    SAMPLE (Loop, "<Loop>record</Loop>"),
-    SAMPLE (ModifiedFlag, "<ModifiedFlag>modified</ModifiedFlag>"),
-    SAMPLE (PlayOrRecord, "<PlayOrRecord>record</PlayOrRecord>"),
-    SAMPLE (Playback, "<Playback>f12</Playback>"),
-    SAMPLE (PrecueCondition, "<PrecueCondition>end_of_clip2</PrecueCondition>"),
-    SAMPLE (ReferenceSource, "<ReferenceSource>freerun</ReferenceSource>"),
-    SAMPLE (ReportType, "<ReportType>ltc_input</ReportType>"),
-    SAMPLE (Roll, "<Roll>roll</Roll>"),
-    SAMPLE (SpecialClipType, "<SpecialClipType>ssm3</SpecialClipType>"),
-    SAMPLE (StealStatus, "<StealStatus>export</StealStatus>"),
-    SAMPLE (TimecodeSource, "<TimecodeSource>rec0_stripe</TimecodeSource>"),
-    SAMPLE (TrackType, "<TrackType>timecode</TrackType>"),
-    SAMPLE (TransitionType, "<TransitionType>dissolve</TransitionType>"),
-    SAMPLE (VideoRate, "<VideoRate>23_98</VideoRate>"),
-    SAMPLE (VideoResolution, "<VideoResolution>525i</VideoResolution>"),
-    SAMPLE (VideoStandard, "<VideoStandard>525_59_94i</VideoStandard>"),
-    SAMPLE (ProgramChannel, "<ProgramChannel>L</ProgramChannel>"),
-    SAMPLE (PreviewChannel, "<PreviewChannel>L</PreviewChannel>"),
-    SAMPLE (Alert,
-            "<Alert><AlertingPriority>malfunction</AlertingPriority><AlertingLevel>error</AlertingLevel>"
-            "<AlertName>a b</AlertName><AlertNameDescription>a b</AlertNameDescription>"
-            "<AlertValueDescription>a b</AlertValueDescription></Alert>"),
-    SAMPLE (ChannelInformation, "<ChannelInformation><ClipID>a b</ClipID></ChannelInformation>"),
-    SAMPLE (ChannelListID, "<ChannelListID><Channel>L</Channel><ListID>a b</ListID></ChannelListID>"),
-    SAMPLE (ChaseElement, "<ChaseElement><ContentID /></ChaseElement>"),
-    SAMPLE (ChaseElementChange, "<ChaseElementChange />"),
-    SAMPLE (ChasePlaybackIndex, "<ChasePlaybackIndex />"),
-    SAMPLE (ClipAttrChange, "<ClipAttrChange />"),
+    SAMPLE (AlertName, "a b"),
+    SAMPLE (AlertNameDescription, "a b"),
+    SAMPLE (AlertValueDescription, "a b"),
+    SAMPLE (ChaseFromID, "a b"),
+    SAMPLE (ChaseID, "a b"),
+    SAMPLE (ChaseToID, "a b"),
+    SAMPLE (ClipFileType, "a b"),
+    SAMPLE (ClipID, "a b"),
+    SAMPLE (ClipUUID, "a b"),
+    SAMPLE (CompressionASymbol, "a b"),
+    SAMPLE (CompressionKSymbol, "a b"),
+    SAMPLE (CompressionVSymbol, "a b"),
+    SAMPLE (ComputerName, "a b"),
+    SAMPLE (ConfigurationItemBootValue, "a b"),
+    SAMPLE (ConfigurationItemEffectiveValue, "a b"),
+    SAMPLE (ConfigurationItemName, "a b"),
+    SAMPLE (ConfigurationItemSavedValue, "a b"),
+    SAMPLE (ConfigurationItemValue, "a b"),
+    SAMPLE (Creator, "a b"),
+    SAMPLE (DebugString, "a b"),
+    SAMPLE (DirectoryName, "a b"),
+    SAMPLE (ErrorMessage, "a b"),
+    SAMPLE (Filename, "a b"),
+    SAMPLE (FromDir, "a b"),
+    SAMPLE (FromID, "a b"),
+    SAMPLE (ID8, "a b"),
+    SAMPLE (Key, "a b"),
+    SAMPLE (ListFromID, "a b"),
+    SAMPLE (ListID, "a b"),
+    SAMPLE (ListToID, "a b"),
+    SAMPLE (LogClient, "a b"),
+    SAMPLE (LogFilename, "a b"),
+    SAMPLE (LogText, "a b"),
+    SAMPLE (MeltLabel, "a b"),
+    SAMPLE (MetadataDatabase, "a b"),
+    SAMPLE (MetadataPrefix, "a b"),
+    SAMPLE (ParentClipID, "a b"),
+    SAMPLE (ParentUUID, "a b"),
+    SAMPLE (Project, "a b"),
+    SAMPLE (SVNPath, "a b"),
+    SAMPLE (SVNVersion, "a b"),
+    SAMPLE (StealClient, "a b"),
+    SAMPLE (Title, "a b"),
+    SAMPLE (ToDir, "a b"),
+    SAMPLE (ToID, "a b"),
+    SAMPLE (VClipID, "a b"),
+    SAMPLE (Value, "a b"),
+    SAMPLE (VolatileFileInfo, "a b"),
+    SAMPLE (xid, "a b"),
+    SAMPLE (Angle, "200"),
+    SAMPLE (AngleCount, "200"),
+    SAMPLE (AudioTrackCount, "200"),
+    SAMPLE (ChaseIndex, "65535"),
+    SAMPLE (ListIndex, "65535"),
+    SAMPLE (SonyEditMask, "65535"),
+    SAMPLE (ClipLength, "4294967295"),
+    SAMPLE (ClipLengthUntrimmed, "4294967295"),
+    SAMPLE (ClipPosition, "4294967295"),
+    SAMPLE (ClipStartOffset, "4294967295"),
+    SAMPLE (CompressionBitrate, "4294967295"),
+    SAMPLE (CompressionCSize, "4294967295"),
+    SAMPLE (CompressionKSize, "4294967295"),
+    SAMPLE (CompressionYSize, "4294967295"),
+    SAMPLE (FieldSize, "4294967295"),
+    SAMPLE (GotoPosition, "4294967295"),
+    SAMPLE (ISOCount, "4294967295"),
+    SAMPLE (LogLine, "4294967295"),
+    SAMPLE (LoopIn, "4294967295"),
+    SAMPLE (LoopOut, "4294967295"),
+    SAMPLE (MeltClientID, "4294967295"),
+    SAMPLE (MeltElementID, "4294967295"),
+    SAMPLE (MeltInPoint, "4294967295"),
+    SAMPLE (MeltListID, "4294967295"),
+    SAMPLE (MeltOutPoint, "4294967295"),
+    SAMPLE (PrecueCount, "4294967295"),
+    SAMPLE (SSMSpeed, "4294967295"),
+    SAMPLE (TcStartTrigger, "4294967295"),
+    SAMPLE (Temperature10, "4294967295"),
+    SAMPLE (TimeDelay, "4294967295"),
+    SAMPLE (TransitionDuration, "4294967295"),
+    SAMPLE (TrimEnd, "4294967295"),
+    SAMPLE (TrimStart, "4294967295"),
+    SAMPLE (VClipPosition, "4294967295"),
+    SAMPLE (AvailableDiskSpace, "18446744073709551615"),
+    SAMPLE (ContentEditStamp, "18446744073709551615"),
+    SAMPLE (LoadedStamp, "18446744073709551615"),
+    SAMPLE (MetaEditStamp, "18446744073709551615"),
+    SAMPLE (PlayedStamp, "18446744073709551615"),
+    SAMPLE (TotalDiskSpace, "18446744073709551615"),
+    SAMPLE (UnloadedStamp, "18446744073709551615"),
+    SAMPLE (FieldNumber, "-2147483648"),
+    SAMPLE (JogDistance, "-2147483648"),
+    SAMPLE (VClipDistance, "-2147483648"),
+    SAMPLE (NaturalSpeed, "-0.5X"),
+    SAMPLE (Speed, "-0.5X"),
+    SAMPLE (AutoEE, "true"),
+    SAMPLE (CompressionAFrameBased, "true"),
+    SAMPLE (CompressionKFrameBased, "true"),
+    SAMPLE (CompressionVFrameBased, "true"),
+    SAMPLE (Exists, "true"),
+    SAMPLE (ReadOnly, "true"),
+    SAMPLE (ReadOnlyContent, "true"),
+    SAMPLE (ReadOnlyMeta, "true"),
+    SAMPLE (StealSwapped, "true"),
+    SAMPLE (TransitionInProgress, "true"),
+    SAMPLE (Valid, "true"),
+    SAMPLE (AlertingLevel, "error"),
+    SAMPLE (AlertingPriority, "malfunction"),
+    SAMPLE (Channel, "L"),
+    SAMPLE (ChannelReportType, "aux_audio_timecode"),
+    SAMPLE (ChannelStatus, "timedelay"),
+    SAMPLE (ChaseElementAtEnd, "loop"),
+    SAMPLE (ClipScope, "vclip"),
+    SAMPLE (CompressionType, "xavc"),
+    SAMPLE (ConfigurationItemAccess, "eng"),
+    SAMPLE (DropFrameFlag, "ndf"),
+    SAMPLE (ErrorCode, "configvalue_invalid"),
+    SAMPLE (FollowSpeed, "follow"),
+    SAMPLE (Interp, "off"),
+    SAMPLE (Layer, "bed"),
+    SAMPLE (ListElementAtEnd, "loop"),
+    SAMPLE (ListElementAtStart, "pause"),
+    SAMPLE (ListPlayMode, "pgm_pvw"),
+    SAMPLE (Loop, "record"),
+    SAMPLE (ModifiedFlag, "modified"),
+    SAMPLE (PlayOrRecord, "record"),
+    SAMPLE (Playback, "f12"),
+    SAMPLE (PrecueCondition, "end_of_clip2"),
+    SAMPLE (ReferenceSource, "freerun"),
+    SAMPLE (ReportType, "ltc_input"),
+    SAMPLE (Roll, "roll"),
+    SAMPLE (SpecialClipType, "ssm3"),
+    SAMPLE (StealStatus, "export"),
+    SAMPLE (TimecodeSource, "rec0_stripe"),
+    SAMPLE (TrackType, "timecode"),
+    SAMPLE (TransitionType, "dissolve"),
+    SAMPLE (VideoRate, "23_98"),
+    SAMPLE (VideoResolution, "525i"),
+    SAMPLE (VideoStandard, "525_59_94i"),
+    SAMPLE (ProgramChannel, "L"),
+    SAMPLE (PreviewChannel, "L"),
+    SAMPLE (Alert, "<AlertingPriority>malfunction</AlertingPriority><AlertingLevel>error</AlertingLevel>"
+                   "<AlertName>a b</AlertName><AlertNameDescription>a b</AlertNameDescription>"
+                   "<AlertValueDescription>a b</AlertValueDescription>"),
+    SAMPLE (ChannelInformation, "<ClipID>a b</ClipID>"),
+    SAMPLE (ChannelListID, "<Channel>L</Channel><ListID>a b</ListID>"),
+    SAMPLE (ChaseElement, "<ContentID />"),
+    SAMPLE (ChaseElementChange, ""),
+    SAMPLE (ChasePlaybackIndex, ""),
+    SAMPLE (ClipAttrChange, ""),
     SAMPLE (ClipInfo,
-            "<ClipInfo><ClipID>a b</ClipID><VideoStandard>525_59_94i</VideoStandard><TrackInfoVector>"
-            "<TrackInfo><TrackType>timecode</TrackType></TrackInfo><TrackInfo><TrackType>video</TrackType>"
-            "</TrackInfo></TrackInfoVector><Title>a b</Title><Creator>a b</Creator><Project>a b</Project>"
-            "<Playback>f12</Playback><Interp>off</Interp><Loop>record</Loop><LoopOut>4294967295</LoopOut>"
-            "<LoopIn>4294967295</LoopIn><ClipLength>4294967295</ClipLength>"
-            "<TimecodeSource>rec0_stripe</TimecodeSource><StripeTimecode><Valid>true</Valid>"
-            "</StripeTimecode><ReadOnly>true</ReadOnly></ClipInfo>"),
+            "<ClipID>a b</ClipID><VideoStandard>525_59_94i</VideoStandard><TrackInfoVector>"
+            "<TrackInfo><TrackType>timecode</TrackType></TrackInfo><TrackInfo>"
+            "<TrackType>video</TrackType></TrackInfo></TrackInfoVector><Title>a b</Title>"
+            "<Creator>a b</Creator><Project>a b</Project><Playback>f12</Playback><Interp>off</Interp>"
+            "<Loop>record</Loop><LoopOut>4294967295</LoopOut><LoopIn>4294967295</LoopIn>"
+            "<ClipLength>4294967295</ClipLength><TimecodeSource>rec0_stripe</TimecodeSource>"
+            "<StripeTimecode><Valid>true</Valid></StripeTimecode><ReadOnly>true</ReadOnly>"),
     SAMPLE (CompressionInfo,
-            "<CompressionInfo><CompressionYSize>4294967295</CompressionYSize>"
-            "<CompressionCSize>4294967295</CompressionCSize><CompressionKSize>4294967295</CompressionKSize>"
-            "<AudioTrackCount>200</AudioTrackCount><CompressionVSymbol>a b</CompressionVSymbol>"
-            "<CompressionKSymbol>a b</CompressionKSymbol><CompressionASymbol>a b</CompressionASymbol>"
-            "</CompressionInfo>"),
-    SAMPLE (ConfigurationItem,
-            "<ConfigurationItem><ConfigurationItemName>a b</ConfigurationItemName>"
-            "<ConfigurationItemAccess>eng</ConfigurationItemAccess>"
-            "<ConfigurationItemEffectiveValue>a b</ConfigurationItemEffectiveValue>"
-            "<ConfigurationItemBootValue>a b</ConfigurationItemBootValue>"
-            "<ConfigurationItemSavedValue>a b</ConfigurationItemSavedValue><ConfigurationItemAllowedValues>"
-            "<ConfigurationItemValue>a b</ConfigurationItemValue>"
-            "<ConfigurationItemValue>a b</ConfigurationItemValue></ConfigurationItemAllowedValues>"
-            "</ConfigurationItem>"),
-    SAMPLE (ContentID, "<ContentID />"),
-    SAMPLE (DiskSpaceChange,
-            "<DiskSpaceChange><TotalDiskSpace>18446744073709551615</TotalDiskSpace>"
-            "<AvailableDiskSpace>18446744073709551615</AvailableDiskSpace></DiskSpaceChange>"),
-    SAMPLE (EEStatus, "<EEStatus><SonyEditMask>65535</SonyEditMask><AutoEE>true</AutoEE></EEStatus>"),
-    SAMPLE (ListElement, "<ListElement><ContentID /></ListElement>"),
-    SAMPLE (ListElementChange, "<ListElementChange />"),
-    SAMPLE (ListPlaybackIndex, "<ListPlaybackIndex />"),
-    SAMPLE (MeltFlags, "<MeltFlags><MeltClientID>4294967295</MeltClientID></MeltFlags>"),
-    SAMPLE (MeltItem,
-            "<MeltItem><MeltClientID>4294967295</MeltClientID><MeltListID>4294967295</MeltListID>"
-            "<MeltElementID>4294967295</MeltElementID><ClipID>a b</ClipID>"
-            "<MeltInPoint>4294967295</MeltInPoint><MeltOutPoint>4294967295</MeltOutPoint></MeltItem>"),
-    SAMPLE (Metadata, "<Metadata><Key>a b</Key><Value>a b</Value></Metadata>"),
-    SAMPLE (SmallTimecode, "<SmallTimecode />"),
-    SAMPLE (Timecode, "<Timecode><Valid>true</Valid></Timecode>"),
-    SAMPLE (TrackAttr, "<TrackAttr />"),
-    SAMPLE (TrackInfo, "<TrackInfo><TrackType>timecode</TrackType></TrackInfo>"),
-    SAMPLE (Transition, "<Transition><TransitionType>dissolve</TransitionType></Transition>"),
-    SAMPLE (DisplayTimecode, "<DisplayTimecode><Valid>true</Valid></DisplayTimecode>"),
-    SAMPLE (InputTimecode, "<InputTimecode><Valid>true</Valid></InputTimecode>"),
-    SAMPLE (StripeTimecode, "<StripeTimecode><Valid>true</Valid></StripeTimecode>"),
-    SAMPLE (Frame0Timecode, "<Frame0Timecode />"),
-    SAMPLE (ChannelReportSet, "<ChannelReportSet><ChannelReportType>aux_audio_timecode</ChannelReportType>"
-                              "<ChannelReportType>status</ChannelReportType></ChannelReportSet>"),
-    SAMPLE (ChannelSet, "<ChannelSet><Channel>L</Channel><Channel>A</Channel></ChannelSet>"),
-    SAMPLE (ConfigurationChange,
-            "<ConfigurationChange><ConfigurationItem><ConfigurationItemName>a b</ConfigurationItemName>"
-            "<ConfigurationItemAccess>eng</ConfigurationItemAccess>"
-            "<ConfigurationItemEffectiveValue>a b</ConfigurationItemEffectiveValue>"
-            "<ConfigurationItemBootValue>a b</ConfigurationItemBootValue>"
-            "<ConfigurationItemSavedValue>a b</ConfigurationItemSavedValue><ConfigurationItemAllowedValues>"
-            "<ConfigurationItemValue>a b</ConfigurationItemValue>"
-            "<ConfigurationItemValue>a b</ConfigurationItemValue></ConfigurationItemAllowedValues>"
-            "</ConfigurationItem><ConfigurationItem><ConfigurationItemName>a b</ConfigurationItemName>"
-            "<ConfigurationItemAccess>user</ConfigurationItemAccess>"
-            "<ConfigurationItemEffectiveValue>a b</ConfigurationItemEffectiveValue>"
-            "<ConfigurationItemBootValue>a b</ConfigurationItemBootValue>"
-            "<ConfigurationItemSavedValue>a b</ConfigurationItemSavedValue><ConfigurationItemAllowedValues>"
-            "<ConfigurationItemValue>a b</ConfigurationItemValue></ConfigurationItemAllowedValues>"
-            "</ConfigurationItem></ConfigurationChange>"),
-    SAMPLE (ConfigurationItemAllowedValues,
-            "<ConfigurationItemAllowedValues><ConfigurationItemValue>a b</ConfigurationItemValue>"
-            "<ConfigurationItemValue>a b</ConfigurationItemValue></ConfigurationItemAllowedValues>"),
-    SAMPLE (KeyList, "<KeyList><Key>a b</Key><Key>a b</Key></KeyList>"),
-    SAMPLE (MetadataList,
-            "<MetadataList><Metadata><Key>a b</Key><Value>a b</Value></Metadata><Metadata><Key>a b</Key>"
-            "<Value>a b</Value></Metadata></MetadataList>"),
-    SAMPLE (ReportSet,
-            "<ReportSet><ReportType>ltc_input</ReportType><ReportType>clip_change</ReportType></ReportSet>"),
-    SAMPLE (TrackAttrVector, "<TrackAttrVector><TrackAttr /><TrackAttr /></TrackAttrVector>"),
-    SAMPLE (TrackInfoVector,
-            "<TrackInfoVector><TrackInfo><TrackType>timecode</TrackType></TrackInfo><TrackInfo>"
-            "<TrackType>video</TrackType></TrackInfo></TrackInfoVector>"),
-    SAMPLE (TrackSet, "<TrackSet><TrackType>timecode</TrackType><TrackType>video</TrackType></TrackSet>"),
+            "<CompressionYSize>4294967295</CompressionYSize>"
+            "<CompressionCSize>4294967295</CompressionCSize>"
+            "<CompressionKSize>4294967295</CompressionKSize><AudioTrackCount>200</AudioTrackCount>"
+            "<CompressionVSymbol>a b</CompressionVSymbol><CompressionKSymbol>a b</CompressionKSymbol>"
+            "<CompressionASymbol>a b</CompressionASymbol>"),
+    SAMPLE (ConfigurationItem, configuration_item ("eng", two_values)),
+    SAMPLE (ContentID, ""),
+    SAMPLE (DiskSpaceChange, "<TotalDiskSpace>18446744073709551615</TotalDiskSpace>"
+                             "<AvailableDiskSpace>18446744073709551615</AvailableDiskSpace>"),
+    SAMPLE (EEStatus, "<SonyEditMask>65535</SonyEditMask><AutoEE>true</AutoEE>"),
+    SAMPLE (ListElement, "<ContentID />"),
+    SAMPLE (ListElementChange, ""),
+    SAMPLE (ListPlaybackIndex, ""),
+    SAMPLE (MeltFlags, "<MeltClientID>4294967295</MeltClientID>"),
+    SAMPLE (MeltItem, "<MeltClientID>4294967295</MeltClientID><MeltListID>4294967295</MeltListID>"
+                      "<MeltElementID>4294967295</MeltElementID><ClipID>a b</ClipID>"
+                      "<MeltInPoint>4294967295</MeltInPoint><MeltOutPoint>4294967295</MeltOutPoint>"),
+    SAMPLE (Metadata, "<Key>a b</Key><Value>a b</Value>"),
+    SAMPLE (SmallTimecode, ""),
+    SAMPLE (Timecode, "<Valid>true</Valid>"),
+    SAMPLE (TrackAttr, ""),
+    SAMPLE (TrackInfo, "<TrackType>timecode</TrackType>"),
+    SAMPLE (Transition, "<TransitionType>dissolve</TransitionType>"),
+    SAMPLE (DisplayTimecode, "<Valid>true</Valid>"),
+    SAMPLE (InputTimecode, "<Valid>true</Valid>"),
+    SAMPLE (StripeTimecode, "<Valid>true</Valid>"),
+    SAMPLE (Frame0Timecode, ""),
+    SAMPLE (ChannelReportSet, "<ChannelReportType>aux_audio_timecode</ChannelReportType>"
+                              "<ChannelReportType>status</ChannelReportType>"),
+    SAMPLE (ChannelSet, "<Channel>L</Channel><Channel>A</Channel>"),
+    SAMPLE (ConfigurationChange, element ("ConfigurationItem", configuration_item ("eng", two_values)) +
+                                     element ("ConfigurationItem", configuration_item ("user", one_value))),
+    SAMPLE (ConfigurationItemAllowedValues, two_values),
+    SAMPLE (KeyList, "<Key>a b</Key><Key>a b</Key>"),
+    SAMPLE (MetadataList, "<Metadata><Key>a b</Key><Value>a b</Value></Metadata><Metadata><Key>a b</Key>"
+                          "<Value>a b</Value></Metadata>"),
+    SAMPLE (ReportSet, "<ReportType>ltc_input</ReportType><ReportType>clip_change</ReportType>"),
+    SAMPLE (TrackAttrVector, "<TrackAttr /><TrackAttr />"),
+    SAMPLE (TrackInfoVector, "<TrackInfo><TrackType>timecode</TrackType></TrackInfo><TrackInfo>"
+                             "<TrackType>video</TrackType></TrackInfo>"),
+    SAMPLE (TrackSet, "<TrackType>timecode</TrackType><TrackType>video</TrackType>"),
 };
 #undef SAMPLE
 
@@ -335,9 +316,9 @@ TEST (Tags, AreThereForInitialisersOfOtherFiles) {
 TEST (Tags, EachIsReadAndWrittenAgain) {
   for (const Sample &sample : samples) {
     AString err ("untouched");
-    EXPECT_EQ (written (sample.again (parsed (sample.text), &err)), sample.text);
+    EXPECT_EQ (written (sample.read_and_write (parsed (sample.text), &err)), sample.text);
     const std::string within = std::string ("<parent><x>1</x>") + sample.text + "</parent>";
-    EXPECT_EQ (written (sample.again (parsed (within), &err)), sample.text);
+    EXPECT_EQ (written (sample.read_and_write (parsed (within), &err)), sample.text);
     EXPECT_EQ (err.to_std_string (), "untouched");
     EXPECT_TRUE (sample.has (parsed (within))) << sample.name;
   }
@@ -347,11 +328,12 @@ TEST (Tags, EachIsMissedAndFoundDoubled) {
   for (const Sample &sample : samples) {
     const std::string name (sample.name), text (sample.text);
     AString err;
-    EXPECT_TRUE (sample.again (parsed ("<parent />"), &err).is_null ()) << name;
+    EXPECT_TRUE (sample.read_and_write (parsed ("<parent />"), &err).is_null ()) << name;
     EXPECT_EQ (err.to_std_string (), "Tag '" + name + "' not found within 'parent'");
-    EXPECT_TRUE (sample.again (parsed ("<parent>" + text + "<x />" + text + "</parent>"), &err).is_null ());
+    EXPECT_TRUE (
+        sample.read_and_write (parsed ("<parent>" + text + "<x />" + text + "</parent>"), &err).is_null ());
     EXPECT_EQ (err.to_std_string (), "More than one tag '" + name + "' found within 'parent'");
-    EXPECT_TRUE (sample.again (parsed ("<parent />"), nullptr).is_null ()) << name;
+    EXPECT_TRUE (sample.read_and_write (parsed ("<parent />"), nullptr).is_null ()) << name;
     EXPECT_FALSE (sample.has (parsed ("<parent><x>" + text + "</x></parent>"))) << name;
     EXPECT_FALSE (sample.has (parsed (text))) << name;
   }
