@@ -1,7 +1,6 @@
 // A system that has no thread to give. A program of its own, because it replaces pthread_create.
 
-#include "api/conn_object.h"
-#include "api/kv_store.h"
+#include "api/stores/kv_store.h"
 #include "engine/test_client.h"
 #include "support/assert_counter.h"
 

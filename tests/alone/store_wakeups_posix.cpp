@@ -1,7 +1,6 @@
 // When a store wakes those who wait for changes. A program of its own, because it counts instead of waking.
 
-#include "api/conn_object.h"
-#include "api/kv_store.h"
+#include "api/stores/kv_store.h"
 
 #include <gtest/gtest.h>
 #include <pthread.h>
@@ -26,11 +25,11 @@ TEST (StoreWakeups, ComeWithAKeyThatDidNotWaitYet) {
   KVStore store (connection, u"CUES", u"", ORVA_STORE_READ);
   taken ();
   const auto set = [&] (const char *value) {
-    store.on_metadata_change ("", {{.Key = "k", .Value = value}});
+    store.on_change ("", {{.Key = "k", .Value = value}});
     return taken ();
   };
   const auto erase = [&] (const char *key) {
-    store.on_metadata_remove ("", {key});
+    store.on_remove ("", {key});
     return taken ();
   };
   EXPECT_EQ (set ("1"), 1u);
@@ -41,7 +40,7 @@ TEST (StoreWakeups, ComeWithAKeyThatDidNotWaitYet) {
   EXPECT_EQ (set ("2"), 0u);
   EXPECT_EQ (erase ("l"), 1u);
   EXPECT_EQ (erase (""), 0u);
-  store.on_metadata_change ("", {{.Key = "m", .Value = "1"}, {.Key = "n", .Value = "1"}});
+  store.on_change ("", {{.Key = "m", .Value = "1"}, {.Key = "n", .Value = "1"}});
   EXPECT_EQ (taken (), 1u) << "one for a report";
   store.close ();
 }

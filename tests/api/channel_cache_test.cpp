@@ -1,6 +1,6 @@
 // What reports leave in the state of channels, handed over as parsed messages.
 
-#include "api/conn_object.h"
+#include "api/connection/connection_registry.h"
 #include "xml/xml_parse.h"
 
 #include <gtest/gtest.h>
@@ -12,13 +12,6 @@
 namespace {
 
 using Pair = std::pair<uint32_t, uint32_t>;
-
-/// Opens the way to what only handlers reach.
-class Observed : public OrvaConnObject {
-public:
-  using OrvaConnObject::channel_cache;
-  using OrvaConnObject::notifier;
-};
 
 /// A connection object without a server, and a look into it.
 class ChannelCacheTest : public testing::Test {
@@ -43,9 +36,7 @@ protected:
                                   "</ListPlaybackIndex>");
   }
 
-  ChannelCache &cache (uint32_t channel = 1) {
-    return (connection_.get ()->*&Observed::channel_cache) (channel);
-  }
+  ChannelCache &cache (uint32_t channel = 1) { return connection_->channels[channel]; }
   ListPlayState &list () { return cache ().listplay.value; }
 
   /// The clips of the list, "-" for a place without an element.
@@ -66,7 +57,7 @@ protected:
   std::vector<Pair> notices () {
     std::vector<Pair> all;
     for (Pair pair (1, 0); pair.first != 0;) {
-      (connection_.get ()->*&Observed::notifier) ().take (0, &pair.first, &pair.second);
+      connection_->channels.notices ().take (0, &pair.first, &pair.second);
       if (pair.first != 0)
         all.push_back (pair);
     }
@@ -78,8 +69,8 @@ protected:
 
 TEST_F (ChannelCacheTest, StartsEmpty) {
   cache ().each_item ([] (auto &item) {
-    EXPECT_EQ (item.registered.load (), 0u);
-    EXPECT_EQ (item.valid.load (), 0u);
+    EXPECT_FALSE (item.registered);
+    EXPECT_FALSE (item.valid);
   });
   EXPECT_EQ (cache ().status.value, 0u);
   EXPECT_TRUE (cache ().clipid.value.is_empty ());
@@ -107,13 +98,13 @@ TEST_F (ChannelCacheTest, KeepsTheLastValueOfEachKind) {
   EXPECT_EQ (cache ().timecode.value.DisplayTimecode.FieldNumber.value_or (0), 7);
   EXPECT_FALSE (cache ().timecode.value.InputTimecode.Valid);
   EXPECT_EQ (cache ().info.value.ClipLength.value_or (0), 100u);
-  EXPECT_EQ (cache ().status.valid.load (), 1u);
-  EXPECT_EQ (cache ().clipid.valid.load (), 1u);
-  EXPECT_EQ (cache ().speed.valid.load (), 1u);
-  EXPECT_EQ (cache ().timecode.valid.load (), 1u);
-  EXPECT_EQ (cache ().info.valid.load (), 1u);
-  EXPECT_EQ (cache ().listplay.valid.load (), 0u);
-  EXPECT_EQ (cache (0).status.valid.load (), 0u);
+  EXPECT_TRUE (cache ().status.valid);
+  EXPECT_TRUE (cache ().clipid.valid);
+  EXPECT_TRUE (cache ().speed.valid);
+  EXPECT_TRUE (cache ().timecode.valid);
+  EXPECT_TRUE (cache ().info.valid);
+  EXPECT_FALSE (cache ().listplay.valid);
+  EXPECT_FALSE (cache (0).status.valid);
 }
 
 TEST_F (ChannelCacheTest, RaisesNoticesInOrder) {
@@ -163,8 +154,8 @@ TEST_F (ChannelCacheTest, ChannelsBeyondTheEighthAreIgnored) {
     list_report ("unloaded");
   }
   EXPECT_TRUE (notices ().empty ());
-  for (uint32_t channel = 0; channel != OrvaConnObject::channel_count; ++channel)
-    cache (channel).each_item ([] (auto &item) { EXPECT_EQ (item.valid.load (), 0u); });
+  for (uint32_t channel = 0; channel != ChannelStates::count; ++channel)
+    cache (channel).each_item ([] (auto &item) { EXPECT_FALSE (item.valid); });
 }
 
 // Each report of a list leaves its mark when its channel exists, so that the silence above means something.
@@ -183,10 +174,10 @@ TEST_F (ChannelCacheTest, EachReportOfAListIsHeard) {
       {"unloaded", ""},
   };
   for (const auto &[name, tags] : rows) {
-    cache ().info.valid.store (0);
+    cache ().info.valid.store (false);
     listplay (name, tags);
-    EXPECT_EQ (cache ().info.valid.load (), 1u) << name;
-    EXPECT_EQ (cache ().listplay.valid.load (), 0u) << name;
+    EXPECT_TRUE (cache ().info.valid) << name;
+    EXPECT_FALSE (cache ().listplay.valid) << name;
   }
   EXPECT_TRUE (notices ().empty ());
 }
@@ -196,8 +187,8 @@ TEST_F (ChannelCacheTest, UnusableReportsChangeNothing) {
   report ("<channel_status><Channel>Q</Channel><ChannelStatus>play</ChannelStatus></channel_status>");
   report ("<channel_speed><Channel>B</Channel></channel_speed>");
   EXPECT_TRUE (notices ().empty ());
-  EXPECT_EQ (cache ().status.valid.load (), 0u);
-  EXPECT_EQ (cache ().speed.valid.load (), 0u);
+  EXPECT_FALSE (cache ().status.valid);
+  EXPECT_FALSE (cache ().speed.valid);
 }
 
 // Their values are looked at all the same: what cannot be read is noted.
@@ -225,13 +216,13 @@ TEST_F (ChannelCacheTest, ReportsThatNobodyWantsAreReadAndDropped) {
     EXPECT_EQ (connection_->first_error_text ().to_std_string (), row.failure);
   }
   EXPECT_TRUE (notices ().empty ());
-  cache ().each_item ([] (auto &item) { EXPECT_EQ (item.valid.load (), 0u); });
+  cache ().each_item ([] (auto &item) { EXPECT_FALSE (item.valid); });
 }
 
 TEST_F (ChannelCacheTest, ListReportsMarkTheInformationValidAndRaiseNothing) {
   listplay ("list", "<ListID>EVENING</ListID><ListPlayMode>pgm_pvw</ListPlayMode>");
-  EXPECT_EQ (cache ().info.valid.load (), 1u);
-  EXPECT_EQ (cache ().listplay.valid.load (), 0u);
+  EXPECT_TRUE (cache ().info.valid);
+  EXPECT_FALSE (cache ().listplay.valid);
   EXPECT_TRUE (notices ().empty ());
   EXPECT_TRUE (list ().list_id.value == "EVENING");
   EXPECT_EQ (list ().mode.value_or (9), 1u);
@@ -339,22 +330,24 @@ TEST_F (ChannelCacheTest, UnloadedTakesAllButTheLoop) {
 
 // No report lets these queries succeed; what they would give then is in the mirror.
 TEST_F (ChannelCacheTest, PlaylistQueriesReadTheMirror) {
-  cache ().listplay.registered.store (1);
+  const uint32_t number = connections ().open (connection_);
+  cache ().listplay.registered.store (true);
   uint32_t loaded = 77;
   uint32_t count = 77;
-  EXPECT_EQ (OrvaConnObject::playlist_status (connection_, 1, &loaded), 0u);
-  EXPECT_EQ (OrvaConnObject::playlist_count (connection_, 1, &count), 0u);
+  EXPECT_EQ (orva_playlist_status (number, 1, &loaded), 0u);
+  EXPECT_EQ (orva_playlist_count (number, 1, &count), 0u);
   EXPECT_EQ (loaded, 0u);
   EXPECT_EQ (count, 0u);
   listplay ("list", "<ListID>EVENING</ListID><ListPlayMode>pgm_pvw</ListPlayMode>");
   item ("exists", 0, "a");
   item ("exists", 1, "b");
-  EXPECT_EQ (OrvaConnObject::playlist_status (connection_, 1, &loaded), 0u);
-  EXPECT_EQ (OrvaConnObject::playlist_count (connection_, 1, &count), 0u);
+  EXPECT_EQ (orva_playlist_status (number, 1, &loaded), 0u);
+  EXPECT_EQ (orva_playlist_count (number, 1, &count), 0u);
   EXPECT_EQ (loaded, 1u);
   EXPECT_EQ (count, 2u);
-  EXPECT_EQ (OrvaConnObject::playlist_status (connection_, 1, nullptr), 0u);
-  EXPECT_EQ (OrvaConnObject::playlist_count (connection_, 1, nullptr), 0u);
+  EXPECT_EQ (orva_playlist_status (number, 1, nullptr), 0u);
+  EXPECT_EQ (orva_playlist_count (number, 1, nullptr), 0u);
+  orva_close (number);
 }
 
 TEST_F (ChannelCacheTest, CountLeavesOutAnEmptyLastElement) {

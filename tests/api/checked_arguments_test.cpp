@@ -1,7 +1,5 @@
 // Arguments whose numbers are a fault of the caller: the reporter hears of it, and where it lets the process
 // live the command goes out with 0.
-#include "api/conn_object.h"
-
 #include "exports/snapshots.h"
 #include "support/assert_counter.h"
 #include "support/fake_server.h"
@@ -13,15 +11,13 @@ namespace {
 TEST (CheckedArguments, OfATakeAreReportedAndSentAsZero) {
   support::FakeServer server;
   server.answer_any ("<ok />");
-  const auto connection = ARef<OrvaConnObject>::create ();
-  connection->start (server.address ());
-  ASSERT_TRUE (support::wait_until ([&] { return connection->is_connected (); }));
+  const Session session (server);
   AssertCounter asserts;
-  EXPECT_EQ (OrvaConnObject::take1 (connection, 0, 2, 5), 0u);
+  EXPECT_EQ (orva_take1 (session, 0, 2, 5), 0u);
   EXPECT_EQ (asserts.take (), 1u);
-  EXPECT_EQ (OrvaConnObject::take2 (connection, 0, 1, 5, 4), 0u);
+  EXPECT_EQ (orva_take2 (session, 0, 1, 5, 4), 0u);
   EXPECT_EQ (asserts.take (), 1u);
-  EXPECT_EQ (OrvaConnObject::take2 (connection, 0, 0xFFFFFFFF, 5, 0xFFFFFFFF), 0u);
+  EXPECT_EQ (orva_take2 (session, 0, 0xFFFFFFFF, 5, 0xFFFFFFFF), 0u);
   EXPECT_EQ (asserts.take (), 2u);
 
   EXPECT_EQ (server.command (1).element (),
@@ -55,11 +51,9 @@ TEST (CheckedArguments, OfATimecodeSourceAreReportedAndSentAsZero) {
 TEST (CheckedArguments, ANullTextIsReportedAndSentEmpty) {
   support::FakeServer server;
   server.answer_any ("<ok />");
-  const auto connection = ARef<OrvaConnObject>::create ();
-  connection->start (server.address ());
-  ASSERT_TRUE (support::wait_until ([&] { return connection->is_connected (); }));
+  const Session session (server);
   AssertCounter asserts;
-  EXPECT_EQ (OrvaConnObject::cmd_loadclip1 (connection, 0, nullptr), 0u);
+  EXPECT_EQ (orva_cmd_loadclip1 (session, 0, nullptr), 0u);
   EXPECT_EQ (asserts.count (), 1u);
   EXPECT_EQ (server.command (1).element (),
              "\r\n<cue_clip>\r\n<Channel>A</Channel>\r\n<ClipID />\r\n</cue_clip>\r\n");

@@ -1,4 +1,4 @@
-#include "api/connection_registry.h"
+#include "api/exports/export_call.h"
 
 #include <gtest/gtest.h>
 
@@ -16,19 +16,19 @@ TEST (UniqueNumbers, FollowEachOther) {
 }
 
 TEST (UniqueNumbers, PassOverZero) {
-  atomic_unsigned counter (0xFFFFFFFE);
-  EXPECT_EQ (draw_number (counter), 0xFFFFFFFFu);
-  EXPECT_EQ (draw_number (counter), 1u);
+  std::atomic<uint32_t> counter (0xFFFFFFFE);
+  EXPECT_EQ (next_nonzero (counter), 0xFFFFFFFFu);
+  EXPECT_EQ (next_nonzero (counter), 1u);
 }
 
 TEST (UniqueNumbers, AreNeverDrawnTwice) {
-  atomic_unsigned counter (0xFFFFFFFF - 1000);
+  std::atomic<uint32_t> counter (0xFFFFFFFF - 1000);
   std::vector<uint32_t> drawn[4];
   std::vector<std::thread> threads;
   for (auto &of_thread : drawn)
     threads.emplace_back ([&counter, &of_thread] {
       for (int i = 0; i < 1000; ++i)
-        of_thread.push_back (draw_number (counter));
+        of_thread.push_back (next_nonzero (counter));
     });
   for (std::thread &thread : threads)
     thread.join ();
@@ -39,45 +39,68 @@ TEST (UniqueNumbers, AreNeverDrawnTwice) {
   EXPECT_EQ (all.count (0), 0u);
 }
 
-TEST (ConnectionRegistry, FindsWhatWasInsertedUntilItIsRemoved) {
+TEST (ConnectionRegistry, FindsWhatWasOpenedUntilItIsClosed) {
   ConnectionRegistry registry;
-  const auto object = ARef<OrvaConnObject>::create ();
-  const uint32_t number = registry.insert (object);
-  const uint32_t other = registry.insert (ARef<OrvaConnObject>::create ());
+  const auto object = Connection::create ();
+  const uint32_t number = registry.open (object);
+  const uint32_t other = registry.open (Connection::create ());
   EXPECT_NE (number, other);
-  EXPECT_TRUE (registry.lookup (number) == object);
-  EXPECT_FALSE (registry.lookup (other) == object);
+  EXPECT_TRUE (registry.find (number) == object);
+  EXPECT_FALSE (registry.find (other) == object);
 
-  registry.remove (number);
-  EXPECT_TRUE (registry.lookup (number).is_null ());
-  EXPECT_FALSE (registry.lookup (other).is_null ());
-  registry.remove (number);
+  registry.close_under_lock (number);
+  EXPECT_TRUE (registry.find (number).is_null ());
+  EXPECT_FALSE (registry.find (other).is_null ());
+  registry.close_under_lock (number);
   EXPECT_EQ (object.holder ()->refcount.load (), 1u) << "the registry holds no reference any more";
 }
 
-TEST (ConnectionRegistry, FindRecordsOnlyFailure) {
-  ConnectionRegistry registry;
-  const auto object = ARef<OrvaConnObject>::create ();
-  const uint32_t number = registry.insert (object);
+TEST (OnConnection, RecordsOnlyFailure) {
+  const auto object = Connection::create ();
+  const uint32_t number = connections ().open (object);
+  Connection found;
+  const auto keep = [&] (const Connection &self) {
+    found = self;
+    return ResultCode{ORVA_OK};
+  };
   result_error ("before");
-  ARef<OrvaConnObject> found;
-  EXPECT_EQ (registry.find (number, found), 0u);
+  EXPECT_EQ (on_connection (number, keep), 0u);
   EXPECT_TRUE (found == object);
   EXPECT_EQ (last_error_text (), "before");
-  EXPECT_EQ (registry.find (number + 1, found), 3u);
+  found = nullptr;
+  EXPECT_EQ (on_connection (number + 1, keep), 3u);
   EXPECT_TRUE (found.is_null ());
+  EXPECT_EQ (last_error_text (), "Invalid handle");
+  connections ().close_under_lock (number);
+}
+
+TEST (OnConnection, TurnsExceptionsIntoACode) {
+  const uint32_t number = connections ().open (Connection::create ());
+  EXPECT_EQ (on_connection (number, [] (const Connection &) -> ResultCode { throw 1; }), 2u);
+  EXPECT_EQ (last_error_text (), "Internal software error");
+  EXPECT_EQ (send_command (number, &API::stop, [] () -> command::stop { throw 1; }), 2u);
+  EXPECT_EQ (last_error_text (), "Internal software error");
+  connections ().close_under_lock (number);
+}
+
+TEST (SendCommand, ConvertsItsArgumentsOnlyForAConnectionThatIsOpen) {
+  const auto arguments = [] {
+    ADD_FAILURE ();
+    return command::stop{};
+  };
+  EXPECT_EQ (send_command (0, &API::stop, arguments), 3u);
   EXPECT_EQ (last_error_text (), "Invalid handle");
 }
 
-TEST (ConnectionRegistry, LookupRecordsNothing) {
+TEST (ConnectionRegistry, FindingRecordsNothing) {
   ConnectionRegistry registry;
   result_error ("before");
-  EXPECT_TRUE (registry.lookup (1).is_null ());
+  EXPECT_TRUE (registry.find (1).is_null ());
   EXPECT_EQ (last_error_text (), "before");
 }
 
 TEST (ConnectionRegistry, IsTheSameForTheWholeProcess) {
-  EXPECT_EQ (&ConnectionRegistry::instance (), &ConnectionRegistry::instance ());
+  EXPECT_EQ (&connections (), &connections ());
 }
 
 } // namespace

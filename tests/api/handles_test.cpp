@@ -1,7 +1,7 @@
 // What callers hold by number: lists and snapshots.
 
-#include "api/list_handles.h"
-#include "api/metadata_handles.h"
+#include "api/handles/list_handles.h"
+#include "api/handles/metadata_handles.h"
 
 #include "support/text_points.h"
 
@@ -45,7 +45,7 @@ void on_eight_threads (Body body) {
 TEST (HandleTable, PassesOverNumbersInUse) {
   static uint32_t drawn;
   drawn = 0;
-  const auto in_pairs = [] { return ++drawn / 2 + 7; };
+  const auto in_pairs = [] () noexcept { return ++drawn / 2 + 7; };
   HandleTable<int> table (in_pairs);
   EXPECT_EQ (table.open (1), 7u);
   EXPECT_EQ (table.open (2), 8u);
@@ -166,24 +166,24 @@ TEST (MetaDataHandles, KeepWhatTheyWereGivenUntilClosed) {
   const uint32_t handle = handles.open ({7, clip});
   const uint32_t other = handles.open ({8, {}});
   EXPECT_NE (handle, other);
-  MetaDataHandles::Item item;
-  EXPECT_EQ (handles.find (handle, item), 0u);
+  ClipSnapshot item;
+  EXPECT_EQ (handles.copy (handle, item), 0u);
   EXPECT_EQ (last_error_text (), "OK");
   EXPECT_EQ (item.connection, 7u);
   EXPECT_TRUE (item.record == clip);
   item.record.Title = "A copy";
   EXPECT_EQ (handles.change (handle, [] (QUILL3::ClipInfo &kept) { kept.ClipLength = 50; }), 0u);
-  EXPECT_EQ (handles.find (handle, item), 0u);
+  EXPECT_EQ (handles.copy (handle, item), 0u);
   EXPECT_EQ (item.record.Title, "The opener");
   EXPECT_EQ (item.record.ClipLength, 50u);
   handles.close (handle);
   handles.close (handle);
   item.connection = 77;
-  EXPECT_EQ (handles.find (handle, item), 3u);
+  EXPECT_EQ (handles.copy (handle, item), 3u);
   EXPECT_EQ (last_error_text (), "Invalid handle");
   EXPECT_EQ (item.connection, 77u);
   EXPECT_EQ (handles.change (handle, [] (QUILL3::ClipInfo &) { ADD_FAILURE (); }), 3u);
-  EXPECT_EQ (handles.find (other, item), 0u);
+  EXPECT_EQ (handles.copy (other, item), 0u);
 }
 
 TEST (MetaDataHandles, GiveRecordsOfOneMoment) {
@@ -198,8 +198,8 @@ TEST (MetaDataHandles, GiveRecordsOfOneMoment) {
         clip.LoopOut = number;
         clip.MetadataList = QUILL3::MetadataList{{clip.Title, clip.Title}};
       });
-      MetaDataHandles::Item item;
-      EXPECT_EQ (handles.find (handle, item), 0u);
+      ClipSnapshot item;
+      EXPECT_EQ (handles.copy (handle, item), 0u);
       EXPECT_EQ (item.record.LoopIn, item.record.LoopOut);
       EXPECT_EQ (item.record.Title, AString::from_uint32 (item.record.LoopIn));
       EXPECT_EQ (item.record.MetadataList.value.front ().Value, item.record.Title);

@@ -1,8 +1,7 @@
 // How a store folds what is reported, handed over as parsed messages to a connection without a server.
 
-#include "api/kv_store.h"
+#include "api/stores/kv_store.h"
 
-#include "api/conn_object.h"
 #include "support/assert_counter.h"
 #include "support/wait.h"
 #include "xml/xml_parse.h"
@@ -241,10 +240,10 @@ void do_to_both (unsigned event, KVStore &store, Model &model) {
   if (event == 6) {
     ASSERT_EQ (taken (store), model.take ());
   } else if (event >= 4) {
-    store.on_metadata_remove ("", {key_text});
+    store.on_remove ("", {key_text});
     model.erase (key);
   } else {
-    store.on_metadata_change ("", {{.Key = key_text, .Value = AString::from_latin1 (value)}});
+    store.on_change ("", {{.Key = key_text, .Value = AString::from_latin1 (value)}});
     model.set (key, value);
   }
 }
@@ -282,49 +281,52 @@ TEST_F (KVStoreTest, WhatIsPendingIsWaitedForUntilTheStoreHasEnded) {
 TEST_F (KVStoreTest, TheSameStoreTwiceIsAFault) {
   KVStore &store = open (u"");
   AssertCounter failures;
-  connection_->kv_watch (&store, u"CUES");
+  connection_->folders.add (&store, u"CUES");
   EXPECT_EQ (failures.take (), 1u);
   KVStore stranger (connection_, u"CUES", u"", ORVA_STORE_WRITE);
-  connection_->kv_unwatch (&stranger);
+  connection_->folders.remove (&stranger);
   EXPECT_EQ (failures.take (), 1u);
   stranger.close ();
 }
 
-TEST (KVScan, TheOutcomeOfTheLastToEndCounts) {
-  const auto scan = std::make_shared<KVScan> ();
+TEST (FolderScan, TheOutcomeOfTheLastToEndCounts) {
+  const auto scan = ARef<FolderScan>::create ();
   EXPECT_FALSE (scan->wait (0));
-  scan->begin ();
-  scan->begin ();
+  scan->begin (scan);
+  scan->begin (scan);
   scan->finish (false);
   EXPECT_FALSE (scan->wait (0));
   scan->finish (true);
   EXPECT_TRUE (scan->wait (0));
-  scan->begin ();
+  scan->begin (scan);
   EXPECT_FALSE (scan->wait (0));
   scan->finish (false);
   EXPECT_FALSE (scan->wait (0));
 }
 
-TEST (KVScan, LivesWhileADownloadIsUnderWay) {
-  auto scan = std::make_shared<KVScan> ();
-  const std::weak_ptr<KVScan> watch = scan;
-  KVScan *raw = scan.get ();
-  scan->begin ();
-  scan.reset ();
-  ASSERT_FALSE (watch.expired ());
-  raw->finish (true);
-  EXPECT_TRUE (watch.expired ());
-  scan = std::make_shared<KVScan> ();
-  const std::weak_ptr<KVScan> second = scan;
-  scan->begin ();
-  scan->let_go ();
-  scan.reset ();
-  EXPECT_TRUE (second.expired ());
+TEST (FolderScan, LivesWhileADownloadIsUnderWay) {
+  const auto scan = ARef<FolderScan>::create ();
+  scan->begin (scan);
+  EXPECT_EQ (scan.holder ()->refcount.load (), 2u);
+  scan->finish (true);
+  EXPECT_EQ (scan.holder ()->refcount.load (), 1u);
+  scan->begin (scan);
+  EXPECT_EQ (scan.holder ()->refcount.load (), 2u);
+  scan->abandon ();
+  EXPECT_EQ (scan.holder ()->refcount.load (), 1u);
 }
 
-TEST (KVScan, AnAnswerTooManyIsAFault) {
+TEST (FolderScan, MayBeDestroyedByTheEndOfItsDownload) {
+  auto scan = ARef<FolderScan>::create ();
+  scan->begin (scan);
+  FolderScan *const raw = scan.get ();
+  scan = nullptr;
+  raw->finish (true); // looks at its own members to the end
+}
+
+TEST (FolderScan, AnAnswerTooManyIsAFault) {
   AssertCounter failures;
-  std::make_shared<KVScan> ()->finish (true);
+  ARef<FolderScan>::create ()->finish (true);
   EXPECT_EQ (failures.count (), 1u);
 }
 

@@ -1,4 +1,4 @@
-#include "api/results.h"
+#include "api/basics/results.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "api/typehelp.h"
+#include "api/basics/typehelp.h"
 
 #include "support/assert_counter.h"
 

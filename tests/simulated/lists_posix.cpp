@@ -1,7 +1,7 @@
 // What a connection mirrors of the lists on channels, while another client changes them, and through deaths
 // of the server, after which the mirror of the last life is there still.
 
-#include "api/conn_object.h"
+#include "api/connection/conn_object.h"
 #include "engine/notes.h"
 #include "support/fake_server.h"
 #include "support/simulator_process.h"
@@ -44,18 +44,12 @@ struct Told {
 
 // --- What the library says
 
-/// Opens the way to what no export reads.
-class Observed : public OrvaConnObject {
-public:
-  using OrvaConnObject::channel_cache;
-};
-
 std::string text_of_position (const ListPlayState::Position &position) {
   return position.present ? std::to_string (position.value) : "-";
 }
 
 std::string list_in_library (OrvaConnObject &connection, uint32_t channel) {
-  ChannelCache &cache = (connection.*&Observed::channel_cache) (channel);
+  ChannelCache &cache = connection.channels[channel];
   const AMutexScope hold (cache.listplay.lock);
   const ListPlayState &state = cache.listplay.value;
   Told told;

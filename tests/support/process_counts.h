@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 
 namespace support {
@@ -8,5 +9,8 @@ namespace support {
 /// Windows.
 size_t open_descriptors ();
 size_t running_threads ();
+
+/// Processor time that the calling thread has used so far.
+std::chrono::nanoseconds thread_processor_time ();
 
 } // namespace support

@@ -1,6 +1,7 @@
 #include "support/process_counts.h"
 
 #include <dirent.h>
+#include <time.h>
 
 namespace {
 
@@ -22,4 +23,10 @@ size_t support::open_descriptors () {
 
 size_t support::running_threads () {
   return entries_of ("/proc/self/task");
+}
+
+std::chrono::nanoseconds support::thread_processor_time () {
+  timespec used;
+  clock_gettime (CLOCK_THREAD_CPUTIME_ID, &used);
+  return std::chrono::seconds (used.tv_sec) + std::chrono::nanoseconds (used.tv_nsec);
 }

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "base/amutex.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <new>
+
+/// The mutex of everything in `api/`: an `AMutex` that exists for certain. Held with `AMutexScope`.
+class KELVANE_CAPABILITY ("mutex") Mutex : public AMutex {
+public:
+  /// Throws std::bad_alloc when the system has no mutex to give.
+  Mutex () {
+    if (!is_valid ())
+      throw std::bad_alloc ();
+  }
+};
+
+/// Releases a held mutex for the length of a block, and takes it again at the end, also when something
+/// throws.
+class KELVANE_SCOPED_CAPABILITY MutexRelease {
+public:
+  explicit MutexRelease (Mutex &mutex) noexcept KELVANE_RELEASE (mutex) : mutex_ (mutex) { mutex_.unlock (); }
+  MutexRelease (const MutexRelease &) = delete;
+  MutexRelease &operator= (const MutexRelease &) = delete;
+  ~MutexRelease () KELVANE_RELEASE () KELVANE_NO_THREAD_SAFETY_ANALYSIS { mutex_.lock (); }
+
+private:
+  Mutex &mutex_;
+};
+
+/// Lets threads wait for something that is guarded by a mutex. The waiting thread holds the mutex once; it is
+/// released during the wait, and held again when @p condition is called and when the wait returns. Any thread
+/// may call any member.
+class Condition {
+public:
+  /// Waits without limit until @p condition returns true.
+  template <class Predicate>
+  void wait (Mutex &mutex, Predicate condition) KELVANE_REQUIRES (mutex) KELVANE_NO_THREAD_SAFETY_ANALYSIS {
+    changed_.wait (mutex, condition);
+  }
+
+  /// The same with a limit. @param milliseconds of the steady clock; all-ones is a long time, not for ever.
+  /// @return what @p condition returned last
+  template <class Predicate>
+  bool wait_for (Mutex &mutex, uint32_t milliseconds, Predicate condition)
+      KELVANE_REQUIRES (mutex) KELVANE_NO_THREAD_SAFETY_ANALYSIS {
+    return changed_.wait_for (mutex, std::chrono::milliseconds (milliseconds), condition);
+  }
+
+  /// Wakes all who wait, to look at their conditions.
+  void notify_all () noexcept { changed_.notify_all (); }
+
+private:
+  std::condition_variable_any changed_;
+};

@@ -1,0 +1,117 @@
+// Exports: lists of clips and directories, and what has changed among them.
+#include "api/basics/typehelp.h"
+#include "api/exports/export_call.h"
+#include "api/exports/list_names.h"
+
+using namespace typehelp;
+
+namespace {
+
+/// Asks for names, and makes a list handle of them.
+/// @param handle receives it; may be null: the names are asked for and dropped
+template <class Command>
+ResultCode open_list (uint32_t connection,
+                      AString (API::*wrapper) (const Command &, QUILL3::callback::ok,
+                                               AFunction<void (AString)>, QUILL3::callback::error),
+                      uint32_t *handle) noexcept {
+  return on_connection (connection, [&] (const Connection &self) {
+    AStringList names;
+    const auto add = [] (void *list, AString name) {
+      static_cast<AStringList *> (list)->append (std::move (name));
+    };
+    PendingCommand pending (self, true);
+    (self.get ()->*wrapper) ({}, pending.on_ok (), AFunction<void (AString)>::with_pointer (add, &names),
+                             pending.on_error ());
+    const ResultCode code = pending.outcome ();
+    if (code == ORVA_OK && handle != nullptr)
+      *handle = ListHandles::instance ().open (std::move (names));
+    return code;
+  });
+}
+
+ResultCode track (const Connection &self, TrackedNames &names) {
+  return ensure_registered (self, names.registered, &API::report_register, {.ReportType = names.report_type},
+                            [] { return ResultCode{ORVA_OK}; });
+}
+
+/// Has the server report changes of names.
+ResultCode track_changes (uint32_t connection, TrackedNames OrvaConnObject::*names) noexcept {
+  return on_connection (connection,
+                        [=] (const Connection &self) { return track (self, self.get ()->*names); });
+}
+
+/// The same, and takes a changed name for the caller.
+ResultCode take_change (uint32_t connection, TrackedNames OrvaConnObject::*names,
+                        AString (NameChanges::*take) (), OrvaStringBuffer name) noexcept {
+  return on_connection (connection, [=] (const Connection &self) {
+    TrackedNames &tracked = self.get ()->*names;
+    const ResultCode code = track (self, tracked);
+    if (code != ORVA_OK)
+      return code;
+    fill_string_buffer ((tracked.changes.*take) (), name);
+    return result_ok ();
+  });
+}
+
+} // namespace
+
+// --- Lists
+
+uint32_t orva_open_clip_list (uint32_t connection, uint32_t *handle) {
+  return open_list (connection, &API::download_clipids, handle);
+}
+
+uint32_t orva_get_clip_name (uint32_t handle, OrvaStringBuffer name) {
+  return take_list_name (handle, name);
+}
+
+void orva_close_clip_list (uint32_t handle) {
+  guarded_quietly ([=] { ListHandles::instance ().close (handle); });
+}
+
+uint32_t orva_open_directory_list (uint32_t connection, uint32_t *handle) {
+  return open_list (connection, &API::download_directory_names, handle);
+}
+
+uint32_t orva_get_directory_name (uint32_t handle, OrvaStringBuffer name) {
+  return take_list_name (handle, name);
+}
+
+void orva_close_directory_list (uint32_t handle) {
+  guarded_quietly ([=] { ListHandles::instance ().close (handle); });
+}
+
+uint32_t orva_create_directory (uint32_t connection, const orva_char *directory) {
+  return send_command (connection, &API::create_directory,
+                       [&] { return command::create_directory{.DirectoryName = text_argument (directory)}; });
+}
+
+// --- Changes
+
+uint32_t orva_track_clip_changes (uint32_t connection) {
+  return track_changes (connection, &OrvaConnObject::clips);
+}
+
+uint32_t orva_track_change_added_clip (uint32_t connection, OrvaStringBuffer clip) {
+  return take_change (connection, &OrvaConnObject::clips, &NameChanges::take_added, clip);
+}
+
+uint32_t orva_track_change_deleted_clip (uint32_t connection, OrvaStringBuffer clip) {
+  return take_change (connection, &OrvaConnObject::clips, &NameChanges::take_deleted, clip);
+}
+
+uint32_t orva_track_change_changed_clip (uint32_t connection, OrvaStringBuffer clip) {
+  return take_change (connection, &OrvaConnObject::clips, &NameChanges::take_changed, clip);
+}
+
+uint32_t orva_track_directory_changes (uint32_t connection) {
+  return track_changes (connection, &OrvaConnObject::directories);
+}
+
+uint32_t orva_track_change_added_directory (uint32_t connection, OrvaStringBuffer directory) {
+  return take_change (connection, &OrvaConnObject::directories, &NameChanges::take_added, directory);
+}
+
+uint32_t orva_track_change_deleted_directory (uint32_t connection, OrvaStringBuffer directory) {
+  return take_change (connection, &OrvaConnObject::directories, &NameChanges::take_deleted, directory);
+}

@@ -1,0 +1,112 @@
+#pragma once
+
+#include "api/connection/command_flow.h"
+
+#include <atomic>
+#include <cstdint>
+#include <list>
+#include <memory>
+#include <string>
+#include <thread>
+#include <unordered_map>
+#include <unordered_set>
+
+/// A client's view of the keys with one prefix in a metadata database of the server, which is called a folder
+/// here. What callers set and erase is kept as pending until the server has accepted it, one key at a time,
+/// by a thread of the store's own; what the server reports is folded into one undelivered change for each
+/// key. The server reports a store's own writes too, like those of anybody else.
+///
+/// Threads: any number may call any member but the constructor and `close`, which are called once, first and
+/// last. Reports are received on the connection's thread, under the lock of the connection's watches. The two
+/// locks of a store are never held together, and the pending lock not while a command is sent.
+class KVStore final : public FolderListener {
+public:
+  /// Subscribes a store that is readable, so that reports may come before the constructor has ended, and
+  /// starts the thread of one that is writable. Throws when there is no memory or no thread to be had, and
+  /// nothing is left behind then.
+  /// @param prefix of the keys, part of no key that callers see; may be empty
+  /// @param mode an OrvaStoreMode
+  KVStore (Connection connection, std::u16string folder, std::u16string prefix, uint32_t mode);
+  /// `close` has been called.
+  ~KVStore () = default;
+
+  ResultCode set (const std::u16string &key, std::u16string value);
+  ResultCode erase (const std::u16string &key);
+  /// Waits until the server has accepted all that is pending, what is added meanwhile included. After `close`
+  /// it returns OK at once, whatever was lost.
+  ResultCode flush (uint32_t timeout_ms);
+  /// Waits for a change and takes the one whose key changed first. @param type receives an OrvaStoreChange.
+  /// When the time is up, @p key and @p value are empty. Out of memory takes no change.
+  ResultCode get_change (uint32_t timeout_ms, uint32_t *type, std::u16string *key, std::u16string *value);
+  /// Waits until the folder has been downloaded.
+  ResultCode wait_scan (uint32_t timeout_ms);
+
+  /// Ends the store: no report reaches it from here on, and what is pending has two seconds to be sent. Then
+  /// the thread has ten more to end, and is waited for without limit. Callers rely on it: the thread has
+  /// ended for certain when this returns.
+  ///
+  /// Known limit: this waits for ever when a server has not answered the thread's command for twelve seconds,
+  /// because the last wait holds the pending lock, which the thread needs before it can end.
+  void close ();
+
+  /// What was set in or removed from the folder. Keys that do not begin with this store's prefix, or are
+  /// nothing but the prefix, are not the store's.
+  void on_change (const AString &report_prefix, const QUILL3::MetadataList &items) override;
+  void on_remove (const AString &report_prefix, const QUILL3::KeyList &keys) override;
+
+private:
+  friend struct BrokenTables; // a test, because no call can break them
+
+  struct Pending {
+    Mutex lock;
+    std::unique_ptr<std::thread>
+        worker;             ///< null when the store is not writable; for the start and the end only
+    Condition worker_wakes; ///< there is something to send, or the store is closing
+    std::unordered_map<std::u16string, std::u16string> set KELVANE_GUARDED_BY (lock); ///< by full key
+    std::unordered_set<std::u16string> erase KELVANE_GUARDED_BY (lock);               ///< full keys
+    /// Written under the lock. Counted, because the retry waits of other stores may look at it. Null after
+    /// the end.
+    std::shared_ptr<std::atomic<bool>> stop_requested = std::make_shared<std::atomic<bool>> (false);
+    Condition drained; ///< everything has been sent, or the worker has ended
+    bool worker_finished KELVANE_GUARDED_BY (lock) = false;
+
+    bool is_empty () const KELVANE_REQUIRES (lock) { return set.empty () && erase.empty (); }
+  };
+
+  bool is_readable () const;
+  bool is_writable () const;
+  void start_worker ();
+  void worker ();
+  bool send_next () noexcept KELVANE_REQUIRES (pending_.lock);
+  bool send_a_setting () KELVANE_REQUIRES (pending_.lock);
+  bool send_an_erasure () KELVANE_REQUIRES (pending_.lock);
+  template <class Command>
+  ResultCode send_unlocked (OkWrapper<Command> wrapper, const std::type_identity_t<Command> &command)
+      KELVANE_REQUIRES (pending_.lock);
+  void wait_before_retry () KELVANE_REQUIRES (pending_.lock);
+  bool wait_until_drained (uint32_t timeout_ms);
+
+  ResultCode take_change (uint32_t *type, std::u16string *key, std::u16string *value)
+      KELVANE_REQUIRES (changes_lock_);
+  /// The key as callers know it; false when it is not of this store.
+  bool short_key (const AString &report_prefix, const AString &key, std::u16string *result) const;
+  struct Announcement;
+  void note_setting (std::u16string key, std::u16string value) KELVANE_REQUIRES (changes_lock_);
+  void note_erasure (std::u16string key) KELVANE_REQUIRES (changes_lock_);
+
+  // Constant after construction.
+  const Connection connection_;
+  const std::u16string folder_;
+  const std::u16string prefix_;
+  const AString prefix_text_;
+  const uint32_t mode_;
+
+  Mutex changes_lock_;
+  Condition change_noted_;
+  // Each key of the order is in exactly one of the other two.
+  std::list<std::u16string> changes_order_ KELVANE_GUARDED_BY (changes_lock_); ///< oldest first
+  std::unordered_map<std::u16string, std::u16string> changes_set_ KELVANE_GUARDED_BY (changes_lock_);
+  std::unordered_set<std::u16string> changes_erase_ KELVANE_GUARDED_BY (changes_lock_);
+
+  Pending pending_;
+};
