@@ -105,14 +105,7 @@ void set_attribute (Clip &clip, const std::string &word) {
 }
 
 void add_clip (World &world, const std::vector<std::string> &words) {
-  Clip clip;
-  clip.id = words[1];
-  clip.standard = world.standard.name;
-  clip.tracks = {{0, {}}, {2, {}}};
-  for (std::size_t i = 2; i < words.size (); ++i)
-    set_attribute (clip, words[i]);
-  if (clip.loop_out == 0 && clip.untrimmed > 0)
-    clip.loop_out = clip.untrimmed - 1;
+  const Clip clip = clip_from (world, words[1], {words.begin () + 2, words.end ()});
   if (!world.clips.exists (clip.id))
     world.clips.add (clip);
 }
@@ -165,6 +158,18 @@ void generate (World &world) {
 }
 
 } // namespace
+
+Clip clip_from (const World &world, const std::string &id, const std::vector<std::string> &attributes) {
+  Clip clip;
+  clip.id = id;
+  clip.standard = world.standard.name;
+  clip.tracks = {{0, {}}, {2, {}}};
+  for (const std::string &attribute : attributes)
+    set_attribute (clip, attribute);
+  if (clip.loop_out == 0 && clip.untrimmed > 0)
+    clip.loop_out = clip.untrimmed - 1;
+  return clip;
+}
 
 void take_clips (World &world) {
   Transaction transaction (world.database);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace sim {
 
@@ -15,5 +16,9 @@ class World;
 /// loop_in=N loop_out=N stripe=FIELD read_only read_only_meta read_only_content meta.KEY=VALUE`. Empty lines
 /// and lines that start with `#` are passed over.
 void take_clips (World &world);
+
+/// A clip with attributes as in the file, such as `length=100`, which is not taken in.
+/// @throws std::runtime_error for a bad one
+struct Clip clip_from (const World &world, const std::string &id, const std::vector<std::string> &attributes);
 
 } // namespace sim

@@ -3,9 +3,7 @@
 #include "vocabulary.h"
 
 #include <algorithm>
-#include <chrono>
 #include <fmt/format.h>
-#include <random>
 
 namespace sim {
 
@@ -112,7 +110,8 @@ std::vector<Track> tracks_of (std::string_view text) {
 
 } // namespace
 
-Clips::Clips (Database &database) : database_ (database) {
+Clips::Clips (Database &database, const Clock &clock, Random &random)
+    : database_ (database), clock_ (clock), random_ (random) {
   database_.run (table_of_clips ());
   database_.run ("CREATE INDEX IF NOT EXISTS clips_of_directory ON clips (directory, id)");
   database_.run ("CREATE TABLE IF NOT EXISTS directories (name TEXT NOT NULL PRIMARY KEY) WITHOUT ROWID");
@@ -165,6 +164,12 @@ std::vector<std::string> Clips::names () const {
   return column (database_.query ("SELECT id FROM clips ORDER BY id"));
 }
 
+std::vector<std::string> Clips::names_behind (const std::string &name, std::uint64_t most) const {
+  constexpr std::uint64_t limit = 10'000;
+  return column (database_.query ("SELECT id FROM clips WHERE id > ? ORDER BY id LIMIT ?", name,
+                                  static_cast<std::int64_t> (std::min (most, limit))));
+}
+
 std::vector<std::string> Clips::names_in (const std::string &directory) const {
   return column (database_.query ("SELECT id FROM clips WHERE directory = ? ORDER BY id", directory));
 }
@@ -212,7 +217,7 @@ void Clips::add (Clip clip) {
 void Clips::take_in (Clip clip) {
   Transaction transaction (database_);
   if (clip.uuid.empty ())
-    clip.uuid = new_uuid ();
+    clip.uuid = new_uuid (random_);
   clip.meta_stamp = stamp ();
   clip.content_stamp = clip.meta_stamp;
   insert (clip);
@@ -271,16 +276,13 @@ void Clips::touch (const std::string &id, std::string_view column) {
 }
 
 std::int64_t Clips::stamp () {
-  using namespace std::chrono;
-  const std::int64_t now = duration_cast<milliseconds> (system_clock::now ().time_since_epoch ()).count ();
-  last_stamp_ = std::max (now, last_stamp_ + 1);
+  last_stamp_ = std::max (clock_.milliseconds (), last_stamp_ + 1);
   return last_stamp_;
 }
 
-std::string new_uuid () {
-  static std::mt19937_64 generator (std::random_device{}());
-  const std::uint64_t high = (generator () & ~0xF000ull) | 0x4000ull;
-  const std::uint64_t low = (generator () >> 2) | (1ull << 63);
+std::string new_uuid (Random &random) {
+  const std::uint64_t high = (random.number () & ~0xF000ull) | 0x4000ull;
+  const std::uint64_t low = (random.number () >> 2) | (1ull << 63);
   return fmt::format ("{:08x}-{:04x}-{:04x}-{:04x}-{:012x}", high >> 32, high >> 16 & 0xFFFF, high & 0xFFFF,
                       low >> 48, low & 0xFFFFFFFFFFFFull);
 }

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "clip.h"
+#include "clock.h"
 #include "database.h"
+#include "random.h"
 
 #include <cstdint>
 #include <string>
@@ -13,7 +15,7 @@ namespace sim {
 /// The clips and directories of the server. A clip named `dir/name` stands in the directory `dir`.
 class Clips {
 public:
-  explicit Clips (Database &database);
+  Clips (Database &database, const Clock &clock, Random &random);
 
   bool exists (const std::string &id) const;
   bool directory_exists (const std::string &name) const;
@@ -24,6 +26,8 @@ public:
 
   /// All names, or those that stand in a directory, in order.
   std::vector<std::string> names () const;
+  /// So many of them at most, those behind a name.
+  std::vector<std::string> names_behind (const std::string &name, std::uint64_t most) const;
   std::vector<std::string> names_in (const std::string &directory) const;
   std::vector<std::string> directories () const;
   std::vector<std::string> directories_in (const std::string &directory) const;
@@ -79,11 +83,13 @@ private:
   std::vector<std::string> column (Rows rows) const;
 
   Database &database_;
+  const Clock &clock_;
+  Random &random_;
   std::int64_t last_stamp_ = 0;
   std::int64_t fields_ = 0;
 };
 
 /// A new universally unique identifier, as text.
-std::string new_uuid ();
+std::string new_uuid (Random &random);
 
 } // namespace sim

@@ -8,6 +8,8 @@ namespace {
 
 // Kinds that have a present value; the others are told of when something happens.
 std::string present_value (const World &world, std::string_view kind) {
+  if (const auto set = world.present_reports.find (std::string (kind)); set != world.present_reports.end ())
+    return set->second;
   if (kind == "disk_space")
     return world.disk_space_body ();
   if (kind == "temperature")

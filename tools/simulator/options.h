@@ -13,10 +13,15 @@ struct Options {
   std::string standard = "1080_59_94i";
   std::string clips;                 ///< file of clips; empty: a few of its own
   std::string database;              ///< file to keep everything in; empty: in memory
+  std::string control;               ///< address and port to be steered from; empty: nowhere
+  std::string control_token;         ///< what requests to it must carry; empty: nothing
   std::string faults;                ///< file of faults that are set at the start
   std::uint32_t generate = 0;        ///< so many more clips
   std::uint32_t report_rate = 0;     ///< most positions in a second; 0: one each field
   std::uint32_t refuse_metadata = 0; ///< every so manyth change of metadata is refused; 0: none
+  std::optional<std::int64_t> start; ///< milliseconds since 1970 at the first field; absent: the present
+  double rate = 1;                   ///< so many times faster than the real time
+  bool paused = false;               ///< no time passes but by hand
   std::optional<std::uint64_t> seed; ///< of all that is random; absent: another one each time
   bool empty = false;                ///< nothing is loaded at the start
   bool verbose = false;              ///< log reports and raw documents too

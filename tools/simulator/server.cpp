@@ -1,5 +1,8 @@
 #include "server.h"
 
+#include "control/control.h"
+#include "control/mailbox.h"
+#include "control/steered.h"
 #include "faults/line.h"
 #include "log.h"
 #include "wire.h"
@@ -22,44 +25,19 @@ constexpr unsigned short port = 8913;
 constexpr std::size_t lagging_bytes = 1u << 20;
 constexpr std::size_t hopeless_bytes = 512u << 20;
 
-/// Counts the fields that have gone by since the start.
-class FieldClock {
-public:
-  explicit FieldClock (const Standard &standard) : standard_ (standard), start_ (Clock::now ()) {}
-
-  Clock::time_point next () const {
-    return start_ + std::chrono::nanoseconds (nanoseconds_of_fields (standard_, passed_ + 1));
-  }
-
-  /// The fields since the last call; after a long sleep of the machine not more than some seconds of them.
-  int take () {
-    const auto since =
-        std::chrono::duration_cast<std::chrono::microseconds> (Clock::now () - start_).count ();
-    const std::int64_t total = fields_in_microseconds (standard_, since);
-    const std::int64_t due = total - passed_;
-    passed_ = total;
-    return static_cast<int> (std::clamp<std::int64_t> (due, 0, 600));
-  }
-
-private:
-  const Standard standard_;
-  const Clock::time_point start_;
-  std::int64_t passed_ = 0;
-};
-
 // Fields that are due have gone by before anything else happens.
-void pass_due_fields (World &world, FieldClock &clock) {
-  if (const int fields = clock.take (); fields > 0)
+void pass_due_fields (World &world) {
+  if (const int fields = world.clock.take (); fields > 0)
     world.pass_fields (fields);
 }
 
 /// One connection. The server keeps it until it has ended, a read or a write under way until that is over.
 class Session : public Client, public Endpoint, public std::enable_shared_from_this<Session> {
 public:
-  Session (World &world, FieldClock &clock, asio::io_context &context, Faults &faults, tcp::socket socket,
+  Session (World &world, asio::io_context &context, Faults &faults, Witness &witness, tcp::socket socket,
            int client_number, std::function<void (int)> ended)
-      : Client (client_number), world_ (world), clock_ (clock), socket_ (std::move (socket)),
-        line_ (std::make_shared<Line> (context, faults, *this, client_number, peer_address ())),
+      : Client (client_number), world_ (world), socket_ (std::move (socket)),
+        line_ (std::make_shared<Line> (context, faults, witness, *this, client_number, peer_address ())),
         ended_ (std::move (ended)) {}
 
   void start () {
@@ -92,24 +70,26 @@ public:
 
   Line &line () { return *line_; }
 
-private:
-  // What the faults have let through.
+  std::size_t unsent () const { return waiting_.size () + line_->held (); }
+
+  /// Queues bytes behind what waits to be sent, past all faults.
   void put (std::string_view bytes) override {
     waiting_ += bytes;
     if (!writing_)
       write ();
   }
 
+  void reset () override {
+    asio::error_code ignored;
+    socket_.set_option (tcp::socket::linger (true, 0), ignored);
+    end_later ("is reset");
+  }
+
+private:
   void finish () override {
     finishing_ = true;
     if (!writing_)
       end_later ("is sent away by a fault");
-  }
-
-  void reset () override {
-    asio::error_code ignored;
-    socket_.set_option (tcp::socket::linger (true, 0), ignored);
-    end_later ("is reset by a fault");
   }
 
   void let_read (bool allowed) override {
@@ -119,8 +99,6 @@ private:
     if (allowed)
       asio::post (socket_.get_executor (), [self = shared_from_this ()] { self->go_on (); });
   }
-
-  std::size_t unsent () const { return waiting_.size () + line_->held (); }
 
   std::string peer_address () const {
     asio::error_code error;
@@ -153,7 +131,9 @@ private:
 
   // Carries out what has been read, then reads on.
   void go_on () {
-    pass_due_fields (world_, clock_);
+    if (!socket_.is_open ())
+      return;
+    pass_due_fields (world_);
     try {
       while (may_carry_out ())
         if (const auto document = framer_.next ())
@@ -208,7 +188,6 @@ private:
   }
 
   World &world_;
-  FieldClock &clock_;
   tcp::socket socket_;
   const std::shared_ptr<Line> line_; ///< what is sent passes through it
   const std::function<void (int)> ended_;
@@ -222,28 +201,78 @@ private:
   bool finishing_ = false; ///< nothing more is carried out
 };
 
-class Server {
+class Server : public Steered, public Witness {
 public:
-  explicit Server (World &world)
-      : world_ (world), signals_ (context_, SIGINT, SIGTERM), acceptor_ (context_), timer_ (context_),
-        clock_ (world.standard) {}
-
-  void run () {
+  Server (asio::io_context &context, const Options &options)
+      : context_ (context), options_ (options), world_ (std::make_unique<World> (options)),
+        acceptor_ (context), timer_ (context) {
     faults_.changed = [this] { refresh_faults (); };
-    if (!world_.options.faults.empty ())
-      for (Rule &rule : read_rules (world_.options.faults))
-        faults_.add (std::move (rule));
+    set_first_faults ();
     open ();
-    signals_.async_wait ([this] (const asio::error_code &, int) { context_.stop (); });
     await_field ();
-    say (fmt::format ("listening on {}:{}", world_.options.address, port));
-    context_.run ();
-    end_all ("is sent away: the server ends");
+  }
+
+  World &world () override { return *world_; }
+  Faults &faults () override { return faults_; }
+  Journal &journal () override { return journal_; }
+
+  std::vector<Connection> connections () override {
+    std::vector<Connection> connections;
+    each_session ([&] (Session &session) {
+      connections.push_back ({session.number, session.line ().address (), session.unsent (), &session});
+    });
+    return connections;
+  }
+
+  bool close_client (int number, bool reset) override {
+    return with_session (
+        number, [&] (Session &session) { reset ? session.reset () : session.end ("is sent away by hand"); });
+  }
+
+  bool send_bytes (int number, std::string_view bytes) override {
+    return with_session (number, [&] (Session &session) { session.put (bytes); });
+  }
+
+  void start_over () override {
+    end_all ("is sent away: the server starts over");
+    world_.reset (); // it may hold the file that the next one opens
+    world_ = std::make_unique<World> (options_);
+    journal_.clear ();
+    greeted_ = 0;
+    faults_.clear ();
+    set_first_faults ();
+    pace_changed ();
+  }
+
+  void pace_changed () override { await_field (); }
+
+  void end_all (std::string_view why) {
+    each_session ([=] (Session &session) { session.end (why); });
   }
 
 private:
+  void received (int client, std::string_view command, const std::vector<Rule> &struck) override {
+    if (options_.control.empty ())
+      return;
+    std::vector<std::string> names;
+    for (const Rule &rule : struck)
+      names.emplace_back (name_of (rule.fault));
+    journal_.add (client, world_->clock.milliseconds (), command, std::move (names));
+  }
+
+  void sent (int client, std::string_view message) override {
+    if (!options_.control.empty ())
+      journal_.answer (client, message);
+  }
+
+  void set_first_faults () {
+    if (!options_.faults.empty ())
+      for (Rule &rule : read_rules (options_.faults))
+        faults_.add (std::move (rule));
+  }
+
   void open () {
-    const tcp::endpoint endpoint (asio::ip::make_address_v4 (world_.options.address), port);
+    const tcp::endpoint endpoint (asio::ip::make_address_v4 (options_.address), port);
     acceptor_.open (endpoint.protocol ());
     acceptor_.set_option (tcp::acceptor::reuse_address (true));
     acceptor_.bind (endpoint);
@@ -262,7 +291,7 @@ private:
 
   void greet (tcp::socket socket) {
     const int number = ++greeted_;
-    const auto session = std::make_shared<Session> (world_, clock_, context_, faults_, std::move (socket),
+    const auto session = std::make_shared<Session> (*world_, context_, faults_, *this, std::move (socket),
                                                     number, [this] (int ended) { sessions_.erase (ended); });
     sessions_[number] = session;
     session->start ();
@@ -274,8 +303,13 @@ private:
       visit (*session);
   }
 
-  void end_all (std::string_view why) {
-    each_session ([=] (Session &session) { session.end (why); });
+  bool with_session (int number, const std::function<void (Session &)> &act) {
+    const auto found = sessions_.find (number);
+    if (found == sessions_.end ())
+      return false;
+    const std::shared_ptr<Session> session = found->second;
+    act (*session);
+    return true;
   }
 
   void refresh_faults () {
@@ -291,29 +325,47 @@ private:
   }
 
   void await_field () {
-    timer_.expires_at (clock_.next ());
-    timer_.async_wait ([this] (const asio::error_code &) {
-      pass_due_fields (world_, clock_);
+    timer_.cancel ();
+    const auto next = world_->clock.next ();
+    if (!next)
+      return;
+    timer_.expires_at (*next);
+    timer_.async_wait ([this] (const asio::error_code &error) {
+      if (error)
+        return;
+      pass_due_fields (*world_);
       await_field ();
     });
   }
 
-  World &world_;
-  asio::io_context context_{1};
-  asio::signal_set signals_;
+  asio::io_context &context_;
+  const Options options_;
+  std::unique_ptr<World> world_;
   tcp::acceptor acceptor_;
   asio::steady_timer timer_;
-  FieldClock clock_;
-  Random random_ = world_.options.seed ? Random (*world_.options.seed) : Random ();
-  Faults faults_{context_, random_};
+  Random chances_ = options_.seed ? Random (*options_.seed) : Random ();
+  Faults faults_{context_, chances_};
+  Journal journal_;
   std::map<int, std::shared_ptr<Session>> sessions_; ///< by number, until they end
   int greeted_ = 0;
 };
 
 } // namespace
 
-void serve (World &world) {
-  Server (world).run ();
+void serve (const Options &options) {
+  asio::io_context context (1);
+  asio::signal_set signals (context, SIGINT, SIGTERM);
+  signals.async_wait ([&] (const asio::error_code &, int) { context.stop (); });
+  Server server (context, options);
+  Mailbox mailbox (context);
+  const std::unique_ptr<Control> control =
+      options.control.empty ()
+          ? nullptr
+          : std::make_unique<Control> (mailbox, std::vector<Steered *>{&server}, options);
+  say (fmt::format ("listening on {}:{}", options.address, port));
+  context.run ();
+  mailbox.close ();
+  server.end_all ("is sent away: the server ends");
 }
 
 } // namespace sim

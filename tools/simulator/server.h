@@ -1,11 +1,11 @@
 #pragma once
 
-#include "world.h"
+#include "options.h"
 
 namespace sim {
 
-/// Listens on port 8913 of the world's address and serves it until a signal asks for the end.
-/// @throws std::exception when the address cannot be had.
-void serve (World &world);
+/// Listens on port 8913 of the address and serves a world of its own until a signal asks for the end.
+/// @throws std::exception when an address cannot be had or a file cannot be used.
+void serve (const Options &options);
 
 } // namespace sim

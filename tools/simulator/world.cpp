@@ -87,8 +87,11 @@ void report_position (World &world, Client &client, int channel) {
 } // namespace
 
 World::World (const Options &given)
-    : options (given), standard (find_standard (given.standard).value ()), database (given.database),
-      clips (database), lists (database), metadata (database), configuration (given) {
+    : options (given), standard (find_standard (given.standard).value ()), clock (standard, given.start),
+      random (given.seed ? Random (*given.seed) : Random ()), database (given.database),
+      clips (database, clock, random), lists (database), metadata (database), configuration (given) {
+  clock.set_rate (options.rate);
+  clock.pause (options.paused);
   take_clips (*this);
   constexpr std::uint64_t usual_space = 20'000'000'000'000;
   total_space_ = std::max (usual_space, 2 * field_size * static_cast<std::uint64_t> (clips.fields ()));
@@ -111,8 +114,7 @@ void World::join (Client &client) {
 void World::leave (Client &client) {
   clients_.erase (std::remove (clients_.begin (), clients_.end (), &client), clients_.end ());
   release (client);
-  flush_reports ();
-  report_decks ();
+  report_news ();
 }
 
 void World::release (const Client &client) {
@@ -188,8 +190,7 @@ void World::receive (Client &client, const std::string &document) {
   }
   if (!options.quiet)
     log_line (fmt::format ("#{} {} {}: {}", client.number, xid, line, outcome));
-  flush_reports ();
-  report_decks ();
+  report_news ();
 }
 
 void World::pass_fields (int count) {
@@ -201,8 +202,7 @@ void World::pass_fields (int count) {
       if (deck (channel).pass_field ())
         reach_end (*this, channel);
     }
-  flush_reports ();
-  report_decks ();
+  report_news ();
   report_positions ();
 }
 
@@ -274,6 +274,11 @@ void World::flush_reports () {
     for (Client *client : clients_)
       if (entry.wanted (*client))
         send_report (*client, entry.body);
+}
+
+void World::report_news () {
+  flush_reports ();
+  report_decks ();
 }
 
 void World::report_decks () {

@@ -3,12 +3,14 @@
 #include "channel_reports.h"
 #include "client.h"
 #include "clips.h"
+#include "clock.h"
 #include "configuration.h"
 #include "database.h"
 #include "deck.h"
 #include "lists.h"
 #include "metadata.h"
 #include "options.h"
+#include "random.h"
 #include "standard.h"
 #include "values.h"
 #include "vclips.h"
@@ -67,6 +69,8 @@ public:
   void report_clip (std::string_view body_name, const std::string &clip);
   void report_directory (std::string_view body_name, const std::string &directory);
   void report_disk_space ();
+  /// Sends what is pending, and what has changed on the channels.
+  void report_news ();
 
   /// From now on the client gets this kind of channel report, first of all the present values.
   void start_reports (Client &client, int channel, int kind);
@@ -76,6 +80,8 @@ public:
 
   const Options options;
   const Standard standard;
+  Clock clock;
+  Random random;
   Database database;
   Clips clips;
   VirtualClips vclips;
@@ -85,6 +91,7 @@ public:
   std::map<std::string, DictionaryEntry> dictionary;
   std::int64_t chase_field = -1; ///< the last chase timecode; negative: none yet
   std::uint32_t metadata_changes = 0;
+  std::map<std::string, std::string> present_reports; ///< by kind: bodies that were set from outside
 
 private:
   struct Report {

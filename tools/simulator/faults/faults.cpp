@@ -35,6 +35,8 @@ std::vector<Rule> Faults::rules () const {
 }
 
 std::vector<Rule> Faults::strike (const Glance &message, int client, const std::string &address) {
+  if (message.root.empty ())
+    return {};
   std::vector<Rule> striking;
   for (auto &[id, rule] : rules_)
     if (rule.concerns (message) && rule.client.matches (client, address) && takes_its_turn (rule))

@@ -47,12 +47,13 @@ bool makes_rule_stand (Fault fault) {
 } // namespace
 
 bool Line::receive (std::string_view command) {
-  if (faults_.none ())
+  if (faults_.none ()) {
+    witness_.received (client_, command, {});
     return true;
+  }
   const Glance glance = glance_at (command);
-  if (glance.root != "cmd")
-    return true;
   const std::vector<Rule> rules = faults_.strike (glance, client_, address_);
+  witness_.received (client_, command, rules);
   std::string refusal;
   for (const Rule &rule : rules) {
     if (makes_rule_stand (rule.fault))
@@ -80,6 +81,7 @@ void Line::owe (const std::string &xid, std::vector<Rule> rules) {
 void Line::send (std::string_view message) {
   if (over_ || !endpoint_)
     return;
+  witness_.sent (client_, message);
   if (faults_.none () && owed_.empty () && queue_.empty () && held_back_.empty ())
     return endpoint_->put (message);
   const Glance glance = glance_at (message);

@@ -26,13 +26,27 @@ public:
   virtual void let_read (bool allowed) = 0;
 };
 
+/// Sees the messages of all connections.
+class Witness {
+public:
+  virtual ~Witness () = default;
+
+  /// A command has come, and these faults have struck it.
+  virtual void received (int client, std::string_view command, const std::vector<Rule> &struck) = 0;
+  /// A message is to be sent; what faults make of it is not told.
+  virtual void sent (int client, std::string_view message) = 0;
+};
+
 /// The messages of one connection, with all that is made to go wrong with them. Without faults everything
 /// passes as it is. One thread.
 class Line : public std::enable_shared_from_this<Line> {
 public:
-  Line (asio::io_context &context, Faults &faults, Endpoint &endpoint, int client, std::string address)
-      : context_ (context), faults_ (faults), endpoint_ (&endpoint), client_ (client),
+  Line (asio::io_context &context, Faults &faults, Witness &witness, Endpoint &endpoint, int client,
+        std::string address)
+      : context_ (context), faults_ (faults), witness_ (witness), endpoint_ (&endpoint), client_ (client),
         address_ (std::move (address)) {}
+
+  const std::string &address () const { return address_; }
 
   /// The endpoint is about to go.
   void detach () { endpoint_ = nullptr; }
@@ -80,6 +94,7 @@ private:
 
   asio::io_context &context_;
   Faults &faults_;
+  Witness &witness_;
   Endpoint *endpoint_;
   const int client_;
   const std::string address_;

@@ -1,0 +1,249 @@
+#include "control/api.h"
+
+#include "clip_file.h"
+#include "control/state.h"
+#include "control/steering.h"
+#include "vocabulary.h"
+
+#include <charconv>
+#include <fmt/format.h>
+#include <functional>
+#include <stdexcept>
+
+namespace sim {
+
+namespace {
+
+/// A request that is refused, with its HTTP status.
+struct Refused : std::runtime_error {
+  Refused (int http_status, const std::string &text) : std::runtime_error (text), status (http_status) {}
+  int status;
+};
+
+// What a handler is given: the server, the rest of the path behind its name, and the request.
+struct Asked {
+  Steered &server;
+  std::string rest;
+  const ControlRequest &request;
+
+  Json body () const { return parse_json (request.body); }
+
+  std::string query (const std::string &name, const std::string &otherwise) const {
+    const auto found = request.query.find (name);
+    return found == request.query.end () ? otherwise : found->second;
+  }
+
+  std::uint64_t number (const std::string &name, std::uint64_t otherwise) const {
+    const auto found = request.query.find (name);
+    if (found == request.query.end ())
+      return otherwise;
+    const auto value = read_unsigned (found->second, INT64_MAX);
+    if (!value)
+      throw Refused (400, fmt::format ("'{}' of {} is no number", found->second, name));
+    return *value;
+  }
+
+  int rest_number () const {
+    const auto value = read_unsigned (rest, INT32_MAX);
+    if (!value)
+      throw Refused (404, fmt::format ("'{}' is no number", rest));
+    return static_cast<int> (*value);
+  }
+};
+
+using Route = std::function<Json (const Asked &)>;
+
+const Json done = Json::object ({{"ok", true}});
+
+Json get_state (const Asked &asked) {
+  return state_json (asked.server);
+}
+
+int channel_of_rest (const Asked &asked) {
+  const int channel = word_number ("Channel", asked.rest);
+  if (channel < 0 || channel >= channel_count)
+    throw Refused (404, fmt::format ("there is no channel '{}'", asked.rest));
+  return channel;
+}
+
+Json get_channels (const Asked &asked) {
+  if (asked.rest.empty ())
+    return channels_json (asked.server.world ());
+  return channel_json (asked.server.world (), channel_of_rest (asked));
+}
+
+Json put_channel (const Asked &asked) {
+  const int channel = channel_of_rest (asked);
+  set_channel (asked.server.world (), channel, asked.body ());
+  return channel_json (asked.server.world (), channel);
+}
+
+Json get_clips (const Asked &asked) {
+  World &world = asked.server.world ();
+  if (!asked.rest.empty ()) {
+    if (!world.clips.exists (asked.rest))
+      throw Refused (404, fmt::format ("there is no clip '{}'", asked.rest));
+    return clip_json (world, asked.rest);
+  }
+  const std::uint64_t most = asked.number ("limit", 1000);
+  return clip_names_json (world, asked.query ("after", ""), most);
+}
+
+Json put_clip (const Asked &asked) {
+  set_clip (asked.server.world (), asked.rest, asked.body ());
+  return clip_json (asked.server.world (), asked.rest);
+}
+
+Json delete_clip (const Asked &asked) {
+  if (!asked.server.world ().clips.exists (asked.rest))
+    throw Refused (404, fmt::format ("there is no clip '{}'", asked.rest));
+  drop_clip (asked.server.world (), asked.rest);
+  return done;
+}
+
+Json post_commands (const Asked &asked) {
+  return run_commands (asked.server.world (), asked.body ());
+}
+
+Json post_reports (const Asked &asked) {
+  push_report (asked.server.world (), asked.body ());
+  return done;
+}
+
+Json get_time (const Asked &asked) {
+  return time_json (asked.server.world ());
+}
+
+Json put_time (const Asked &asked) {
+  set_pace (asked.server, asked.body ());
+  return get_time (asked);
+}
+
+Json post_step (const Asked &asked) {
+  if (asked.rest != "step")
+    throw Refused (404, "there is no such thing");
+  step (asked.server, asked.body ());
+  return get_time (asked);
+}
+
+Json post_reset (const Asked &asked) {
+  asked.server.start_over ();
+  return done;
+}
+
+Json get_journal (const Asked &asked) {
+  const std::uint64_t most = asked.number ("limit", 1000);
+  Json entries = Json::array ();
+  for (const Journal::Entry *entry : asked.server.journal ().since (asked.number ("since", 0)))
+    if (entries.size () < most)
+      entries.push_back (journal_entry_json (*entry));
+  return {{"mark", asked.server.journal ().mark ()}, {"entries", entries}};
+}
+
+Json get_clients (const Asked &asked) {
+  return clients_json (asked.server);
+}
+
+Json delete_client (const Asked &asked) {
+  if (!asked.server.close_client (asked.rest_number (), asked.query ("how", "close") == "reset"))
+    throw Refused (404, fmt::format ("there is no client {}", asked.rest));
+  return done;
+}
+
+// The body goes to the client as it is.
+Json post_client (const Asked &asked) {
+  if (!asked.server.send_bytes (asked.rest_number (), asked.request.body))
+    throw Refused (404, fmt::format ("there is no client {}", asked.rest));
+  return done;
+}
+
+Json get_faults (const Asked &asked) {
+  return faults_json (asked.server.faults ());
+}
+
+Json post_faults (const Asked &asked) {
+  constexpr std::size_t most_rules = 1000;
+  const nlohmann::json body = nlohmann::json::parse (json_text (asked.body ()));
+  const bool one = body.is_object () && !body.contains ("faults");
+  std::vector<Rule> rules = rules_from (one ? nlohmann::json::array ({body}) : body);
+  if (asked.server.faults ().rules ().size () + rules.size () > most_rules)
+    throw Refused (409, fmt::format ("there cannot be more than {} faults", most_rules));
+  Json ids = Json::array ();
+  for (Rule &rule : rules)
+    ids.push_back (asked.server.faults ().add (std::move (rule)));
+  return {{"ids", ids}};
+}
+
+Json delete_faults (const Asked &asked) {
+  if (asked.rest.empty ())
+    asked.server.faults ().clear ();
+  else if (!asked.server.faults ().remove (asked.rest_number ()))
+    throw Refused (404, fmt::format ("there is no fault {}", asked.rest));
+  return done;
+}
+
+const std::map<std::string, Route> &routes () {
+  static const auto &table = *new std::map<std::string, Route>{
+      {"GET state", get_state},         {"GET channels", get_channels}, {"PUT channels", put_channel},
+      {"GET clips", get_clips},         {"PUT clips", put_clip},        {"DELETE clips", delete_clip},
+      {"POST commands", post_commands}, {"POST reports", post_reports}, {"GET time", get_time},
+      {"PUT time", put_time},           {"POST time", post_step},       {"POST reset", post_reset},
+      {"GET journal", get_journal},     {"GET clients", get_clients},   {"DELETE clients", delete_client},
+      {"POST clients", post_client},    {"GET faults", get_faults},     {"POST faults", post_faults},
+      {"DELETE faults", delete_faults},
+  };
+  return table;
+}
+
+ControlReply error_reply (int status, const std::string &text) {
+  return {status, json_text ({{"error", text}})};
+}
+
+} // namespace
+
+ControlReply ControlApi::handle (const ControlRequest &request) noexcept {
+  try {
+    return {200, json_text (carry_out (request))};
+  } catch (const Refused &refused) {
+    return error_reply (refused.status, refused.what ());
+  } catch (const Refusal &refusal) {
+    return error_reply (409, refusal.what ());
+  } catch (const std::exception &problem) {
+    return error_reply (400, problem.what ());
+  }
+}
+
+std::string ControlApi::page_state (const std::string &server) noexcept {
+  constexpr std::uint64_t most_commands = 20;
+  try {
+    Steered &chosen = server_of (server);
+    Json json = state_json (chosen);
+    Json &commands = json["commands"] = Json::array ();
+    const std::uint64_t mark = chosen.journal ().mark ();
+    for (const Journal::Entry *entry : chosen.journal ().since (mark - std::min (mark, most_commands)))
+      commands.push_back (journal_entry_json (*entry));
+    return json_text (json);
+  } catch (const std::exception &) {
+    return "";
+  }
+}
+
+Json ControlApi::carry_out (const ControlRequest &request) {
+  const std::string path = request.path.substr (std::min<std::size_t> (1, request.path.size ()));
+  const std::size_t slash = std::min (path.find ('/'), path.size ());
+  const auto route = routes ().find (request.method + ' ' + path.substr (0, slash));
+  if (route == routes ().end ())
+    throw Refused (404, fmt::format ("there is no {} {}", request.method, request.path));
+  const auto server = request.query.find ("server");
+  Steered &chosen = server_of (server == request.query.end () ? "" : server->second);
+  return route->second ({chosen, path.substr (std::min (slash + 1, path.size ())), request});
+}
+
+Steered &ControlApi::server_of (const std::string &address) const {
+  for (Steered *server : servers_)
+    if (address.empty () || server->world ().options.address == address)
+      return *server;
+  throw Refused (404, fmt::format ("there is no server {}", address));
+}
+
+} // namespace sim

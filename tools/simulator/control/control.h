@@ -1,0 +1,24 @@
+#pragma once
+
+#include "control/api.h"
+#include "control/mailbox.h"
+#include "options.h"
+
+#include <memory>
+
+namespace sim {
+
+/// The control address: HTTP with JSON, on threads of its own, which leave all work to the loop.
+class Control {
+public:
+  /// Listens from now on. @throws std::runtime_error when the address cannot be had
+  Control (Mailbox &mailbox, std::vector<Steered *> servers, const Options &options);
+  /// Ends all requests. The mailbox must have been closed before, so that none waits for the loop.
+  ~Control ();
+
+private:
+  class Http;
+  const std::unique_ptr<Http> http_;
+};
+
+} // namespace sim

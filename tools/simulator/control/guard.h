@@ -1,0 +1,34 @@
+#pragma once
+
+#include "control/address.h"
+
+#include <string>
+#include <vector>
+
+namespace sim {
+
+/// Decides which requests are let in: none from pages of other origins, none that took a foreign name for
+/// this address, and where a token is asked for, none without it. Any threads.
+class Guard {
+public:
+  /// @param token that each request must carry; empty: none is asked for
+  Guard (const ControlAddress &address, std::string token);
+
+  struct Verdict {
+    bool admitted = true;
+    int status = 200;
+    std::string why;
+  };
+  /// @param authorization header of that name. @param token from the query
+  Verdict judge (const std::string &host, const std::string &origin, const std::string &authorization,
+                 const std::string &token) const;
+
+private:
+  bool is_own_host (const std::string &host) const;
+
+  const std::vector<std::string> hosts_; ///< names with ports that mean this address
+  const std::string any_port_;           ///< behind any address of this machine; empty: only the names count
+  const std::string token_;
+};
+
+} // namespace sim

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace sim {
+
+/// The last commands of all clients with their answers. Bounded: the oldest go first. One thread.
+class Journal {
+public:
+  struct Entry {
+    std::uint64_t mark = 0;        ///< its number, from 1
+    std::int64_t milliseconds = 0; ///< since 1970, by the server's clock
+    int client = 0;
+    std::string xid;
+    std::string command;              ///< the whole document
+    std::vector<std::string> faults;  ///< names of those that have struck it
+    std::vector<std::string> answers; ///< the messages that the server made, before any fault
+    std::size_t left_out = 0;         ///< messages of a long answer that are not kept
+  };
+
+  void add (int client, std::int64_t milliseconds, std::string_view command, std::vector<std::string> faults);
+  /// A reply to a command of this client; other messages are passed over.
+  void answer (int client, std::string_view message);
+
+  /// The number of the last command.
+  std::uint64_t mark () const { return last_mark_; }
+  /// Those behind a mark that are still there, the oldest first.
+  std::vector<const Entry *> since (std::uint64_t mark) const;
+  void clear ();
+
+private:
+  Entry *find (std::uint64_t mark);
+  void shorten ();
+
+  std::deque<Entry> entries_;
+  std::map<std::pair<int, std::string>, std::uint64_t> open_; ///< client and identifier: its last command
+  std::uint64_t last_mark_ = 0;
+  std::size_t bytes_ = 0;
+};
+
+} // namespace sim

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <asio.hpp>
+#include <chrono>
+#include <deque>
+#include <functional>
+#include <future>
+#include <memory>
+#include <mutex>
+#include <optional>
+
+namespace sim {
+
+/// How other threads reach the one loop: what they post is called there, in order.
+class Mailbox {
+public:
+  explicit Mailbox (asio::io_context &context);
+  ~Mailbox ();
+  Mailbox (const Mailbox &) = delete;
+  Mailbox &operator= (const Mailbox &) = delete;
+
+  /// From any thread. After `close` nothing is called any more.
+  void post (std::function<void ()> action);
+
+  /// Calls it on the loop and waits for its result: nothing when that takes longer than the limit, or when
+  /// the loop has ended. From any thread but that of the loop. The action must not throw.
+  template <typename Result>
+  std::optional<Result> ask (std::function<Result ()> action, std::chrono::milliseconds limit) {
+    auto promise = std::make_shared<std::promise<Result>> ();
+    std::future<Result> result = promise->get_future ();
+    post ([promise = std::move (promise), action = std::move (action)] { promise->set_value (action ()); });
+    try {
+      if (result.wait_for (limit) == std::future_status::ready)
+        return result.get ();
+    } catch (const std::future_error &) {
+      // It has been thrown away.
+    }
+    return std::nullopt;
+  }
+
+  /// Throws away what is posted, now and from now on.
+  void close ();
+
+private:
+  void await ();
+  void run_all ();
+
+  asio::posix::stream_descriptor bell_; ///< an event descriptor that posting makes readable
+  const int ring_;                      ///< the same, for other threads
+  std::mutex mutex_;
+  std::deque<std::function<void ()>> posted_; ///< guarded by the mutex
+  bool closed_ = false;                       ///< guarded by the mutex
+};
+
+} // namespace sim

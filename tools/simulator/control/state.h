@@ -1,0 +1,21 @@
+#pragma once
+
+#include "control/json.h"
+#include "control/steered.h"
+
+namespace sim {
+
+// What a server knows, as JSON.
+
+Json channel_json (const World &world, int channel);
+Json channels_json (const World &world);
+Json clients_json (Steered &server);
+Json time_json (const World &world);
+Json faults_json (const Faults &faults);
+Json journal_entry_json (const Journal::Entry &entry);
+Json lists_json (const World &world);
+
+/// All of it but the clips, of which there may be a million, and the journal.
+Json state_json (Steered &server);
+
+} // namespace sim
