@@ -13,6 +13,7 @@ using ResultCode = uint32_t;
 /// The text that each thread recorded last. One for the process, made at first use and never destroyed. An
 /// entry is never removed: a new thread that receives the number of an old one inherits its text until its
 /// own first result. Any thread may call any member; a thread sees only its own entry.
+// C6: doc/compatibility.md
 class LastErrorTable {
 public:
   static LastErrorTable &instance ();
@@ -38,6 +39,7 @@ ResultCode make_result (ResultCode code, const AString &text);
 
 /// Each returns its code and records the text of orva.h that belongs to it.
 ResultCode result_ok ();
+// C5: doc/compatibility.md
 ResultCode result_no_connection ();
 ResultCode result_invalid_handle ();
 ResultCode result_read_only ();

@@ -38,10 +38,9 @@ public:
       notices_.post (kind, channel);
   }
 
-  /// Calls @p change with the list of a channel, to change it as the server has reported. The value that is
-  /// valid then is that of `info`, and not the list. So the two queries of playlists never see a first value
-  /// and return their error after the whole wait, and a first query of the information may find it valid
-  /// before its own report. Callers rely on both.
+  /// Calls @p change with the list of a channel, to change it as the server has reported. It marks the value
+  /// of `info` as valid, and not the list.
+  // C28: doc/compatibility.md
   template <class Change>
   void change_list (uint32_t channel, Change change) {
     if (channel >= count)
@@ -56,6 +55,7 @@ public:
 
   /// Waits for a first value, which the server sends right after the registration as a rule: five to six
   /// seconds at most, counted in whole seconds of the wall clock. @return whether there is one.
+  // C27: doc/compatibility.md
   bool wait_for_first_value (const std::atomic<bool> &valid);
 
   /// Calls @p visit with the channel and the report type of each item that is registered.

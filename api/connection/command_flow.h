@@ -58,6 +58,7 @@ void keep_registered (const Connection &self, std::atomic<bool> &registered, uin
 /// @param registered the mark of this kind of report
 /// @param accepted is called when the server has accepted, and returns the result; the report counts as
 ///   registered if that is ORVA_OK
+// C31: doc/compatibility.md
 template <class Command, class Accepted>
 ResultCode ensure_registered (const Connection &self, std::atomic<bool> &registered,
                               OkWrapper<Command> wrapper, const std::type_identity_t<Command> &command,

@@ -36,6 +36,7 @@ public:
 
   /// Waits for the outcome, without a limit, and records it for the calling thread. Without a waiter it
   /// returns "OK" at once, and the outcome is never seen.
+  // C2, C3: doc/compatibility.md
   ResultCode wait ();
 
   /// Which of the connection's links, counted from 1, has brought the `ok`.

@@ -24,6 +24,7 @@ void OrvaConnObject::wait_for_pending_commands () const {
     platform::sleep_milliseconds (poll_milliseconds);
 }
 
+// C30: doc/compatibility.md
 void OrvaConnObject::on_connected () {
   if (stop_requested ())
     return;

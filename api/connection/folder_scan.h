@@ -20,6 +20,7 @@ public:
 
   /// Waits until no download is under way and the last one has succeeded. @return false when the time is up,
   /// in particular after a download that failed.
+  // C53: doc/compatibility.md
   bool wait (uint32_t milliseconds);
 
   QUILL3::callback::ok on_ok () { return AMethod::bind (this, &FolderScan::succeed); }

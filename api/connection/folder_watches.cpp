@@ -76,6 +76,7 @@ void FolderWatches::watch_again () {
   }
 }
 
+// C58: doc/compatibility.md
 void FolderWatches::watch (const std::u16string &folder) {
   api_.watch_metadata_database ({.MetadataDatabase = text (folder)});
 }

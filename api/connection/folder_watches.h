@@ -38,6 +38,7 @@ public:
 
   /// Enters a listener: watches its folder, if it is the first one there, and has the folder downloaded,
   /// which the listener receives like reports. Throws when memory runs out; the listener is not entered then.
+  // C61: doc/compatibility.md
   void add (FolderListener *listener, const std::u16string &folder);
   /// Removes a listener; no report reaches it after this has returned.
   void remove (FolderListener *listener) noexcept;

@@ -10,20 +10,25 @@ struct ListPlayState {
   using Position = AOption<uint16_t>; ///< a place in `items`, or none
 
   void load (const AString &id, uint32_t list_mode);
+  // C35: doc/compatibility.md
   void unload ();
   /// Puts an element at a place; the places before it that are new have none.
+  // C33: doc/compatibility.md
   void set_item (uint16_t index, const QUILL3::ListElement &element);
   /// Moves the element at a place, and those behind it, one on, together with the air positions there. Beyond
   /// the end it is `set_item`, and the air positions stay.
+  // C33: doc/compatibility.md
   void insert_item (uint16_t index, const QUILL3::ListElement &element);
   /// Moves the elements behind a place one back, together with the air positions there; one that stood on the
   /// place is cleared.
   void remove_item (uint16_t index);
   /// Takes all elements and air positions; the list's identifier stays.
+  // C35: doc/compatibility.md
   void clear_items ();
 
   bool is_loaded () const { return list_id.present; }
   /// Elements of the loaded list. A last one with nothing in it marks the end of the list and does not count.
+  // C34: doc/compatibility.md
   uint32_t count () const;
 
   AOption<AString> list_id{};

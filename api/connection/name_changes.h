@@ -12,6 +12,7 @@
 /// Names that reports of the server have added, changed or deleted, until a caller takes them: of clips, or
 /// of directories, which are never changed. A name is in one of the three sets at most. Names are taken in
 /// the order of their characters. An empty name is ignored. Any thread may call any member.
+// C36, C37: doc/compatibility.md
 class NameChanges {
 public:
   void added (const AString &name);

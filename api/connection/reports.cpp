@@ -45,6 +45,7 @@ void OrvaConnObject::on_channel_timecode (uint32_t Channel, uint32_t ClipPositio
                  {ORVA_NOTICE_POSITION});
 }
 
+// C29: doc/compatibility.md
 void OrvaConnObject::on_channel_info (uint32_t Channel, QUILL3::ChannelInformation ChannelInformation) {
   channels.keep (Channel, &ChannelCache::info, std::move (ChannelInformation),
                  {ORVA_NOTICE_CLIP_LENGTH, ORVA_NOTICE_PRECUE_COUNT, ORVA_NOTICE_REPEAT, ORVA_NOTICE_ANGLE,

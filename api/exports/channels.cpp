@@ -67,6 +67,7 @@ uint32_t orva_channel_ee (uint32_t connection, uint32_t channel, uint32_t *edit_
 }
 
 // Success records no text.
+// C7: doc/compatibility.md
 uint32_t orva_get_notification (uint32_t connection, uint32_t timeout, uint32_t *kind, uint32_t *channel) {
   return on_connection (connection, [&] (const Connection &self) {
     self->channels.notices ().take (timeout, kind, channel);

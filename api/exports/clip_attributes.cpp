@@ -16,6 +16,7 @@ constexpr uint32_t source_striped = member (Enumeration::TimecodeSource, "stripe
 constexpr uint32_t wire_non_drop = member (Enumeration::DropFrameFlag, "ndf");
 
 // Standards without a rate count as drop frame, and are no assertion failure: a server may have them.
+// C47: doc/compatibility.md
 bool is_drop_frame (uint32_t standard) {
   return !standard_has_rate (standard) || standard_is_drop_frame (standard);
 }
@@ -92,6 +93,7 @@ ResultCode read_converted (uint32_t handle, uint32_t ClipInfo::*field, uint32_t 
 }
 
 /// Fills the buffer with a text of the snapshot; with the empty text when the handle is unknown.
+// C11: doc/compatibility.md
 ResultCode read_text (uint32_t handle, AString ClipInfo::*field, OrvaStringBuffer text) noexcept {
   return guarded ([&] {
     AString value;
@@ -276,6 +278,7 @@ uint32_t orva_set_clip_loop_out_point (uint32_t handle, uint32_t position) {
 
 // A trim point always falls on the first field of a frame.
 
+// C44: doc/compatibility.md
 uint32_t orva_set_clip_trim_start (uint32_t handle, uint32_t trim) {
   return change_number (handle, &ClipAttrChange::TrimStart, &ClipInfo::TrimStart, trim & ~1u);
 }

@@ -15,6 +15,7 @@ using QUILL3::MetadataList;
 namespace {
 
 /// The first pair with that key, the end when there is none.
+// C48: doc/compatibility.md
 template <class List>
 auto find_key (List &pairs, const AString &key) {
   return std::find_if (pairs.begin (), pairs.end (), [&] (const Metadata &pair) { return pair.Key == key; });
@@ -67,6 +68,7 @@ uint32_t orva_open_clip_metadata (uint32_t connection, const orva_char *clip, ui
   });
 }
 
+// C10: doc/compatibility.md
 uint32_t orva_close_clip_metadata (uint32_t handle) {
   return guarded ([=] {
     MetaDataHandles::instance ().close (handle);
@@ -74,6 +76,7 @@ uint32_t orva_close_clip_metadata (uint32_t handle) {
   });
 }
 
+// C11: doc/compatibility.md
 uint32_t orva_clip_has_meta (uint32_t handle, const orva_char *key, uint32_t *has) {
   if (has != nullptr)
     *has = 0;
@@ -83,6 +86,7 @@ uint32_t orva_clip_has_meta (uint32_t handle, const orva_char *key, uint32_t *ha
   });
 }
 
+// C11: doc/compatibility.md
 uint32_t orva_clip_get_meta (uint32_t handle, const orva_char *key, OrvaStringBuffer value) {
   return guarded ([&] {
     AString found;
@@ -129,6 +133,7 @@ uint32_t orva_get_metakey (uint32_t list, OrvaStringBuffer key) {
   return take_list_name (list, key);
 }
 
+// C10: doc/compatibility.md
 uint32_t orva_close_metakeys (uint32_t list) {
   return guarded ([=] {
     ListHandles::instance ().close (list);

@@ -25,6 +25,7 @@ ResultCode read_clip (uint32_t handle, Take take) noexcept {
 /// @param apply `apply (ClipInfo &, ClipAttrChange &)` makes the same change in the snapshot
 /// @return "Invalid handle" also for a handle whose connection is closed, and for one that was closed while
 ///   the server was asked
+// C43: doc/compatibility.md
 template <class Fill, class Apply>
 ResultCode change_clip (uint32_t handle, Fill fill, Apply apply) noexcept {
   return guarded ([&] {

@@ -13,6 +13,7 @@ QUILL3::TrackSet tracks (uint32_t track_mask) {
 
 } // namespace
 
+// C11: doc/compatibility.md
 uint32_t orva_clip_exists (uint32_t connection, const orva_char *clip, uint32_t *exists) {
   return on_connection (connection, [&] (const Connection &self) {
     AString named;
@@ -49,6 +50,7 @@ uint32_t orva_create_clip2 (uint32_t connection, const orva_char *clip, uint32_t
   });
 }
 
+// C41: doc/compatibility.md
 uint32_t orva_create_clip3 (uint32_t connection, uint32_t channel, const orva_char *clip, uint32_t track_mask,
                             uint32_t length) {
   return send_command (connection, &API::create_clip, [&] {
@@ -74,6 +76,7 @@ uint32_t orva_create_child_clip2 (uint32_t connection, const orva_char *clip, co
   });
 }
 
+// C13: doc/compatibility.md
 uint32_t orva_set_readonly (uint32_t connection, const orva_char *) {
   return on_connection (connection, [] (const Connection &) { return result_error ("Not implemented"); });
 }

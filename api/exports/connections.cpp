@@ -30,6 +30,7 @@ uint8_t orva_connected (uint32_t connection) {
   });
 }
 
+// C4: doc/compatibility.md
 uint8_t orva_wait_until_connected (uint32_t connection) {
   while (orva_connected (connection) == 0)
     platform::sleep_milliseconds (poll_milliseconds);
@@ -42,6 +43,7 @@ void orva_get_last_error (OrvaStringBuffer text) {
 
 // Both leave the last error alone; an unknown number is ignored.
 
+// C1: doc/compatibility.md
 void orva_synchronous (uint32_t connection, uint32_t flag) {
   guarded_quietly ([&] {
     if (const Connection self = connections ().find (connection))

@@ -98,6 +98,7 @@ uint32_t orva_precue3 (uint32_t connection, uint32_t channel, const orva_char *c
   });
 }
 
+// C25: doc/compatibility.md
 uint32_t orva_precue4 (uint32_t connection, uint32_t channel, const orva_char *clip, uint32_t condition,
                        uint32_t position, uint32_t loop_in, uint32_t length) {
   return send_command (connection, &API::precue, [&] {
@@ -145,6 +146,7 @@ uint32_t orva_take2 (uint32_t connection, uint32_t channel, uint32_t type, uint3
   });
 }
 
+// C24: doc/compatibility.md
 uint32_t orva_go_live1 (uint32_t connection, uint32_t channel) {
   return send_command (connection, &API::go_live, [&] {
     return command::go_live{.Channel = channel_argument (channel), .MinLatency = true};
@@ -197,6 +199,7 @@ uint32_t orva_set_repeat (uint32_t connection, uint32_t channel, uint32_t repeat
   });
 }
 
+// C26: doc/compatibility.md
 uint32_t orva_set_channel_repeat (uint32_t connection, uint32_t channel, uint32_t repeat) {
   return send_command (connection, &API::set_loop, [&] {
     return command::set_loop{.Channel = channel_argument (channel), .Loop = repeat_to_wire (repeat)};

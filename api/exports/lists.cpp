@@ -41,6 +41,7 @@ ResultCode track_changes (uint32_t connection, TrackedNames OrvaConnObject::*nam
 }
 
 /// The same, and takes a changed name for the caller.
+// C38: doc/compatibility.md
 ResultCode take_change (uint32_t connection, TrackedNames OrvaConnObject::*names,
                         AString (NameChanges::*take) (), OrvaStringBuffer name) noexcept {
   return on_connection (connection, [=] (const Connection &self) {

@@ -11,6 +11,7 @@ constexpr uint32_t cue_only = member (QUILL3::Enumeration::Roll, "cueonly");
 constexpr uint32_t roll = member (QUILL3::Enumeration::Roll, "roll");
 
 /// @param index the low 16 bits are the position in the list
+// C23: doc/compatibility.md
 template <class Command>
 ResultCode play_item (uint32_t connection, OkWrapper<Command> wrapper, uint32_t channel, uint32_t index,
                       uint32_t how) noexcept {
@@ -42,6 +43,7 @@ uint32_t orva_cmd_playlist_cue_list (uint32_t connection, uint32_t channel) {
   return orva_cmd_playlist_cue_now (connection, channel, 0);
 }
 
+// C28: doc/compatibility.md
 uint32_t orva_playlist_status (uint32_t connection, uint32_t channel, uint32_t *loaded) {
   return query_channel (connection, channel, &ChannelCache::listplay, [&] (const ListPlayState &list) {
     if (loaded != nullptr)

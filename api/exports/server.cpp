@@ -30,6 +30,7 @@ ResultCode video_setting (uint32_t connection, uint32_t VideoSettings::*value, u
 }
 
 /// As many whole frames of two fields as fit, in fields.
+// C49: doc/compatibility.md
 uint32_t frames_in_fields (uint64_t space, uint32_t field_size) {
   const uint64_t fields = (space / field_size) & ~uint64_t{1};
   return static_cast<uint32_t> (std::min<uint64_t> (fields, UINT32_MAX));

@@ -8,4 +8,5 @@ uint32_t next_nonzero (std::atomic<uint32_t> &counter) noexcept;
 
 /// The next of the numbers that connections, list handles and metadata handles share, so that no two of them
 /// coincide until the counter wraps around. Never 0. Any thread.
+// C8: doc/compatibility.md
 uint32_t next_unique_number () noexcept;

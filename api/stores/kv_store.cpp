@@ -109,6 +109,7 @@ void KVStore::worker () {
 }
 
 /// Sends one key; all settings are sent before any erasure. @return false when it has to be tried again.
+// C52: doc/compatibility.md
 bool KVStore::send_next () noexcept {
   try {
     if (!pending_.set.empty ())
@@ -121,6 +122,7 @@ bool KVStore::send_next () noexcept {
   }
 }
 
+// C56: doc/compatibility.md
 template <class Command>
 ResultCode KVStore::send_unlocked (OkWrapper<Command> wrapper, const std::type_identity_t<Command> &command) {
   const MutexRelease release (pending_.lock);
@@ -153,7 +155,8 @@ bool KVStore::send_an_erasure () {
 }
 
 // All stores share what ends this wait early: the end of the first store of the process that waited here.
-// After that nothing ends it early. Callers pace their writes by it.
+// After that nothing ends it early.
+// C50: doc/compatibility.md
 void KVStore::wait_before_retry () {
   using Stop = std::weak_ptr<const std::atomic<bool>>;
   alignas (Stop) static unsigned char storage[sizeof (Stop)]; // never destroyed, and made without memory
@@ -164,6 +167,7 @@ void KVStore::wait_before_retry () {
   });
 }
 
+// C51: doc/compatibility.md
 void KVStore::close () {
   if (is_readable ())
     connection_->folders.remove (this);

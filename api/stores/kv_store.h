@@ -19,6 +19,7 @@
 /// Threads: any number may call any member but the constructor and `close`, which are called once, first and
 /// last. Reports are received on the connection's thread, under the lock of the connection's watches. The two
 /// locks of a store are never held together, and the pending lock not while a command is sent.
+// C54, C55: doc/compatibility.md
 class KVStore final : public FolderListener {
 public:
   /// Subscribes a store that is readable, so that reports may come before the constructor has ended, and
@@ -34,16 +35,18 @@ public:
   ResultCode erase (const std::u16string &key);
   /// Waits until the server has accepted all that is pending, what is added meanwhile included. After `close`
   /// it returns OK at once, whatever was lost.
+  // C59: doc/compatibility.md
   ResultCode flush (uint32_t timeout_ms);
   /// Waits for a change and takes the one whose key changed first. @param type receives an OrvaStoreChange.
   /// When the time is up, @p key and @p value are empty. Out of memory takes no change.
+  // C60: doc/compatibility.md
   ResultCode get_change (uint32_t timeout_ms, uint32_t *type, std::u16string *key, std::u16string *value);
   /// Waits until the folder has been downloaded.
   ResultCode wait_scan (uint32_t timeout_ms);
 
   /// Ends the store: no report reaches it from here on, and what is pending has two seconds to be sent. Then
-  /// the thread has ten more to end, and is waited for without limit. Callers rely on it: the thread has
-  /// ended for certain when this returns.
+  /// the thread has ten more to end, and is waited for without limit. When this returns, the thread has
+  /// ended for certain.
   ///
   /// Known limit: this waits for ever when a server has not answered the thread's command for twelve seconds,
   /// because the last wait holds the pending lock, which the thread needs before it can end.
@@ -51,6 +54,7 @@ public:
 
   /// What was set in or removed from the folder. Keys that do not begin with this store's prefix, or are
   /// nothing but the prefix, are not the store's.
+  // C57: doc/compatibility.md
   void on_change (const AString &report_prefix, const QUILL3::MetadataList &items) override;
   void on_remove (const AString &report_prefix, const QUILL3::KeyList &keys) override;
 
