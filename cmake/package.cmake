@@ -1,9 +1,10 @@
-# What is installed: the header, the library, and how CMake and pkg-config find them. Nothing names the prefix, so
+# What is installed: the headers, the library, and how CMake and pkg-config find them. Nothing names the prefix, so
 # that an installed tree can be moved.
 include(CMakePackageConfigHelpers)
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/OrvaAPI64)
-install(FILES include/orva.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES include/orva.h include/orva.hpp DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY include/orva DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT OrvaAPI64Targets NAMESPACE OrvaAPI64:: DESTINATION ${package_folder})
 
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/OrvaAPI64ConfigVersion.cmake

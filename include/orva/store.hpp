@@ -1,0 +1,174 @@
+/**
+ * @file orva/store.hpp
+ * Key-value stores that the server keeps and that any number of processes share.
+ */
+#ifndef ORVA_STORE_HPP
+#define ORVA_STORE_HPP
+
+#include "call.hpp"
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <future>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace orva {
+
+/** What became of a key. */
+struct StoreChange {
+  std::string key;
+  std::optional<std::string> value; /**< none for a key that was erased */
+};
+
+namespace detail {
+
+/** An open store. It is closed with the last object that uses it. */
+class OpenStore {
+public:
+  OpenStore (std::shared_ptr<Helpers> helpers, std::uint32_t handle)
+      : helpers_ (std::move (helpers)), handle_ (handle) {}
+  ~OpenStore () { close (); }
+  OpenStore (const OpenStore &) = delete;
+  OpenStore &operator= (const OpenStore &) = delete;
+
+  std::uint32_t handle () const { return handle_; }
+
+  /** The library takes up to 12 s, and may be held for ever by a server that does not answer: then a helper
+   * stays behind with it. */
+  void close () {
+    const std::uint32_t handle = handle_.exchange (0);
+    if (handle == 0)
+      return;
+    const auto done = std::make_shared<std::promise<void>> ();
+    const bool running = helpers_->run ([done, handle] {
+      orva_close_key_value_store (handle);
+      done->set_value ();
+    });
+    if (running)
+      done->get_future ().wait_for (std::chrono::seconds (13));
+    else
+      orva_close_key_value_store (handle);
+  }
+
+private:
+  const std::shared_ptr<Helpers> helpers_;
+  std::atomic<std::uint32_t> handle_;
+};
+
+struct StoreData {
+  Context context;
+  std::shared_ptr<OpenStore> store;
+};
+
+/** How long one look into a store waits: so late is a cancelled or closed wait noticed. */
+inline constexpr std::uint32_t store_look_ms = 10;
+
+/** Waits in short pieces. @param look takes a time in milliseconds and returns a code */
+template <class Look>
+result<void> wait_in_store (const Context &context, Look look) {
+  return look_until<void> (context, [&] () -> std::optional<result<void>> {
+    const Limit limit = context.limit ();
+    const std::uint32_t code = look (limit < std::chrono::milliseconds (store_look_ms) ? 0 : store_look_ms);
+    if (code == ORVA_TIMEOUT)
+      return {};
+    return code == ORVA_OK ? result<void> () : result<void> (failure_of (code));
+  });
+}
+
+} // namespace detail
+
+/**
+ * A store: a view of one part, told by a prefix, of a metadata database of the server, which is called a
+ * folder. Made by `server.store ("folder", orva::StoreMode::read_write)`; closed with the last copy. What is
+ * set and erased goes out by itself and is tried again until the server has accepted it. A store outlives the
+ * loss of the link; it must go before its server does, or what is pending may be lost.
+ *
+ * Closing gives what is pending 2 s to go out. It holds the caller for 13 s at most, whatever the server
+ * does.
+ */
+template <class Form>
+class StoreControl : public Operations<StoreControl, Form, detail::StoreData> {
+  using Base = Operations<StoreControl, Form, detail::StoreData>;
+
+public:
+  using Base::Base;
+  template <class T>
+  using of = typename Base::template of<T>;
+
+  /** Sets a key. Returns at once; flush() waits until the server has it. */
+  of<void> set (std::string_view key, std::string_view value) const {
+    const auto operation = [store = this->data_.store] (std::uint32_t, const orva_char *name,
+                                                        const orva_char *text) {
+      return orva_kvstore_set (store->handle (), name, text);
+    };
+    return this->template ask_library<void> (operation, key, value);
+  }
+  /** Erases a key. Returns at once. */
+  of<void> erase (std::string_view key) const {
+    const auto operation = [store = this->data_.store] (std::uint32_t, const orva_char *name) {
+      return orva_kvstore_erase (store->handle (), name);
+    };
+    return this->template ask_library<void> (operation, key);
+  }
+  /** Waits until the server has accepted all that is pending. Kind::timed_out loses nothing: it goes on. */
+  of<void> flush () const {
+    return this->template deliver<void> ([data = this->data_] {
+      return detail::wait_in_store (data.context, [&] (std::uint32_t time) {
+        return orva_kvstore_flush (data.store->handle (), time);
+      });
+    });
+  }
+  /** Waits until the folder has been downloaded: all that is in it waits in next_change() then. */
+  of<void> wait_loaded () const {
+    return this->template deliver<void> ([data = this->data_] {
+      return detail::wait_in_store (data.context, [&] (std::uint32_t time) {
+        return orva_kvstore_wait_scan (data.store->handle (), time);
+      });
+    });
+  }
+  /**
+   * Waits for a change and takes it; none when the limit has passed. `within (0ms)` only looks. Each change
+   * goes to one of the threads that wait.
+   */
+  of<std::optional<StoreChange>> next_change () const {
+    using Change = std::optional<StoreChange>;
+    return this->template deliver<Change> ([data = this->data_] () -> result<Change> { return take (data); });
+  }
+  /** Closes the store for all copies of this object. */
+  void close () const { this->data_.store->close (); }
+
+private:
+  static result<std::optional<StoreChange>> take (const detail::StoreData &data) {
+    StoreChange change;
+    std::uint32_t type = 0;
+    const auto look = [&] (std::uint32_t time) {
+      std::string key;
+      return detail::take_text (
+          [&] (OrvaStringBuffer name) {
+            return detail::take_text (
+                [&] (OrvaStringBuffer text) {
+                  return orva_kvstore_get_change (data.store->handle (), time, &type, name, text);
+                },
+                change.value.emplace ());
+          },
+          change.key);
+    };
+    const result<void> found = detail::wait_in_store (data.context, look);
+    if (!found && found.failure ().kind == Kind::timed_out)
+      return std::optional<StoreChange> ();
+    if (!found)
+      return found.failure ();
+    if (type == ORVA_STORE_CHANGE_ERASE)
+      change.value.reset ();
+    return std::optional<StoreChange> (std::move (change));
+  }
+};
+
+} // namespace orva
+
+#endif

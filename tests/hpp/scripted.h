@@ -1,0 +1,58 @@
+#pragma once
+
+// What tests of orva.hpp against the scripted server share.
+
+#include "orva.hpp"
+#include "support/fake_server.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+#include <string_view>
+
+inline constexpr std::chrono::milliseconds generous = support::generous;
+
+/// The body of an answer that refuses a command.
+inline std::string refusal (const std::string &text) {
+  return "<error><ErrorMessage>" + text + "</ErrorMessage><ErrorCode>general</ErrorCode></error>";
+}
+
+/// The document that a client writes around an element, with CR LF for each '|' of the pattern.
+inline std::string document (const std::string &xid, std::string_view pattern) {
+  std::string bytes = "<cmd>\r\n<xid>" + xid + "</xid>\r\n";
+  for (const char c : pattern)
+    bytes += c == '|' ? std::string ("\r\n") : std::string (1, c);
+  return bytes + "\r\n</cmd>";
+}
+
+/// A server object that is connected to a scripted server.
+class Connected : public orva::Server {
+public:
+  explicit Connected (const support::FakeServer &fake, orva::Limit limit = generous)
+      : Server (fake.address (), orva::Options{limit}) {
+    within (generous).wait_until_connected ();
+  }
+};
+
+/// The kind of failure that an operation throws; a failure of the test when it throws nothing.
+template <class Operation>
+orva::Kind thrown (Operation operation) {
+  try {
+    operation ();
+  } catch (const orva::error &failed) {
+    return failed.kind ();
+  }
+  ADD_FAILURE () << "nothing was thrown";
+  return orva::Kind::internal;
+}
+
+namespace orva {
+
+inline void PrintTo (Kind kind, std::ostream *out) {
+  static constexpr const char *names[] = {"invalid",   "not_connected", "link_lost",   "refused",
+                                          "timed_out", "cancelled",     "unsupported", "internal"};
+  *out << names[static_cast<std::size_t> (kind)];
+}
+
+} // namespace orva
