@@ -196,8 +196,8 @@ ORVA_API void orva_sync (uint32_t connection);
 /*
  * Each function is one ordinary command: it waits for the answer unless the connection is asynchronous, and
  * costs one round trip. The functions with "gang" in their names do the same for a set of channels at once.
- * An empty set is sent too. A channel above 7 means channel 0. A number at the end of a name tells forms with
- * more arguments from forms with fewer. The server decides what a missing argument means. The server checks
+ * An empty set is sent too. A channel above 7 means channel 0. Functions whose names differ in the number at
+ * the end differ in their arguments only. The server decides what a missing argument means. The server checks
  * whether a clip exists and whether a position is possible. Its refusal is ORVA_ERROR with its text.
  *
  * min_latency: 1 asks the server to act as early as it can. Every other value does not.
