@@ -886,8 +886,8 @@ enum OrvaStoreChange { ORVA_STORE_CHANGE_SET = 1, ORVA_STORE_CHANGE_ERASE = 2 };
  * folder and downloads it. A store that writes costs one thread. A server that stays connected and stops
  * reading can hold this call and the close of a store that reads, like every call that sends.
  * @param folder the name of the database.
- * @param prefix what all keys of this store begin with on the server. The other functions take and return
- * keys without it. It may be empty; then the store has all keys of the folder.
+ * @param prefix what all keys of this store begin with on the server. The other functions take and
+ *   return keys without it. It may be empty; then the store has all keys of the folder.
  * @param mode an OrvaStoreMode.
  * @param handle receives the store handle.
  * @return ORVA_INVALID_ARGUMENT for another mode; ORVA_ERROR when the system cannot start a thread.
