@@ -31,6 +31,17 @@ class Simulator:
             self.process.communicate()
             raise RuntimeError("the simulator says: " + line)
 
+    def cpu_seconds(self):
+        """Processor time that the process has used."""
+        with open("/proc/%d/stat" % self.process.pid) as file:
+            fields = file.read().rpartition(") ")[2].split()
+        return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
+    def memory(self):
+        """Bytes of memory that the process holds."""
+        with open("/proc/%d/statm" % self.process.pid) as file:
+            return int(file.read().split()[1]) * os.sysconf("SC_PAGE_SIZE")
+
     def stop(self):
         """Asks for the end, gives the exit code; the log lines stand in `log`."""
         self.process.terminate()

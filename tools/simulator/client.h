@@ -3,6 +3,7 @@
 #include "items.h"
 
 #include <array>
+#include <functional>
 #include <map>
 #include <optional>
 #include <set>
@@ -24,6 +25,10 @@ struct ReorderDraft {
   std::vector<std::size_t> items;
 };
 
+/// Sends the next piece of a long answer, some tens of kilobytes at most. @return whether there is more to
+/// send
+using Producer = std::function<bool ()>;
+
 /// One connection, as the rest of the server sees it: where answers go, and what the client has asked for.
 /// What is kept here is lost with the connection.
 class Client {
@@ -36,7 +41,12 @@ public:
   /// Queues a message. Never waits.
   virtual void send (std::string message) = 0;
 
-  /// So much waits to be sent that reports which will soon be outdated are better left out.
+  /// Calls the producer again and again, each time when the client has taken most of what was sent before.
+  /// The next command of this client is carried out after the last call; reports and other clients do not
+  /// wait.
+  virtual void produce (Producer producer) = 0;
+
+  /// Whether so much waits to be sent that reports which will soon be outdated are better left out.
   virtual bool lags () const = 0;
 
   const int number;                              ///< for the log

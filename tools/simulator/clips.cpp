@@ -108,6 +108,13 @@ std::vector<Track> tracks_of (std::string_view text) {
   return tracks;
 }
 
+// Names of what is in a directory lie between these two: `dir/` and `dir0`, since 0 follows the slash.
+std::pair<std::string, std::string> range_below (const std::string &directory) {
+  if (directory.empty ())
+    return {"", "\xFF"};
+  return {directory + '/', directory + '0'};
+}
+
 } // namespace
 
 Clips::Clips (Database &database, const Clock &clock, Random &random)
@@ -160,28 +167,36 @@ std::vector<std::string> Clips::column (Rows rows) const {
   return values;
 }
 
-std::vector<std::string> Clips::names () const {
-  return column (database_.query ("SELECT id FROM clips ORDER BY id"));
+std::vector<std::string> Clips::names_after (const std::string &last, const Directory &directory,
+                                             int most) const {
+  const std::int64_t limit = most;
+  if (!directory)
+    return column (database_.query ("SELECT id FROM clips WHERE id > ? ORDER BY id LIMIT ?", last, limit));
+  return column (database_.query ("SELECT id FROM clips WHERE directory = ? AND id > ? ORDER BY id LIMIT ?",
+                                  *directory, last, limit));
 }
 
-std::vector<std::string> Clips::names_behind (const std::string &name, std::uint64_t most) const {
-  constexpr std::uint64_t limit = 10'000;
-  return column (database_.query ("SELECT id FROM clips WHERE id > ? ORDER BY id LIMIT ?", name,
-                                  static_cast<std::int64_t> (std::min (most, limit))));
+std::vector<std::string> Clips::directories_after (const std::string &last, const Directory &directory,
+                                                   int most) const {
+  const std::int64_t limit = most;
+  if (!directory)
+    return column (
+        database_.query ("SELECT name FROM directories WHERE name > ? ORDER BY name LIMIT ?", last, limit));
+  const auto [first, end] = range_below (*directory);
+  return column (database_.query ("SELECT name FROM directories WHERE name > ? AND name < ? "
+                                  "AND instr (substr (name, length (?) + 1), '/') = 0 ORDER BY name LIMIT ?",
+                                  std::max (last, first), end, first, limit));
 }
 
-std::vector<std::string> Clips::names_in (const std::string &directory) const {
-  return column (database_.query ("SELECT id FROM clips WHERE directory = ? ORDER BY id", directory));
+std::vector<std::string> Clips::names_below (const std::string &directory) const {
+  const auto [first, end] = range_below (directory);
+  return column (database_.query ("SELECT id FROM clips WHERE id > ? AND id < ? ORDER BY id", first, end));
 }
 
-std::vector<std::string> Clips::directories () const {
-  return column (database_.query ("SELECT name FROM directories ORDER BY name"));
-}
-
-std::vector<std::string> Clips::directories_in (const std::string &directory) const {
-  std::vector<std::string> all = directories ();
-  std::erase_if (all, [&] (const std::string &name) { return directory_of (name) != directory; });
-  return all;
+std::vector<std::string> Clips::directories_below (const std::string &directory) const {
+  const auto [first, end] = range_below (directory);
+  return column (
+      database_.query ("SELECT name FROM directories WHERE name > ? AND name < ? ORDER BY name", first, end));
 }
 
 void Clips::check_new_name (const std::string &name) const {

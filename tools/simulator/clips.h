@@ -24,13 +24,16 @@ public:
   /// The clip. @throws Refusal with the code `clipnotfound`.
   Clip find (const std::string &id) const;
 
-  /// All names, or those that stand in a directory, in order.
-  std::vector<std::string> names () const;
-  /// So many of them at most, those behind a name.
-  std::vector<std::string> names_behind (const std::string &name, std::uint64_t most) const;
-  std::vector<std::string> names_in (const std::string &directory) const;
-  std::vector<std::string> directories () const;
-  std::vector<std::string> directories_in (const std::string &directory) const;
+  // The names behind a name, in order, at most `most` of them. All names are behind the empty one. With a
+  // directory, only what is directly in it.
+  using Directory = std::optional<std::string>;
+  std::vector<std::string> names_after (const std::string &last, const Directory &directory, int most) const;
+  std::vector<std::string> directories_after (const std::string &last, const Directory &directory,
+                                              int most) const;
+
+  // All names of what is in a directory, at any depth.
+  std::vector<std::string> names_below (const std::string &directory) const;
+  std::vector<std::string> directories_below (const std::string &directory) const;
 
   /// Fields that all clips take together.
   std::int64_t fields () const { return fields_; }

@@ -18,29 +18,38 @@ void check_content (const Clip &clip) {
     throw Refusal (fmt::format ("Clip '{}' is read-only", clip.id));
 }
 
-void send_names (Call &call, const char *body, const char *tag, const std::vector<std::string> &names) {
-  for (const std::string &name : names)
-    call.row (Writer ().open (body).text (tag, name).close (body).take ());
-}
+constexpr int page_size = 200; // names
 
-std::string directory_wanted (const Call &call) {
-  const std::string &name = call.arguments.text ("DirectoryName");
-  if (!call.world.clips.directory_exists (name))
-    throw Refusal (fmt::format ("Directory '{}' does not exist", name));
+using Page = std::vector<std::string> (Clips::*) (const std::string &, const Clips::Directory &, int) const;
+
+Clips::Directory directory_wanted (const Call &call) {
+  const Clips::Directory name = call.arguments.maybe_text ("DirectoryName");
+  if (name && !call.world.clips.directory_exists (*name))
+    throw Refusal (fmt::format ("Directory '{}' does not exist", *name));
   return name;
 }
 
+// The list has every name that is there from beginning to end. One that is created or deleted meanwhile may
+// or may not be in it.
+void send_names (Call &call, const char *body, const char *tag, Page page) {
+  const auto next = [body, tag, page, &clips = call.world.clips, directory = directory_wanted (call),
+                     last = std::string ()] () mutable {
+    std::vector<std::string> names = (clips.*page) (last, directory, page_size);
+    if (!names.empty ())
+      last = names.back ();
+    for (std::string &name : names)
+      name = Writer ().open (body).text (tag, name).close (body).take ();
+    return names;
+  };
+  call.rows (next);
+}
+
 void download_clipids (Call &call) {
-  const Clips &clips = call.world.clips;
-  const bool one = call.arguments.has ("DirectoryName");
-  send_names (call, "clipid", "ClipID", one ? clips.names_in (directory_wanted (call)) : clips.names ());
+  send_names (call, "clipid", "ClipID", &Clips::names_after);
 }
 
 void download_directory_names (Call &call) {
-  const Clips &clips = call.world.clips;
-  const bool one = call.arguments.has ("DirectoryName");
-  send_names (call, "directory_name", "DirectoryName",
-              one ? clips.directories_in (directory_wanted (call)) : clips.directories ());
+  send_names (call, "directory_name", "DirectoryName", &Clips::directories_after);
 }
 
 void get_clip_info (Call &call) {
@@ -140,19 +149,17 @@ void create_directory (Call &call) {
 void rename_dir (Call &call) {
   World &world = call.world;
   const std::string &from = call.arguments.text ("FromDir"), &to = call.arguments.text ("ToDir");
-  const std::vector<std::string> directories = world.clips.directories ();
+  const std::vector<std::string> directories = world.clips.directories_below (from);
   world.clips.rename_directory (from, to);
   world.report_directory ("directory_deleted", from);
   world.report_directory ("directory_created", to);
-  for (const std::string &name : directories)
-    if (name.starts_with (from + '/')) {
-      world.clips.rename_directory (name, to + name.substr (from.size ()));
-      world.report_directory ("directory_deleted", name);
-      world.report_directory ("directory_created", to + name.substr (from.size ()));
-    }
-  for (const std::string &name : world.clips.names ())
-    if (name.starts_with (from + '/'))
-      rename_one (world, name, to + name.substr (from.size ()));
+  for (const std::string &name : directories) {
+    world.clips.rename_directory (name, to + name.substr (from.size ()));
+    world.report_directory ("directory_deleted", name);
+    world.report_directory ("directory_created", to + name.substr (from.size ()));
+  }
+  for (const std::string &name : world.clips.names_below (from))
+    rename_one (world, name, to + name.substr (from.size ()));
 }
 
 // What lies behind the clip: its file, or the segments of a virtual clip.

@@ -22,20 +22,43 @@ ListDraft &open_draft (Call &call, const ListKind &kind) {
   return *draft;
 }
 
+constexpr int page_size = 100; // names or items
+
 template <const ListKind &kind>
 void download_names (Call &call) {
-  for (const std::string &id : call.world.lists.names (kind))
-    call.row (Writer ().open (kind.id_row).text (kind.id, id).close (kind.id_row).take ());
+  const auto next = [&lists = call.world.lists, last = std::string ()] () mutable {
+    std::vector<std::string> names = lists.names_after (kind, last, page_size);
+    if (!names.empty ())
+      last = names.back ();
+    for (std::string &name : names)
+      name = Writer ().open (kind.id_row).text (kind.id, name).close (kind.id_row).take ();
+    return names;
+  };
+  call.rows (next);
+}
+
+template <const ListKind &kind>
+std::string item_row (const Item &item) {
+  Writer out;
+  out.open (kind.item_row);
+  write_item (out, item, kind);
+  return out.close (kind.item_row).take ();
 }
 
 template <const ListKind &kind>
 void download_items (Call &call) {
-  for (const Item &item : call.world.lists.find (kind, call.arguments.text (kind.id))) {
-    Writer out;
-    out.open (kind.item_row);
-    write_item (out, item, kind);
-    call.row (out.close (kind.item_row).take ());
-  }
+  const std::string &name = call.arguments.text (kind.id);
+  const auto next = [&lists = call.world.lists, id = name, changes = call.world.lists.changes (kind, name),
+                     place = std::int64_t{0}] () mutable {
+    if (lists.changes (kind, id) != changes)
+      throw Refusal (fmt::format ("{} '{}' has changed while it was being sent", kind.name, id));
+    std::vector<std::string> rows;
+    for (const Item &item : lists.items_from (kind, id, place, page_size))
+      rows.push_back (item_row<kind> (item));
+    place += page_size;
+    return rows;
+  };
+  call.rows (next);
 }
 
 template <const ListKind &kind>

@@ -16,22 +16,30 @@ std::string prefix_of (const Arguments &arguments) {
   return arguments.maybe_text ("MetadataPrefix").value_or ("");
 }
 
-// A list that is told in as many messages as it takes.
+// A list of keys or pairs that is sent in as many messages as it takes.
 struct Told {
   const char *body;
   const char *list;
   std::string name, prefix;
 
+  Writer started () const {
+    Writer out;
+    out.open (body).text ("MetadataDatabase", name).text ("MetadataPrefix", prefix).open (list);
+    return out;
+  }
+
+  // Whether one more item goes into a message that has this size and so many of them.
+  static bool has_room (std::size_t size, std::size_t count, const std::string &item) {
+    return count == 0 || (count < items_of_message && size + item.size () < full_message);
+  }
+
   std::vector<std::string> messages (const std::vector<std::string> &items) const {
     std::vector<std::string> all;
     for (std::size_t next = 0; next < items.size ();) {
-      Writer out;
-      out.open (body).text ("MetadataDatabase", name).text ("MetadataPrefix", prefix).open (list);
-      const std::size_t first = next;
-      do
+      Writer out = started ();
+      for (std::size_t count = 0;
+           next < items.size () && has_room (out.result ().size (), count, items[next]); ++count)
         out.raw (items[next++]);
-      while (next < items.size () && next - first < items_of_message &&
-             out.result ().size () + items[next].size () < full_message);
       all.push_back (out.close (list).close (body).take ());
     }
     return all;
@@ -44,14 +52,29 @@ std::string written_pair (const std::string &key, const std::string &value) {
   return out.take ();
 }
 
+// The next pairs, as many as one message takes.
+std::vector<std::string> next_pairs (const MetadataDatabases &databases, const Told &told,
+                                     std::string &last) {
+  std::vector<std::string> items;
+  std::size_t size = told.started ().result ().size ();
+  databases.each_after (told.name, told.prefix, last, [&] (const std::string &key, const std::string &value) {
+    std::string item = written_pair (key.substr (told.prefix.size ()), value);
+    if (!Told::has_room (size, items.size (), item))
+      return false;
+    size += item.size ();
+    items.push_back (std::move (item));
+    last = key;
+    return true;
+  });
+  return items;
+}
+
 void download_metadata (Call &call) {
   const Told told = {"metadata", "MetadataList", call.arguments.text ("MetadataDatabase"),
                      prefix_of (call.arguments)};
-  std::vector<std::string> items;
-  for (const auto &[key, value] : call.world.metadata.find (told.name, told.prefix))
-    items.push_back (written_pair (key.substr (told.prefix.size ()), value));
-  for (const std::string &row : told.messages (items))
-    call.row (row);
+  call.rows ([told, &databases = call.world.metadata, last = std::string ()] () mutable {
+    return told.messages (next_pairs (databases, told, last));
+  });
 }
 
 void maybe_refuse (World &world) {

@@ -22,22 +22,34 @@ void Lists::check_exists (const ListKind &kind, const std::string &id) const {
     throw Refusal (fmt::format ("{} '{}' does not exist", kind.name, id));
 }
 
-std::vector<std::string> Lists::names (const ListKind &kind) const {
+std::vector<std::string> Lists::names_after (const ListKind &kind, const std::string &last, int most) const {
   std::vector<std::string> names;
-  Rows rows = database_.query ("SELECT id FROM lists WHERE kind = ? ORDER BY id", kind.number);
+  Rows rows = database_.query ("SELECT id FROM lists WHERE kind = ? AND id > ? ORDER BY id LIMIT ?",
+                               kind.number, last, std::int64_t{most});
   while (rows.next ())
     names.push_back (rows.text (0));
   return names;
 }
 
 std::vector<Item> Lists::find (const ListKind &kind, const std::string &id) const {
+  return items_from (kind, id, 0, -1);
+}
+
+std::vector<Item> Lists::items_from (const ListKind &kind, const std::string &id, std::int64_t first,
+                                     int most) const {
   check_exists (kind, id);
   std::vector<Item> items;
-  Rows rows = database_.query ("SELECT item FROM list_items WHERE kind = ? AND id = ? ORDER BY place",
-                               kind.number, id);
+  Rows rows = database_.query (
+      "SELECT item FROM list_items WHERE kind = ? AND id = ? AND place >= ? ORDER BY place LIMIT ?",
+      kind.number, id, first, std::int64_t{most});
   while (rows.next ())
     items.push_back (item_of (Arguments (parse_document (rows.text (0))), kind));
   return items;
+}
+
+std::uint64_t Lists::changes (const ListKind &kind, const std::string &id) const {
+  const auto found = changes_.find ({kind.number, id});
+  return found == changes_.end () ? 0 : found->second;
 }
 
 void Lists::store (const ListKind &kind, const std::string &id, const std::vector<Item> &items) {
@@ -51,12 +63,14 @@ void Lists::store (const ListKind &kind, const std::string &id, const std::vecto
     database_.run ("INSERT INTO list_items VALUES (?, ?, ?, ?)", kind.number, id, place++, out.result ());
   }
   transaction.finish ();
+  ++changes_[{kind.number, id}];
 }
 
 void Lists::remove (const ListKind &kind, const std::string &id) {
   check_exists (kind, id);
   database_.run ("DELETE FROM lists WHERE kind = ? AND id = ?", kind.number, id);
   database_.run ("DELETE FROM list_items WHERE kind = ? AND id = ?", kind.number, id);
+  ++changes_[{kind.number, id}];
 }
 
 void Lists::rename (const ListKind &kind, const std::string &from, const std::string &to) {

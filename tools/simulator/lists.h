@@ -3,7 +3,10 @@
 #include "database.h"
 #include "items.h"
 
+#include <cstdint>
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace sim {
@@ -14,10 +17,20 @@ public:
   explicit Lists (Database &database);
 
   bool exists (const ListKind &kind, const std::string &id) const;
-  std::vector<std::string> names (const ListKind &kind) const;
+  /// The names behind a name, in order, at most `most` of them, or all when it is negative. All names are
+  /// behind the empty one.
+  std::vector<std::string> names_after (const ListKind &kind, const std::string &last, int most) const;
 
   /// The items of a list. @throws Refusal when there is no such list.
   std::vector<Item> find (const ListKind &kind, const std::string &id) const;
+
+  /// The items of a list from one place on, at most so many.
+  /// @throws Refusal when there is no such list.
+  std::vector<Item> items_from (const ListKind &kind, const std::string &id, std::int64_t first,
+                                int most) const;
+
+  /// Counts the changes of that list, so that whoever reads it in parts can find out that it is another one.
+  std::uint64_t changes (const ListKind &kind, const std::string &id) const;
 
   /// Stores a list under a name, in the place of one that is there.
   void store (const ListKind &kind, const std::string &id, const std::vector<Item> &items);
@@ -30,6 +43,7 @@ private:
   void check_exists (const ListKind &kind, const std::string &id) const;
 
   Database &database_;
+  std::map<std::pair<std::int64_t, std::string>, std::uint64_t> changes_;
 };
 
 } // namespace sim

@@ -8,17 +8,15 @@ MetadataDatabases::MetadataDatabases (Database &database) : database_ (database)
       "PRIMARY KEY (name, key)) WITHOUT ROWID");
 }
 
-Pairs MetadataDatabases::find (const std::string &name, const std::string &prefix) const {
-  Pairs pairs;
-  Rows rows = database_.query ("SELECT key, value FROM metadata WHERE name = ? AND key >= ? ORDER BY key",
-                               name, prefix);
-  while (rows.next ()) {
-    std::string key = rows.text (0);
-    if (!key.starts_with (prefix))
-      break;
-    pairs.emplace_back (std::move (key), rows.text (1));
-  }
-  return pairs;
+void MetadataDatabases::each_after (
+    const std::string &name, const std::string &prefix, const std::string &last,
+    const std::function<bool (const std::string &key, const std::string &value)> &visit) const {
+  Rows rows =
+      database_.query ("SELECT key, value FROM metadata WHERE name = ? AND key >= ? AND key > ? ORDER BY key",
+                       name, prefix, last);
+  while (rows.next ())
+    if (const std::string key = rows.text (0); !key.starts_with (prefix) || !visit (key, rows.text (1)))
+      return;
 }
 
 void MetadataDatabases::set (const std::string &name, const std::string &key, const std::string &value) {

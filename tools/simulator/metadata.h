@@ -2,21 +2,20 @@
 
 #include "database.h"
 
+#include <functional>
 #include <string>
-#include <utility>
-#include <vector>
 
 namespace sim {
-
-using Pairs = std::vector<std::pair<std::string, std::string>>; ///< keys and values
 
 /// The metadata databases: tables of texts by name. One that is not yet there is empty.
 class MetadataDatabases {
 public:
   explicit MetadataDatabases (Database &database);
 
-  /// All pairs whose keys start with the prefix, in the order of the keys.
-  Pairs find (const std::string &name, const std::string &prefix) const;
+  /// Visits the pairs whose keys start with the prefix and are behind `last`, in the order of the keys, until
+  /// the visitor returns false. All keys are behind the empty one.
+  void each_after (const std::string &name, const std::string &prefix, const std::string &last,
+                   const std::function<bool (const std::string &key, const std::string &value)> &visit) const;
   void set (const std::string &name, const std::string &key, const std::string &value);
   /// @return whether the key was there
   bool erase (const std::string &name, const std::string &key);

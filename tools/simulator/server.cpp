@@ -13,6 +13,8 @@
 #include <csignal>
 #include <fmt/format.h>
 #include <memory>
+#include <netinet/tcp.h>
+#include <utility>
 
 namespace sim {
 
@@ -22,8 +24,22 @@ using asio::ip::tcp;
 using Clock = std::chrono::steady_clock;
 
 constexpr unsigned short port = 8913;
+// Bytes that wait to be sent to one client. Positions are left out above the first. Long answers stop above
+// the second, and commands wait above the third, until the client has taken some. Only reports can go
+// further.
 constexpr std::size_t lagging_bytes = 1u << 20;
+constexpr std::size_t filled_bytes = 1u << 16;
+constexpr std::size_t full_bytes = 16u << 20;
+
+// A client that has left so many bytes and taken none for so long is sent away, and one that has left more at
+// once.
+constexpr std::size_t idle_bytes = 64u << 20;
+constexpr std::chrono::seconds idle_time{10};
 constexpr std::size_t hopeless_bytes = 512u << 20;
+
+constexpr int parts_in_a_turn = 8; // of a long answer
+constexpr std::size_t written_at_once = 256u << 10;
+constexpr std::chrono::milliseconds accept_pause{100};
 
 // Fields that are due have gone by before anything else happens.
 void pass_due_fields (World &world) {
@@ -55,28 +71,35 @@ public:
     line_->detach ();
     asio::error_code ignored;
     socket_.close (ignored);
-    world_.leave (*this);
-    note (why);
+    cut_off_ = true;
+    part (why);
     ended_ (number);
   }
 
   void send (std::string message) override {
     line_->send (message);
-    if (unsent () > hopeless_bytes)
+    if (is_hopeless ())
       give_up ();
+  }
+
+  void produce (Producer producer) override {
+    producer_ = std::move (producer);
+    fill ();
   }
 
   bool lags () const override { return unsent () > lagging_bytes; }
 
   Line &line () { return *line_; }
 
-  std::size_t unsent () const { return waiting_.size () + line_->held (); }
+  std::size_t unsent () const { return waiting_.size () + going_.size () - written_ + line_->held (); }
 
   /// Queues bytes behind what waits to be sent, past all faults.
   void put (std::string_view bytes) override {
     waiting_ += bytes;
-    if (!writing_)
-      write ();
+    if (writing_)
+      return;
+    last_taken_ = Clock::now ();
+    write ();
   }
 
   void reset () override {
@@ -87,7 +110,7 @@ public:
 
 private:
   void finish () override {
-    finishing_ = true;
+    finishing_ = cut_off_ = true;
     if (!writing_)
       end_later ("is sent away by a fault");
   }
@@ -111,22 +134,44 @@ private:
       log_line (fmt::format ("#{} {}", number, what));
   }
 
+  // The world forgets the client.
+  void part (std::string_view why) {
+    if (std::exchange (parted_, true))
+      return;
+    world_.leave (*this);
+    note (why);
+  }
+
   void read () {
     reading_ = true;
     socket_.async_read_some (asio::buffer (received_),
                              [self = shared_from_this ()] (const asio::error_code &error, std::size_t size) {
-                               error ? self->end ("goes") : self->take (size);
+                               self->take (error, size);
                              });
   }
 
-  void take (std::size_t size) {
+  void take (const asio::error_code &error, std::size_t size) {
     reading_ = false;
+    if (error == asio::error::eof)
+      return hear_no_more ();
+    if (error)
+      return end ("goes");
     try {
       framer_.feed ({received_.data (), size});
     } catch (const Malformed &fault) {
       return end (fmt::format ("is sent away: {}", fault.what ()));
     }
     go_on ();
+  }
+
+  // The client has sent its last command. It still gets its answers, unless it does not read them for long.
+  void hear_no_more () {
+    part ("goes");
+    finishing_ = true;
+    const unsigned milliseconds = 10'000;
+    ::setsockopt (socket_.native_handle (), IPPROTO_TCP, TCP_USER_TIMEOUT, &milliseconds,
+                  sizeof milliseconds);
+    end_if_done ();
   }
 
   // Carries out what has been read, then reads on.
@@ -143,19 +188,56 @@ private:
     } catch (const Malformed &fault) {
       return end (fmt::format ("is sent away: {}", fault.what ()));
     }
+    stalled_ = is_full ();
     if (may_carry_out () && !reading_)
       read ();
   }
 
-  bool may_carry_out () const { return !finishing_ && socket_.is_open () && line_->may_read (); }
+  bool may_carry_out () const {
+    return !finishing_ && !is_full () && socket_.is_open () && line_->may_read ();
+  }
+
+  bool is_producing () const { return producer_ && !cut_off_; }
+
+  // The client has so much to take that its next command waits.
+  bool is_full () const { return is_producing () || unsent () >= full_bytes; }
 
   void carry_out (const std::string &document) {
     if (line_->receive (document))
       world_.receive (*this, document);
   }
 
+  // Continues a long answer. Others have their turn between its parts, even when a fault swallows them all.
+  void fill () {
+    for (int part = 0; part < parts_in_a_turn && is_producing () && unsent () < filled_bytes; ++part)
+      if (!producer_ ())
+        producer_ = nullptr;
+    if (is_producing () && !writing_ && unsent () < filled_bytes && !std::exchange (fill_posted_, true))
+      asio::post (socket_.get_executor (), [self = shared_from_this ()] {
+        self->fill_posted_ = false;
+        self->sent_some ();
+      });
+  }
+
+  void sent_some () {
+    fill ();
+    if (stalled_ && !is_full ())
+      go_on ();
+    end_if_done ();
+  }
+
+  void end_if_done () {
+    if (finishing_ && !is_producing () && !writing_ && (cut_off_ || unsent () == 0))
+      end (parted_ ? "goes" : "is sent away by a fault");
+  }
+
+  bool is_hopeless () const {
+    return unsent () > hopeless_bytes ||
+           (unsent () > idle_bytes && writing_ && Clock::now () - last_taken_ > idle_time);
+  }
+
   void give_up () {
-    waiting_.clear ();
+    waiting_ = {};
     end_later ("is sent away: it does not read");
   }
 
@@ -169,22 +251,34 @@ private:
     if (!socket_.is_open ())
       return;
     writing_ = true;
-    going_.swap (waiting_);
-    asio::async_write (socket_, asio::buffer (going_),
-                       [self = shared_from_this ()] (const asio::error_code &error, std::size_t) {
-                         self->written (static_cast<bool> (error));
-                       });
+    if (written_ == going_.size ()) {
+      going_.clear ();
+      going_.swap (waiting_);
+      written_ = 0;
+    }
+    const std::size_t size = std::min (going_.size () - written_, written_at_once);
+    socket_.async_write_some (
+        asio::buffer (going_.data () + written_, size),
+        [self = shared_from_this ()] (const asio::error_code &error, std::size_t taken) {
+          self->wrote (static_cast<bool> (error), taken);
+        });
   }
 
-  void written (bool failed) {
-    writing_ = false;
-    going_.clear ();
+  void wrote (bool failed, std::size_t taken) {
+    written_ += taken;
+    last_taken_ = Clock::now ();
     if (failed)
-      end ("goes");
-    else if (!waiting_.empty ())
+      return end ("goes");
+    if (written_ == going_.size () && waiting_.empty ())
+      fill ();
+    writing_ = written_ < going_.size () || !waiting_.empty ();
+    if (writing_) {
       write ();
-    else if (finishing_)
-      end ("is sent away by a fault");
+    } else {
+      going_ = {};
+      written_ = 0;
+    }
+    sent_some ();
   }
 
   World &world_;
@@ -193,11 +287,18 @@ private:
   const std::function<void (int)> ended_;
   Framer framer_;
   std::array<char, 16384> received_{};
-  std::string waiting_; ///< not yet handed to the socket
-  std::string going_;   ///< what the write under way refers to
+  Producer producer_;       ///< the long answer under way, if any
+  std::string waiting_;     ///< not yet handed to the socket
+  std::string going_;       ///< what the write under way refers to
+  std::size_t written_ = 0; ///< bytes of `going_` that the client has taken
+  Clock::time_point last_taken_;
   bool writing_ = false;
   bool reading_ = false;
   bool may_read_ = true;
+  bool stalled_ = false; ///< commands wait until the client has taken some of its answers
+  bool fill_posted_ = false;
+  bool cut_off_ = false;   ///< nothing more is sent but what is queued
+  bool parted_ = false;    ///< the world does not know it any more
   bool finishing_ = false; ///< nothing more is carried out
 };
 
@@ -205,7 +306,7 @@ class Server : public Steered, public Witness {
 public:
   Server (asio::io_context &context, const Options &options)
       : context_ (context), options_ (options), world_ (std::make_unique<World> (options)),
-        acceptor_ (context), timer_ (context) {
+        acceptor_ (context), timer_ (context), accept_timer_ (context) {
     faults_.changed = [this] { refresh_faults (); };
     set_first_faults ();
     open ();
@@ -277,14 +378,29 @@ private:
     acceptor_.set_option (tcp::acceptor::reuse_address (true));
     acceptor_.bind (endpoint);
     acceptor_.listen ();
+    accept_timer_.cancel ();
     accept ();
   }
 
   void accept () {
     acceptor_.async_accept ([this] (const asio::error_code &error, tcp::socket socket) {
-      if (!error)
-        greet (std::move (socket));
-      if (error != asio::error::operation_aborted)
+      if (error == asio::error::operation_aborted)
+        return;
+      if (error)
+        return accept_later (error);
+      accept_fails_ = false;
+      greet (std::move (socket));
+      accept ();
+    });
+  }
+
+  // Most likely no descriptor is left. New clients wait in the queue of the system until another one goes.
+  void accept_later (const asio::error_code &error) {
+    if (!std::exchange (accept_fails_, true))
+      log_line (fmt::format ("new clients wait: {}", error.message ()));
+    accept_timer_.expires_after (accept_pause);
+    accept_timer_.async_wait ([this] (const asio::error_code &cancelled) {
+      if (!cancelled && acceptor_.is_open ())
         accept ();
     });
   }
@@ -343,6 +459,8 @@ private:
   std::unique_ptr<World> world_;
   tcp::acceptor acceptor_;
   asio::steady_timer timer_;
+  asio::steady_timer accept_timer_;
+  bool accept_fails_ = false; ///< the last one did
   Random chances_ = options_.seed ? Random (*options_.seed) : Random ();
   Faults faults_{context_, chances_};
   Journal journal_;

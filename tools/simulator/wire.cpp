@@ -1,6 +1,9 @@
 #include "wire.h"
 
+#include <algorithm>
 #include <pugixml.hpp>
+#include <utf8.h>
+#include <utility>
 
 namespace sim {
 
@@ -17,47 +20,6 @@ struct Entity {
 constexpr Entity entities[] = {
     {'\'', "&apos;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}, {'&', "&amp;"}};
 
-bool is_continuation (unsigned char byte) {
-  return (byte & 0xC0) == 0x80;
-}
-
-// Bytes of the sequence that starts with this one; 0: none does.
-std::size_t sequence_length (unsigned char first) {
-  if (first < 0x80)
-    return first == 0 ? 0 : 1;
-  if (first >= 0xC2 && first < 0xE0)
-    return 2;
-  if (first >= 0xE0 && first < 0xF0)
-    return 3;
-  return first >= 0xF0 && first < 0xF5 ? 4 : 0;
-}
-
-bool is_second_byte (unsigned char first, unsigned char second) {
-  if (first == 0xE0)
-    return second >= 0xA0;
-  if (first == 0xED)
-    return second < 0xA0;
-  if (first == 0xF0)
-    return second >= 0x90;
-  return first != 0xF4 || second < 0x90;
-}
-
-bool is_utf8 (std::string_view text) {
-  for (std::size_t at = 0; at < text.size ();) {
-    const auto first = static_cast<unsigned char> (text[at]);
-    const std::size_t length = sequence_length (first);
-    if (length == 0 || length > text.size () - at)
-      return false;
-    for (std::size_t i = 1; i < length; ++i)
-      if (!is_continuation (static_cast<unsigned char> (text[at + i])))
-        return false;
-    if (length > 1 && !is_second_byte (first, static_cast<unsigned char> (text[at + 1])))
-      return false;
-    at += length;
-  }
-  return true;
-}
-
 const Entity *entity_at (std::string_view text) {
   for (const Entity &entity : entities)
     if (text.starts_with (entity.name))
@@ -69,9 +31,13 @@ std::string unescaped (std::string_view text) {
   std::string result;
   result.reserve (text.size ());
   while (!text.empty ()) {
+    const std::size_t plain = std::min (text.find ('&', 1), text.size ());
     const Entity *entity = text.front () == '&' ? entity_at (text) : nullptr;
-    result += entity ? entity->character : text.front ();
-    text.remove_prefix (entity ? entity->name.size () : 1);
+    if (entity)
+      result += entity->character;
+    else
+      result += text.substr (0, plain);
+    text.remove_prefix (entity ? entity->name.size () : plain);
   }
   return result;
 }
@@ -118,19 +84,6 @@ void write_canonical (const Element &element, std::string &out) {
   out += "</" + element.name + '>';
 }
 
-// Where the first end tag of a root element ends, from a place on; npos: it is not there yet.
-std::size_t end_of_root (std::string_view held, std::size_t from) {
-  constexpr std::string_view end_tag = "</cmd";
-  for (std::size_t at = held.find (end_tag, from); at != held.npos; at = held.find (end_tag, at + 1)) {
-    const std::size_t close = held.find_first_not_of (blanks, at + end_tag.size ());
-    if (close == held.npos)
-      return close;
-    if (held[close] == '>')
-      return close + 1;
-  }
-  return held.npos;
-}
-
 bool may_start_document (std::string_view held) {
   constexpr std::string_view start = "<cmd";
   if (held.size () <= start.size ())
@@ -149,31 +102,53 @@ const Element *Element::child (std::string_view wanted) const {
 }
 
 void Framer::feed (std::string_view bytes) {
+  held_.erase (0, taken_);
+  searched_ -= std::exchange (taken_, 0);
+  if (held_.empty ())
+    held_.shrink_to_fit ();
   if (bytes.size () > most_bytes - held_.size ())
     throw Malformed ("the document is too long");
   held_ += bytes;
 }
 
-std::optional<std::string> Framer::next () {
-  const std::size_t start = std::min (held_.find_first_not_of (blanks), held_.size ());
-  held_.erase (0, start);
-  searched_ -= std::min (searched_, start);
-  if (!may_start_document (held_))
-    throw Malformed ("no <cmd> where a document should start");
-  const std::size_t end = end_of_root (held_, searched_);
-  if (end == held_.npos) {
-    searched_ = std::min (held_.rfind ('<'), held_.size ());
-    return std::nullopt;
+// The end of the first end tag of a root element, or npos while it is not there. No byte is looked at twice.
+std::size_t Framer::find_end () {
+  constexpr std::string_view end_tag = "</cmd";
+  while (searched_ < held_.size ()) {
+    if (matched_ == 0)
+      searched_ = std::min (held_.find (end_tag.front (), searched_), held_.size ());
+    if (searched_ == held_.size ())
+      break;
+    const char c = held_[searched_++];
+    if (matched_ == end_tag.size () && c == '>')
+      return searched_;
+    if (matched_ < end_tag.size () && c == end_tag[matched_])
+      ++matched_;
+    else if (matched_ < end_tag.size () || blanks.find (c) == blanks.npos)
+      matched_ = c == end_tag.front () ? 1 : 0;
   }
-  std::string document = held_.substr (0, end);
-  held_.erase (0, end);
-  searched_ = 0;
+  return held_.npos;
+}
+
+std::optional<std::string> Framer::next () {
+  taken_ = std::min (held_.find_first_not_of (blanks, taken_), held_.size ());
+  searched_ = std::max (searched_, taken_);
+  if (!may_start_document (std::string_view (held_).substr (taken_)))
+    throw Malformed ("no <cmd> where a document should start");
+  const std::size_t end = find_end ();
+  if (end == held_.npos)
+    return std::nullopt;
+  std::string document = held_.substr (taken_, end - taken_);
+  taken_ = end;
+  matched_ = 0;
   return document;
 }
 
 Element parse_document (std::string_view document) {
-  if (!is_utf8 (document))
+  if (!utf8::is_valid (document.data (), document.data () + document.size ()))
     throw Malformed ("the document is not UTF-8");
+  if (document.find ('\0') != document.npos)
+    throw Malformed ("the document has a zero byte");
   constexpr unsigned everything = pugi::parse_pi | pugi::parse_comments | pugi::parse_cdata |
                                   pugi::parse_declaration | pugi::parse_doctype |
                                   pugi::parse_ws_pcdata_single;
@@ -196,15 +171,16 @@ std::string canonical_text (const Element &root) {
 std::string escaped (std::string_view text) {
   std::string result;
   result.reserve (text.size ());
-  for (const char c : text) {
-    const Entity *found = nullptr;
+  while (!text.empty ()) {
+    const std::size_t plain = std::min (text.find_first_of ("'<>\"&"), text.size ());
+    result += text.substr (0, plain);
+    text.remove_prefix (plain);
+    if (text.empty ())
+      break;
     for (const Entity &entity : entities)
-      if (entity.character == c)
-        found = &entity;
-    if (found)
-      result += found->name;
-    else
-      result += c;
+      if (entity.character == text.front ())
+        result += entity.name;
+    text.remove_prefix (1);
   }
   return result;
 }

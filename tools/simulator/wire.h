@@ -26,8 +26,12 @@ public:
   std::optional<std::string> next ();
 
 private:
+  std::size_t find_end ();
+
   std::string held_;
-  std::size_t searched_ = 0; ///< no end of a document lies before this
+  std::size_t taken_ = 0;    ///< documents up to here were given away
+  std::size_t searched_ = 0; ///< bytes up to here were searched for an end
+  std::size_t matched_ = 0;  ///< bytes of an end tag that the last searched bytes are
 };
 
 /// Parses one document of the small XML of the protocol: elements and text, five entities, UTF-8.

@@ -100,7 +100,7 @@ World::World (const Options &given)
 }
 
 void World::load_first_clip () {
-  const std::vector<std::string> names = clips.names_in ("");
+  const std::vector<std::string> names = clips.names_after ("", "", 1);
   if (names.empty ())
     return;
   for (int channel = 0; channel < channel_count; ++channel)
@@ -312,6 +312,24 @@ void World::report_positions () {
 
 void Call::row (const std::string &body) {
   client.send (reply_text (xid_, body));
+}
+
+void Call::rows (std::function<std::vector<std::string> ()> next) {
+  answered_ = true;
+  client.produce ([&to = client, xid = xid_, more = std::move (next)] {
+    try {
+      const std::vector<std::string> bodies = more ();
+      for (const std::string &body : bodies)
+        to.send (reply_text (xid, body));
+      if (!bodies.empty ())
+        return true;
+      to.send (reply_text (xid, empty_body ("ok")));
+    } catch (const Refusal &refusal) {
+      to.send (reply_text (xid, error_body (refusal.what (), refusal.code)));
+      log_line (fmt::format ("#{} {} ends with error, {}", to.number, xid, refusal.what ()));
+    }
+    return false;
+  });
 }
 
 void Call::answer (const std::string &body) {

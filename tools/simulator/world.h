@@ -125,8 +125,13 @@ public:
   Call (World &whole, Client &from, std::string identifier, const Element &command)
       : world (whole), client (from), arguments (command), xid_ (std::move (identifier)) {}
 
-  /// Sends a row of a stream, which `ok` will end.
+  /// Sends one row of an answer that has few of them. `ok` ends the answer.
   void row (const std::string &body);
+
+  /// Answers with rows that are produced as the client takes them, and with `ok` behind the last one.
+  /// @param next gives the next rows, some tens of kilobytes at most, and none at the end. When it throws a
+  ///   Refusal, the answer ends with `error`.
+  void rows (std::function<std::vector<std::string> ()> next);
 
   /// Sends the one answer of the command.
   void answer (const std::string &body);

@@ -145,8 +145,8 @@ Json journal_entry_json (const Journal::Entry &entry) {
 }
 
 Json lists_json (const World &world) {
-  return {{"playlists", names_json (world.lists.names (playlists))},
-          {"chases", names_json (world.lists.names (chases))}};
+  return {{"playlists", names_json (world.lists.names_after (playlists, "", -1))},
+          {"chases", names_json (world.lists.names_after (chases, "", -1))}};
 }
 
 Json state_json (Steered &server) {

@@ -38,6 +38,10 @@ class InnerClient : public Client {
 public:
   InnerClient () : Client (-1) {}
   void send (std::string message) override { messages.push_back (std::move (message)); }
+  void produce (Producer producer) override {
+    while (producer ())
+      continue;
+  }
   bool lags () const override { return false; }
 
   std::vector<std::string> messages;
@@ -167,7 +171,8 @@ Json clip_json (World &world, const std::string &name) {
 }
 
 Json clip_names_json (World &world, const std::string &after, std::uint64_t most) {
-  return world.clips.names_behind (after, most);
+  return world.clips.names_after (after, std::nullopt,
+                                  static_cast<int> (std::min<std::uint64_t> (most, 10'000)));
 }
 
 void push_report (World &world, const Json &report) {
