@@ -89,7 +89,12 @@ public:
   }
 
 protected:
-  void send_bytes (const void *data, uint64_t length) override {
+  void write_document (const XMLTree &document, const AFunction<bool ()> &is_over) override {
+    if (!is_over.run ())
+      render (document, AMethod::bind (this, &WireInHand::send_bytes));
+  }
+
+  virtual void send_bytes (const void *data, uint64_t length) {
     if (!link_is_up) {
       fail_all_commands ();
       return;

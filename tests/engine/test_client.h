@@ -32,9 +32,13 @@ public:
   std::atomic<platform::SocketHandle> last_socket{platform::no_socket}; ///< of the latest transmit
   std::atomic<bool> in_transmit{false};                                 ///< of one sender
 
-  using Client::send_bytes;
   using Client::stop_and_join;
   using Client::stop_requested;
+
+  /// Sends bytes as a piece of a document.
+  void send_bytes (const void *data, uint64_t length) {
+    Outgoing{*this, current_link ()}.send_bytes (data, length);
+  }
 
   bool wait_connected (bool wanted = true) {
     return support::wait_until ([&] { return is_connected () == wanted; });

@@ -48,12 +48,13 @@ AString API::open_command (const Shared &entry, const AString &name, const Rows 
                            const void *arguments) {
   AString xid = registry_->issue_id (entry);
   try {
-    send_command (xid, name, rows, arguments, AMethod::bind (entry.get (), &XIDRegistryEntry::has_ended));
-  } catch (...) { // out of memory: passed on, unless the command has ended meanwhile and its callback told
+    send_document (make_document (xid, name, rows, arguments),
+                   AMethod::bind (entry.get (), &XIDRegistryEntry::has_ended));
+  } catch (...) { // out of memory: passed on, unless the command has ended meanwhile and its callback has run
     if (!entry->is_awaited () || registry_->withdraw (entry))
       throw;
   }
-  if (is_ending ()) // nobody fails open commands any more, and this one would wait for ever
+  if (is_ending ()) // open commands are no longer failed, so this one would wait for ever
     registry_->fail (entry);
   return xid;
 }

@@ -1,7 +1,6 @@
 #include "engine/quill3_api_command.h"
 
 #include "base/abuffer.h"
-#include "base/amethod.h"
 
 #include <new>
 
@@ -14,21 +13,14 @@ APICommand::APICommand () : send_lock_ (new AMutex) {
 
 APICommand::~APICommand () = default;
 
-void APICommand::send_command (const AString &xid, const AString &name, const Rows &rows,
-                               const void *arguments, AFunction<bool ()> is_over) {
-  send_document (make_document (xid, name, rows, arguments), is_over);
-}
-
 void APICommand::send_document (const XMLTree &document, AFunction<bool ()> is_over) {
   send_hook_.run (document);
   AMutexScope hold (*send_lock_);
   write_document (document, is_over);
 }
 
-void APICommand::write_document (const XMLTree &document, const AFunction<bool ()> &is_over) {
-  if (is_over.run ())
-    return;
-  ABuffer buffer (AMethod::bind (this, &APICommand::send_bytes));
+void APICommand::render (const XMLTree &document, const Output &output) {
+  ABuffer buffer (output);
   document.write_to (buffer.sink (), XMLLines, true);
   buffer.flush ();
 }

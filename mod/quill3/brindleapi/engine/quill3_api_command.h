@@ -8,39 +8,37 @@
 
 namespace QUILL3 {
 
-/// Turns commands into documents and writes each of them whole. Threads: any may send; the send lock keeps a
-/// document together, so that documents appear on the wire one after the other in the order in which the lock
-/// was taken.
+/// Writes commands, each as one whole document. Threads: any may send. The send lock keeps the bytes of a
+/// document together. Documents appear on the wire in the order in which the lock was taken.
 class APICommand : public APIParser2 {
 public:
   APICommand ();
   ~APICommand () override;
 
-  /// Sets what is called with each outgoing document, on the sender's thread, before the send lock is taken
-  /// for it; a sender may hold locks already. Belongs in front of the first command.
+  /// Sets a hook that is called with each outgoing document. It runs on the sender's thread, before the send
+  /// lock is taken for the document; the sender may hold other locks. Call this before the first command.
   void set_send_hook (AFunction<void (const XMLTree &)> hook) { send_hook_ = hook; }
 
 protected:
-  /// Takes the next bytes of a document; the only way by which bytes leave. Called with the send lock held.
-  virtual void send_bytes (const void *data, uint64_t length) = 0;
+  /// Takes the next bytes of a document.
+  using Output = AFunction<void (const void *data, uint64_t length)>;
 
-  /// Sends a command. @param xid identifier for the document @param name wire name @param rows,arguments the
-  /// struct of namespace command that holds the arguments @param is_over as for `send_document`
-  void send_command (const AString &xid, const AString &name, const Rows &rows, const void *arguments,
-                     AFunction<bool ()> is_over = {});
+  /// Sends a document. All commands leave through here.
+  /// @param is_over asked when the lock is held. When it returns true, the command has already failed with
+  /// the
+  ///   link that it was meant for, and must not appear on another link: nothing is written.
+  void send_document (const XMLTree &document, AFunction<bool ()> is_over);
 
-  /// The point through which every document leaves: calls the hook, then writes under the send lock.
-  /// @param is_over asked when the lock is held; true: the command has ended meanwhile, with the link that it
-  /// was meant for, and must not appear on another
-  void send_document (const XMLTree &document, AFunction<bool ()> is_over = {});
+  /// Writes a document with `render`, unless `is_over`. Called with the send lock held.
+  virtual void write_document (const XMLTree &document, const AFunction<bool ()> &is_over)
+      KELVANE_REQUIRES (*send_lock_) = 0;
 
-  /// Renders a document and hands it to `send_bytes` in pieces of at most 1500 bytes, unless `is_over`. The
-  /// send lock is held.
-  virtual void write_document (const XMLTree &document, const AFunction<bool ()> &is_over);
+  /// Passes the text of a document to @p output, in pieces of at most 1500 bytes.
+  static void render (const XMLTree &document, const Output &output);
 
 private:
   AFunction<void (const XMLTree &)> send_hook_;
-  std::unique_ptr<AMutex> send_lock_; ///< recursive: a callback that runs during a send may send
+  std::unique_ptr<AMutex> send_lock_; ///< recursive, because a callback that runs during a send may send
 };
 
 } // namespace QUILL3

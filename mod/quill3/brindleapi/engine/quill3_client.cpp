@@ -1,5 +1,6 @@
 #include "engine/quill3_client.h"
 
+#include "base/amethod.h"
 #include "platform/clocks.h"
 
 #include <algorithm>
@@ -25,9 +26,9 @@ struct Client::StartBlock {
 
 Client::Client () : Client (default_server_address) {}
 
-Client::Client (uint32_t server_address) : server_address_ (server_address), stop_signal_ (false) {
+Client::Client (uint32_t server_address) : server_address_ (server_address), stop_semaphore_ (false) {
   // Without these its thread could neither run nor be ended: then there is no connection at all.
-  if (!link_lock_.is_valid () || !stop_signal_.is_valid () || !idle_lock_.is_valid ())
+  if (!link_lock_.is_valid () || !stop_semaphore_.is_valid () || !idle_lock_.is_valid ())
     throw std::bad_alloc ();
   platform::sockets_start ();
 }
@@ -62,7 +63,7 @@ bool Client::is_own_thread () const {
 void Client::stop_and_join () noexcept {
   stop_requested_ = true;
   wake_up_.set ();
-  stop_signal_.post ();
+  stop_semaphore_.post ();
   if (std::shared_ptr<Link> link = current_link ())
     link->close (); // the thread may be waiting in a send
   if (is_own_thread ())
@@ -102,7 +103,7 @@ void Client::run_thread (void *start_block) {
 // C99: doc/compatibility.md
 void Client::main_loop () noexcept {
   while (!stop_requested_) {
-    stop_signal_.wait (connect_delay);
+    stop_semaphore_.wait (connect_delay);
     serve ();
   }
 }
@@ -212,60 +213,50 @@ void Client::replace_link (std::shared_ptr<Link> link) noexcept {
   link_.swap (link);
 }
 
-// The link is taken before it is asked whether the command is over: one that is still open then has either
-// not been failed with an earlier link, or fails with this one.
+// The link is taken before `is_over` is asked. So a command that is still open has not failed with an earlier
+// link, and fails with this one if this one is lost.
 void Client::write_document (const XMLTree &document, const AFunction<bool ()> &is_over) {
-  struct Bound {
-    explicit Bound (Client &client) : binding (client.binding_), before (std::move (binding)) {
-      binding = {true, false, client.current_link ()};
-    }
-    ~Bound () { binding = std::move (before); }
-    Binding &binding;
-    Binding before;
-  };
-  Bound bound (*this);
+  Outgoing outgoing{*this, current_link ()};
+  if (is_over.run ())
+    return;
   try {
-    API::write_document (document, is_over);
+    render (document, AMethod::bind (&outgoing, &Outgoing::send_bytes));
   } catch (...) {
     // A document that was cut off must not be followed by another on the same link.
-    if (binding_.begun)
-      binding_.link->send_failed = true;
+    if (outgoing.begun)
+      outgoing.link->send_failed = true;
     throw;
   }
 }
 
+// The commands of a link that is no longer the present one have failed already, when it was lost.
 // C100: doc/compatibility.md
-void Client::send_bytes (const void *data, uint64_t length) {
-  std::shared_ptr<Link> link = binding_.in_document ? binding_.link : current_link ();
-  if (link == nullptr || !link->is_up ()) {
-    // The commands of a link that is no longer the present one have been failed when it went.
-    if (!stop_requested_ && (link == nullptr || link == current_link ()))
-      fail_all_commands ();
-    return;
+void Client::Outgoing::send_bytes (const void *data, uint64_t length) {
+  if (link != nullptr && link->is_up ()) {
+    begun = true;
+    if (!client.transmit_all (link->socket, static_cast<const char *> (data), length))
+      link->send_failed = true;
+  } else if (!client.stop_requested_ && (link == nullptr || link == client.current_link ())) {
+    client.fail_all_commands ();
   }
-  binding_.begun = true;
-  send_on (*link, static_cast<const char *> (data), length);
 }
 
-// After a short send the place moves by what remains, not by what was sent. The platform's send takes all
-// bytes or fails, so it makes no difference there. A place whose rest would lie beyond the bytes is a failed
-// send. C98: doc/compatibility.md
-void Client::send_on (Link &link, const char *data, uint64_t length) {
-  uint64_t place = 0;
+// After a short send the offset advances by what remains, not by what was sent. The platform's send takes all
+// bytes or fails, so it makes no difference there. An offset whose rest would lie beyond the bytes is a
+// failed send. C98: doc/compatibility.md
+bool Client::transmit_all (platform::SocketHandle socket, const char *data, uint64_t length) {
+  uint64_t offset = 0;
   uint64_t remaining = length;
   while (remaining != 0) {
-    if (place > length - remaining) {
-      link.send_failed = true;
-      return;
-    }
-    int64_t sent = transmit (link.socket, data + place, std::min (remaining, largest_send));
-    if (sent < 1) {
-      link.send_failed = true;
-      return;
-    }
+    if (offset > length - remaining)
+      return false;
+    int64_t sent = transmit (socket, data + offset, std::min (remaining, largest_send));
+    if (sent < 1)
+      return false;
     remaining -= std::min (remaining, static_cast<uint64_t> (sent));
-    place += remaining;
+    offset += remaining;
   }
+  return true;
 }
 
 int64_t Client::transmit (platform::SocketHandle socket, const void *data, uint64_t length) {

@@ -73,16 +73,27 @@ public:
   bool defer_destruction (void (*destroy) (void *), void *holder) noexcept;
 
 protected:
-  void send_bytes (const void *data, uint64_t length) override;
-
   /// Called on the thread when the link has come up, before anything is received. Must not wait for a reply.
   virtual void on_connected () {}
   /// Called on the thread when the link has gone and all commands have failed. What it throws is lost.
   virtual void on_disconnected () {}
 
-  /// Keeps all bytes of a document on one link: what is left of a document when its link goes must not appear
-  /// on the next one.
+  /// Sends all bytes of a document on one link. When the link is lost, the rest of the document must not
+  /// appear on the next one.
   void write_document (const XMLTree &document, const AFunction<bool ()> &is_over) override;
+
+  /// One document on its way out: the link that is to carry all of it.
+  struct Outgoing {
+    /// Sends the next bytes. Without a link that is up, fails all commands.
+    void send_bytes (const void *data, uint64_t length);
+
+    Client &client;
+    std::shared_ptr<Link> link;
+    bool begun = false; ///< some bytes were passed to the link
+  };
+
+  /// The present link, null when there is none.
+  std::shared_ptr<Link> current_link () noexcept;
 
   /// Gives bytes to the system. Tests override it to have a send fail or fall short.
   /// @return the number of bytes taken, below 1 after a failure
@@ -102,12 +113,6 @@ protected:
 
 private:
   struct StartBlock;
-  /// The link that the document in hand is bound to. Guarded by the send lock.
-  struct Binding {
-    bool in_document = false;
-    bool begun = false; ///< some bytes of the document have been given to the link
-    std::shared_ptr<Link> link;
-  };
 
   static void run_thread (void *start_block);
   bool is_own_thread () const;
@@ -119,9 +124,8 @@ private:
   void call_idle_function ();
   void disconnect () noexcept;
 
-  std::shared_ptr<Link> current_link () noexcept;
   void replace_link (std::shared_ptr<Link> link) noexcept;
-  void send_on (Link &link, const char *data, uint64_t length);
+  bool transmit_all (platform::SocketHandle socket, const char *data, uint64_t length);
 
   std::atomic<uint32_t> server_address_;
   std::atomic<bool> connected_{false};
@@ -132,10 +136,9 @@ private:
 
   AMutex link_lock_;
   std::shared_ptr<Link> link_ KELVANE_GUARDED_BY (link_lock_);
-  Binding binding_;
 
   platform::WakeUp wake_up_; ///< ends waits for the socket
-  bsem stop_signal_;         ///< ends the pause before an attempt to connect
+  bsem stop_semaphore_;      ///< ends the pause before an attempt to connect
 
   AMutex idle_lock_;
   uint32_t idle_interval_ KELVANE_GUARDED_BY (idle_lock_) = 0; ///< seconds

@@ -1,6 +1,4 @@
-#include "platform/sockets.h"
-
-#include "platform/clocks.h"
+#include "platform/socket_steps.h"
 
 #include <algorithm>
 #include <arpa/inet.h>
@@ -16,18 +14,22 @@
 
 namespace {
 
+using platform::Event;
 using platform::Ready;
 using platform::SocketHandle;
 using platform::WakeUp;
-
-constexpr int64_t no_end = INT64_MAX;
-constexpr int64_t look_every = 50;
 
 int descriptor_of (SocketHandle handle) {
   return static_cast<int> (handle);
 }
 
-bool set_blocking (SocketHandle socket, bool blocking) {
+int poll_time (int64_t milliseconds) {
+  return milliseconds == platform::no_end ? -1 : static_cast<int> (std::min<int64_t> (milliseconds, INT_MAX));
+}
+
+} // namespace
+
+bool platform::set_blocking (SocketHandle socket, bool blocking) noexcept {
   int flags = fcntl (descriptor_of (socket), F_GETFL, 0);
   if (flags < 0)
     return false;
@@ -35,38 +37,7 @@ bool set_blocking (SocketHandle socket, bool blocking) {
   return fcntl (descriptor_of (socket), F_SETFL, flags) == 0;
 }
 
-int poll_time (int64_t left, int bell) {
-  if (bell < 0)
-    left = std::min (left, look_every);
-  return left == no_end ? -1 : static_cast<int> (std::min<int64_t> (left, INT_MAX));
-}
-
-// Waits until `steady_milliseconds` says `end` for one of the events, or an error, on the socket.
-Ready wait_for (SocketHandle socket, short events, int64_t end, const WakeUp &wake_up) {
-  int bell = descriptor_of (wake_up.descriptor ());
-  for (;;) {
-    if (wake_up.is_set ())
-      return Ready::woken;
-    int64_t left = end == no_end ? no_end : std::max<int64_t> (0, end - platform::steady_milliseconds ());
-    // poll passes over a negative descriptor.
-    pollfd two[2] = {{descriptor_of (socket), events, 0}, {bell, POLLIN, 0}};
-    int ready = poll (two, 2, poll_time (left, bell));
-    if (ready < 0 && errno != EINTR)
-      return Ready::failed;
-    if (wake_up.is_set ())
-      return Ready::woken;
-    if (ready > 0 && (two[0].revents & POLLNVAL) != 0)
-      return Ready::failed;
-    if (ready > 0 && (two[1].revents & POLLNVAL) != 0)
-      bell = -1; // the host has closed what is not its own
-    if (ready > 0 && two[0].revents != 0)
-      return Ready::readable;
-    if (left == 0)
-      return Ready::timed_out;
-  }
-}
-
-bool begin_connect (SocketHandle socket, uint32_t address, uint16_t port) {
+bool platform::begin_connect (SocketHandle socket, uint32_t address, uint16_t port) noexcept {
   sockaddr_in to{};
   to.sin_family = AF_INET;
   to.sin_port = htons (port);
@@ -75,19 +46,31 @@ bool begin_connect (SocketHandle socket, uint32_t address, uint16_t port) {
          errno == EINPROGRESS || errno == EINTR;
 }
 
-bool has_no_error (SocketHandle socket) {
+bool platform::has_no_error (SocketHandle socket) noexcept {
   int error = 0;
   socklen_t length = sizeof error;
   return getsockopt (descriptor_of (socket), SOL_SOCKET, SO_ERROR, &error, &length) == 0 && error == 0;
 }
 
-} // namespace
+// poll ignores a negative descriptor. A host may have closed the descriptor of the wake-up, which is not its
+// own. The wait then goes on without it.
+Ready platform::wait_once (SocketHandle socket, Event event, int64_t milliseconds,
+                           const WakeUp &wake_up) noexcept {
+  const short wanted = event == Event::connected ? POLLOUT : POLLIN;
+  const int bell = descriptor_of (wake_up.descriptor ());
+  const int64_t unannounced = std::min (milliseconds, look_every);
+  pollfd both[2] = {{descriptor_of (socket), wanted, 0}, {bell, POLLIN, 0}};
+  int ready = poll (both, 2, poll_time (bell < 0 ? unannounced : milliseconds));
+  if (ready > 0 && (both[1].revents & POLLNVAL) != 0)
+    ready = poll (both, 1, poll_time (unannounced));
+  if (ready < 0)
+    return errno == EINTR ? Ready::timed_out : Ready::failed;
+  if (ready == 0 || both[0].revents == 0)
+    return Ready::timed_out;
+  return (both[0].revents & POLLNVAL) != 0 ? Ready::failed : Ready::readable;
+}
 
 WakeUp::WakeUp () noexcept : descriptor_ (eventfd (0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
-
-WakeUp::~WakeUp () {
-  platform::socket_close (descriptor_);
-}
 
 void WakeUp::set () noexcept {
   set_.store (true, std::memory_order_release);
@@ -103,23 +86,9 @@ SocketHandle platform::socket_open () noexcept {
   return ::socket (AF_INET, SOCK_STREAM | SOCK_CLOEXEC, IPPROTO_TCP);
 }
 
-bool platform::socket_connect (SocketHandle socket, uint32_t address, uint16_t port,
-                               const WakeUp &wake_up) noexcept {
-  return socket != no_socket && set_blocking (socket, false) && begin_connect (socket, address, port) &&
-         wait_for (socket, POLLOUT, no_end, wake_up) == Ready::readable && has_no_error (socket) &&
-         set_blocking (socket, true);
-}
-
 void platform::socket_set_no_delay (SocketHandle socket) noexcept {
   int on = 1;
   (void)setsockopt (descriptor_of (socket), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-}
-
-Ready platform::socket_wait_readable (SocketHandle socket, unsigned milliseconds,
-                                      const WakeUp &wake_up) noexcept {
-  if (socket == no_socket)
-    return Ready::failed;
-  return wait_for (socket, POLLIN, steady_milliseconds () + milliseconds, wake_up);
 }
 
 int64_t platform::socket_receive (SocketHandle socket, void *into, size_t capacity) noexcept {

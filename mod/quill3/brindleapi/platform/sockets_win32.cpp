@@ -1,6 +1,4 @@
-#include "platform/sockets.h"
-
-#include "platform/clocks.h"
+#include "platform/socket_steps.h"
 
 #include <algorithm>
 #include <limits.h>
@@ -11,13 +9,14 @@
 
 namespace {
 
+using platform::Event;
 using platform::Ready;
 using platform::SocketHandle;
 using platform::WakeUp;
 
-constexpr int64_t no_end = INT64_MAX;
-constexpr int64_t look_every = 50;
-constexpr int64_t look_at_last = 1000; // also with a descriptor: a host's filter may swallow its datagrams
+// With a descriptor a wait still looks at its wake-up once in this many milliseconds, because a filter of the
+// host may drop the datagram.
+constexpr int64_t look_at_last = 1000;
 
 SOCKET socket_of (SocketHandle handle) {
   return static_cast<SOCKET> (handle);
@@ -37,11 +36,6 @@ sockaddr_in ipv4 (uint32_t address, uint16_t port) {
   a.sin_port = htons (port);
   a.sin_addr.s_addr = htonl (address);
   return a;
-}
-
-bool set_blocking (SocketHandle socket, bool blocking) {
-  u_long non_blocking = blocking ? 0 : 1;
-  return ioctlsocket (socket_of (socket), static_cast<long> (FIONBIO), &non_blocking) == 0;
 }
 
 // A datagram socket that is connected to itself: a byte sent through it makes it readable, and nobody else's
@@ -72,43 +66,20 @@ void add (SocketHandle handle, fd_set &set) {
     FD_SET (socket_of (handle), &set);
 }
 
-// Waits until `steady_milliseconds` says `end` for the socket to become readable, or to have ended its
-// connecting.
-Ready wait_for (SocketHandle socket, bool connecting, int64_t end, const WakeUp &wake_up) {
-  for (;;) {
-    if (wake_up.is_set ())
-      return Ready::woken;
-    int64_t left = end == no_end ? no_end : std::max<int64_t> (0, end - platform::steady_milliseconds ());
-    fd_set reads, writes, errors;
-    FD_ZERO (&reads);
-    FD_ZERO (&writes);
-    FD_ZERO (&errors);
-    add (wake_up.descriptor (), reads);
-    add (socket, connecting ? writes : reads);
-    if (connecting)
-      add (socket, errors);
-    int64_t longest = wake_up.descriptor () == platform::no_socket ? look_every : look_at_last;
-    timeval time = timeval_of (std::min (left, longest));
-    int ready = select (0, &reads, &writes, &errors, &time);
-    if (wake_up.is_set ())
-      return Ready::woken;
-    if (ready == SOCKET_ERROR)
-      return Ready::failed;
-    SOCKET s = socket_of (socket);
-    if (FD_ISSET (s, &reads) || FD_ISSET (s, &writes) || FD_ISSET (s, &errors))
-      return Ready::readable;
-    if (left == 0)
-      return Ready::timed_out;
-  }
+} // namespace
+
+bool platform::set_blocking (SocketHandle socket, bool blocking) noexcept {
+  u_long non_blocking = blocking ? 0 : 1;
+  return ioctlsocket (socket_of (socket), static_cast<long> (FIONBIO), &non_blocking) == 0;
 }
 
-bool begin_connect (SocketHandle socket, uint32_t address, uint16_t port) {
+bool platform::begin_connect (SocketHandle socket, uint32_t address, uint16_t port) noexcept {
   sockaddr_in to = ipv4 (address, port);
   return connect (socket_of (socket), reinterpret_cast<const sockaddr *> (&to), sizeof to) == 0 ||
          WSAGetLastError () == WSAEWOULDBLOCK;
 }
 
-bool has_no_error (SocketHandle socket) {
+bool platform::has_no_error (SocketHandle socket) noexcept {
   int error = 0;
   int length = sizeof error;
   return getsockopt (socket_of (socket), SOL_SOCKET, SO_ERROR, reinterpret_cast<char *> (&error), &length) ==
@@ -116,13 +87,26 @@ bool has_no_error (SocketHandle socket) {
          error == 0;
 }
 
-} // namespace
+Ready platform::wait_once (SocketHandle socket, Event event, int64_t milliseconds,
+                           const WakeUp &wake_up) noexcept {
+  fd_set reads, writes, errors;
+  FD_ZERO (&reads);
+  FD_ZERO (&writes);
+  FD_ZERO (&errors);
+  add (wake_up.descriptor (), reads);
+  add (socket, event == Event::connected ? writes : reads);
+  if (event == Event::connected)
+    add (socket, errors);
+  const int64_t longest = wake_up.descriptor () == no_socket ? look_every : look_at_last;
+  timeval time = timeval_of (std::min (milliseconds, longest));
+  if (select (0, &reads, &writes, &errors, &time) == SOCKET_ERROR)
+    return Ready::failed;
+  const SOCKET s = socket_of (socket);
+  const bool ready = FD_ISSET (s, &reads) || FD_ISSET (s, &writes) || FD_ISSET (s, &errors);
+  return ready ? Ready::readable : Ready::timed_out;
+}
 
 WakeUp::WakeUp () noexcept : descriptor_ (open_wake_socket ()) {}
-
-WakeUp::~WakeUp () {
-  platform::socket_close (descriptor_);
-}
 
 void WakeUp::set () noexcept {
   set_.store (true, std::memory_order_release);
@@ -142,24 +126,10 @@ SocketHandle platform::socket_open () noexcept {
   return open (SOCK_STREAM, IPPROTO_TCP);
 }
 
-bool platform::socket_connect (SocketHandle socket, uint32_t address, uint16_t port,
-                               const WakeUp &wake_up) noexcept {
-  return socket != no_socket && set_blocking (socket, false) && begin_connect (socket, address, port) &&
-         wait_for (socket, true, no_end, wake_up) == Ready::readable && has_no_error (socket) &&
-         set_blocking (socket, true);
-}
-
 void platform::socket_set_no_delay (SocketHandle socket) noexcept {
   int on = 1;
   (void)setsockopt (socket_of (socket), IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char *> (&on),
                     sizeof on);
-}
-
-Ready platform::socket_wait_readable (SocketHandle socket, unsigned milliseconds,
-                                      const WakeUp &wake_up) noexcept {
-  if (socket == no_socket)
-    return Ready::failed;
-  return wait_for (socket, false, steady_milliseconds () + milliseconds, wake_up);
 }
 
 int64_t platform::socket_receive (SocketHandle socket, void *into, size_t capacity) noexcept {
