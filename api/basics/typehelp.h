@@ -10,7 +10,7 @@
 #include <string_view>
 
 /// Conversions between the plain numbers of the exported functions and the values of the protocol. No state;
-/// any thread. A number outside a conversion's range silently gives 0, unless the conversion is `checked`:
+/// any thread. A number outside a conversion's range silently becomes 0, unless the conversion is `checked`:
 /// then it is an assertion failure first.
 namespace typehelp {
 
@@ -37,7 +37,7 @@ QUILL3::ChannelSet channel_set_from_mask (uint32_t mask);
 // C19: doc/compatibility.md
 uint32_t repeat_to_wire (uint32_t repeat);
 
-/// `Playback`: 0 and 1 give 1 "field" and 2 "f12"; any other number gives 1.
+/// `Playback`: 0 and 1 become 1 "field" and 2 "f12"; any other number becomes 1.
 // C45: doc/compatibility.md
 uint32_t playback_to_wire (uint32_t playback);
 
@@ -69,7 +69,7 @@ bool min_latency_wanted (uint32_t flag);
 // C18: doc/compatibility.md
 bool auto_ee_to_wire (uint32_t mode);
 
-/// `SonyEditMask`: bit 0 gives 0x10, bit 1 gives 0x20, bit 2 gives 0x3CF.
+/// `SonyEditMask`: bit 0 becomes 0x10, bit 1 becomes 0x20, bit 2 becomes 0x3CF.
 // C22: doc/compatibility.md
 uint16_t edit_mask_to_wire (uint32_t bits);
 
@@ -127,10 +127,10 @@ double speed_from_wire (Kelvane::fixed speed);
 bool standard_has_rate (uint32_t standard);
 
 /// The rate class of a `VideoStandard`: 0 is 60, 1 is 59.94, 2 is 50, 3 is 48, 4 is 47.95. Any other
-/// standard, "1080_30p" for instance, is an assertion failure and, unlike everything else here, gives 1.
+/// standard, "1080_30p" for instance, is an assertion failure and, unlike everything else here, returns 1.
 uint32_t standard_rate (uint32_t standard);
 
-/// True for rate class 1. A number above 4 is an assertion failure and gives false.
+/// True for rate class 1. A number above 4 is an assertion failure and returns false.
 bool rate_is_drop_frame (uint32_t rate_class);
 
 /// The two above in a chain.
@@ -139,7 +139,7 @@ bool standard_is_drop_frame (uint32_t standard);
 // Text across the exported interface.
 
 /// A text argument of an exported function. It ends at the first unit that is not valid UTF-16. Null is an
-/// assertion failure and gives the empty text.
+/// assertion failure and becomes the empty text.
 // C14: doc/compatibility.md
 AString text_argument (const orva_char *text);
 

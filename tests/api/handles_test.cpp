@@ -4,12 +4,15 @@
 #include "api/handles/metadata_handles.h"
 
 #include "support/text_points.h"
+#include "support/wait.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <functional>
+#include <memory>
 #include <set>
 #include <string>
 #include <thread>
@@ -56,6 +59,44 @@ TEST (HandleTable, PassesOverNumbersInUse) {
   EXPECT_TRUE (table.visit (9, [&] (int value) { seen = value; }));
   EXPECT_EQ (seen, 4);
   EXPECT_FALSE (table.visit (10, [&] (int) { ADD_FAILURE (); }));
+}
+
+/// Calls a function when it is destroyed.
+struct Parting {
+  explicit Parting (std::function<void ()> last) : last_words (std::move (last)) {}
+  ~Parting () { last_words (); }
+  std::function<void ()> last_words;
+};
+
+TEST (HandleTable, DestroysAValueUnderTheLockOnlyWhereThatIsWanted) {
+  using Table = HandleTable<std::unique_ptr<Parting>>;
+  Table table;
+  const auto others_wait = [&] (void (Table::*close) (uint32_t), std::chrono::milliseconds limit) {
+    std::atomic<bool> looked{false};
+    bool waited = false;
+    std::thread other;
+    const uint32_t handle = table.open (std::make_unique<Parting> ([&] {
+      other = std::thread ([&] {
+        table.visit (0, [] (auto &) {});
+        looked = true;
+      });
+      waited = !support::wait_until ([&] { return looked.load (); }, limit);
+    }));
+    (table.*close) (handle);
+    other.join ();
+    return waited;
+  };
+  EXPECT_FALSE (others_wait (&Table::close, support::generous));
+  EXPECT_TRUE (others_wait (&Table::close_under_lock, std::chrono::milliseconds (50)));
+}
+
+TEST (HandleTable, HandsOutWhatIsTaken) {
+  HandleTable<std::unique_ptr<int>> table;
+  const uint32_t handle = table.open (std::make_unique<int> (7));
+  const std::unique_ptr<int> taken = table.take (handle);
+  ASSERT_NE (taken, nullptr);
+  EXPECT_EQ (*taken, 7);
+  EXPECT_EQ (table.take (handle), nullptr);
 }
 
 TEST (ListHandles, GiveNamesInOrderAndThenNothing) {
