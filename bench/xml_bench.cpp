@@ -1,6 +1,7 @@
 // What receiving and sending a message costs as it grows: by the number of key-value pairs and by depth. Time
 // that grows faster than the message shows in the bytes per second.
 
+#include "xml/xml_parse.h"
 #include "xml/xml_stream_parser.h"
 
 #include <benchmark/benchmark.h>

@@ -4,6 +4,7 @@
 
 #include "base/kelvane_assert.h"
 #include "engine/quill3_api_parser2.h"
+#include "xml/xml_parse.h"
 
 #include <algorithm>
 #include <cstdlib>

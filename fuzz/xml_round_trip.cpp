@@ -1,6 +1,7 @@
 // Any tree whose names the parser knows, with any text: what is written in any format is read back the same,
 // as text and as bytes through the framer.
 #include "base/amethod.h"
+#include "xml/xml_parse.h"
 #include "xml/xml_stream_parser.h"
 
 #include <cstdlib>

@@ -1,26 +1,28 @@
 #include "xml/xml_names.h"
 
+#include "xml/xml_parse.h"
 #include "xml/xml_stream_parser.h"
 
 #include <gtest/gtest.h>
 
 namespace {
-const AString *find (const XMLNameTable &table, std::u32string_view name) {
-  const std::vector<AChar> text (name.begin (), name.end ());
-  return table.find (text.data (), text.size ());
+const AString *find (const XMLNameTable &table, std::string_view name) {
+  const uint32_t number = table.find (name);
+  EXPECT_EQ (table.find_text (AString::from_utf8 (name)), number);
+  return number != XMLNameTable::unknown ? &table.name (number) : nullptr;
 }
 
 TEST (XMLNameTable, FindsWhatWasAdded) {
   XMLNameTable table;
-  EXPECT_EQ (find (table, U"ClipID"), nullptr);
+  EXPECT_EQ (find (table, "ClipID"), nullptr);
   const AString clip ("ClipID");
   table.add (clip);
-  ASSERT_NE (find (table, U"ClipID"), nullptr);
-  EXPECT_TRUE (find (table, U"ClipID")->shares_store_with (clip));
-  EXPECT_EQ (find (table, U"clipID"), nullptr);
-  EXPECT_EQ (find (table, U"ClipI"), nullptr);
-  EXPECT_EQ (find (table, U"ClipID1"), nullptr);
-  EXPECT_EQ (find (table, U""), nullptr);
+  ASSERT_NE (find (table, "ClipID"), nullptr);
+  EXPECT_TRUE (find (table, "ClipID")->shares_store_with (clip));
+  EXPECT_EQ (find (table, "clipID"), nullptr);
+  EXPECT_EQ (find (table, "ClipI"), nullptr);
+  EXPECT_EQ (find (table, "ClipID1"), nullptr);
+  EXPECT_EQ (find (table, ""), nullptr);
 }
 
 TEST (XMLNameTable, TheFirstOfEqualNamesStaysAndEmptyOnesAreNone) {
@@ -30,7 +32,18 @@ TEST (XMLNameTable, TheFirstOfEqualNamesStaysAndEmptyOnesAreNone) {
   table.add (two);
   table.add (AString ());
   EXPECT_EQ (table.size (), 1u);
-  EXPECT_TRUE (find (table, U"Key")->shares_store_with (one));
+  EXPECT_TRUE (find (table, "Key")->shares_store_with (one));
+}
+
+TEST (XMLNameTable, NumbersNamesInTheirOrder) {
+  XMLNameTable table;
+  for (const char *name : {"Key", "Value", "Key", "Other"})
+    table.add (name);
+  EXPECT_EQ (table.find ("Key"), 0u);
+  EXPECT_EQ (table.find ("Value"), 1u);
+  EXPECT_EQ (table.find ("Other"), 2u);
+  EXPECT_EQ (table.find ("Another"), XMLNameTable::unknown);
+  EXPECT_EQ (table.find_text (AString::from_utf8 ("\xC3\xA9")), XMLNameTable::unknown);
 }
 
 TEST (XMLNameTable, HoldsManyNames) {
@@ -38,9 +51,9 @@ TEST (XMLNameTable, HoldsManyNames) {
   for (unsigned i = 0; i != 1000; ++i)
     table.add (AString ("Name") + AString::from_uint32 (i));
   EXPECT_EQ (table.size (), 1000u);
-  EXPECT_TRUE (*find (table, U"Name0") == "Name0");
-  EXPECT_TRUE (*find (table, U"Name999") == "Name999");
-  EXPECT_EQ (find (table, U"Name1000"), nullptr);
+  EXPECT_TRUE (*find (table, "Name0") == "Name0");
+  EXPECT_TRUE (*find (table, "Name999") == "Name999");
+  EXPECT_EQ (find (table, "Name1000"), nullptr);
 }
 
 TEST (XMLNameTable, ParsedTreesTakeKnownNamesFromIt) {

@@ -1,5 +1,6 @@
 #include "support/assert_counter.h"
 #include "xml/xml_model.h"
+#include "xml/xml_parse.h"
 #include "xml/xml_stream_parser.h"
 
 #include <gtest/gtest.h>

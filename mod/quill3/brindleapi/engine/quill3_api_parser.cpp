@@ -24,44 +24,49 @@ const EnumString &make_names (const EnumStringTextRow (&rows)[N]) {
   return *new EnumString (rows, N, UINT32_MAX, AString ());
 }
 
-const AString &word_reply () {
-  static const AString &word = *new AString ("reply");
-  return word;
-}
+constexpr uint32_t first_body = tag_count; ///< number of the first body's name
+constexpr uint32_t word_reply = first_body + body_count;
+constexpr uint32_t word_report = word_reply + 1;
 
-const AString &word_report () {
-  static const AString &word = *new AString ("report");
-  return word;
+const XMLNameTable *make_known_names () {
+  auto *const names = new XMLNameTable;
+  add_tag_names (names);
+#define REPLY(name, ...) names->add (#name);
+#define REPORT(name, ...) names->add (#name);
+#include "engine/bodies.inc"
+  names->add ("reply");
+  names->add ("report");
+  return names;
 }
 
 } // namespace
 
 struct APIParser::Found {
-  uint32_t number = 0;
-  const XMLTree *body = nullptr;
+  uint32_t number = body_count; ///< none
+  XMLElement body{};
 };
 
 template <class Body>
-bool APIParser::read (const XMLTree &tree, const AString &identifier, Body *value) {
+bool APIParser::read (const XMLElement &element, const AString &identifier, Body *value) {
   AString text;
-  return read_body (tree, value, &text) || record_error (identifier, text);
+  return read_body (element, value, &text) || record_error (identifier, text);
 }
 
 // One function for each body, so that the stack holds the values of one body and not of all.
 struct APIParser::Delivery {
-  using Function = void (*) (APIParser &to, const AString &identifier, const XMLTree &tree);
+  using Function = void (*) (APIParser &to, const AString &identifier, const XMLElement &element);
 
 #define VALUE(field) std::move (value.NAME_OF (field))
 #define REPLY(name, entry, ...)                                                                              \
-  static void name (APIParser &to, const AString &identifier, const XMLTree &tree) {                         \
+  static void name (APIParser &to, const AString &identifier, const XMLElement &element) {                   \
     body::name value;                                                                                        \
-    if (to.read (tree, identifier, &value))                                                                  \
+    if (to.read (element, identifier, &value))                                                               \
       to.on_##name (identifier __VA_OPT__ (, LIST_OF (VALUE, __VA_ARGS__)));                                 \
   }
 #define REPORT(name, ...)                                                                                    \
-  static void name (APIParser &to, const AString &identifier, const XMLTree &tree) {                         \
+  static void name (APIParser &to, const AString &identifier, const XMLElement &element) {                   \
     body::name value;                                                                                        \
-    if (to.read (tree, identifier, &value))                                                                  \
+    if (to.read (element, identifier, &value))                                                               \
       to.on_##name (LIST_OF (VALUE, __VA_ARGS__));                                                           \
   }
 #include "engine/bodies.inc"
@@ -95,12 +100,24 @@ bool APIParser::record_error (const AString &identifier, const AString &text) {
   return false;
 }
 
-// C105: doc/compatibility.md
+const XMLNameTable &APIParser::known_names () {
+  static const XMLNameTable &names = *make_known_names ();
+  return names;
+}
+
 void APIParser::dispatch_message (const XMLTree &message) {
+  XMLNodes nodes (&known_names ());
+  nodes.read_tree (message);
+  dispatch_message (nodes);
+}
+
+void APIParser::dispatch_message (const XMLNodes &nodes) {
   error_slot_free_ = true;
-  receive_hook_.run (message);
-  bool is_reply = message.name_is (word_reply ());
-  if (!is_reply && !message.name_is (word_report ())) {
+  if (!receive_hook_.is_empty ())
+    receive_hook_.run (nodes.tree ());
+  const XMLElement message = nodes.root ();
+  const bool is_reply = message.name_number () == word_reply;
+  if (!is_reply && message.name_number () != word_report) {
     record_error ({}, "XML Message is not a <reply> or <report> message");
     return;
   }
@@ -108,33 +125,30 @@ void APIParser::dispatch_message (const XMLTree &message) {
   Found found;
   if (is_reply && !read_identifier (message, &identifier))
     return;
-  if (!find_body (message, is_reply ? reply_bodies () : report_bodies (), identifier, &found))
+  if (!find_body (message, is_reply, identifier, &found))
     return;
-  if (!KELVANE_ASSERT (found.number < body_count)) {
-    record_error (identifier, "Internal software error");
-    return;
-  }
-  Delivery::by_number[found.number](*this, identifier, *found.body);
+  Delivery::by_number[found.number](*this, identifier, found.body);
 }
 
-bool APIParser::read_identifier (const XMLTree &message, AString *identifier) {
+bool APIParser::read_identifier (const XMLElement &message, AString *identifier) {
   AString text;
-  return get_xid (message, identifier, &text) || record_error ({}, text);
+  return get_value (message, Tag::xid, identifier, &text) || record_error ({}, text);
 }
 
+// C105: doc/compatibility.md
 // A child that is no body of this kind of message is passed over, so a body that only a newer server knows
 // counts as none.
-bool APIParser::find_body (const XMLTree &message, const EnumString &names, const AString &identifier,
+bool APIParser::find_body (const XMLElement &message, bool is_reply, const AString &identifier,
                            Found *found) {
-  for (const XMLTree &child : message.children ()) {
-    uint32_t number = 0;
-    if (!names.from_string (child.name (), &number))
+  for (const XMLElement child : message.children ()) {
+    const uint32_t number = child.name_number () - first_body; // wraps around for a tag
+    if (number >= body_count || (number < reply_count) != is_reply)
       continue;
-    if (found->body != nullptr)
+    if (found->number != body_count)
       return record_error (identifier, "XML Message contains multiple commands");
-    *found = {number, &child};
+    *found = {number, child};
   }
-  return found->body != nullptr || record_error (identifier, "XML Message contains no commands");
+  return found->number != body_count || record_error (identifier, "XML Message contains no commands");
 }
 
 } // namespace QUILL3

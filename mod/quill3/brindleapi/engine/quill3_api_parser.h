@@ -3,7 +3,7 @@
 #include "base/afunction.h"
 #include "base/enumstring.h"
 #include "engine/bodies.h"
-#include "xml/xml_tree.h"
+#include "xml/xml_nodes.h"
 
 namespace QUILL3 {
 
@@ -34,7 +34,13 @@ public:
   static const EnumString &reply_bodies ();
   static const EnumString &report_bodies ();
 
-  /// Handles one message. @param message an element `reply` or `report`.
+  /// The names that messages are made of: those of the tags with their numbers, then those of the bodies in
+  /// their numbering, then `reply` and `report`. Built on first use, never destroyed; any thread.
+  static const XMLNameTable &known_names ();
+
+  /// Handles one message. @param message an element `reply` or `report`, whose names have the numbers of
+  /// `known_names`.
+  void dispatch_message (const XMLNodes &message);
   void dispatch_message (const XMLTree &message);
 
   /// Notes why the message in hand can't be used; of several errors in one message the first is kept.
@@ -56,10 +62,10 @@ private:
   struct Found;
   struct Delivery;
 
-  bool read_identifier (const XMLTree &message, AString *identifier);
-  bool find_body (const XMLTree &message, const EnumString &names, const AString &identifier, Found *found);
+  bool read_identifier (const XMLElement &message, AString *identifier);
+  bool find_body (const XMLElement &message, bool is_reply, const AString &identifier, Found *found);
   template <class Body>
-  bool read (const XMLTree &tree, const AString &identifier, Body *value);
+  bool read (const XMLElement &element, const AString &identifier, Body *value);
 
   bool error_slot_free_ = true;
   AString first_error_xid_;

@@ -8,28 +8,12 @@ namespace {
 
 constexpr uint64_t buffer_size = 32768;
 
-XMLNameTable *make_known_names () {
-  auto *names = new XMLNameTable;
-  for (uint32_t tag = 0; tag != tag_count; ++tag)
-    names->add (tag_names ()[tag]);
-  for (uint32_t number = 0; number != body_count; ++number)
-    names->add (
-        (number < reply_count ? APIParser::reply_bodies () : APIParser::report_bodies ()).text_of (number));
-  return names;
-}
-
-// The names that messages are made of, so that a received element costs no text for its name.
-const XMLNameTable *known_names () {
-  static const XMLNameTable *names = make_known_names ();
-  return names;
-}
-
 } // namespace
 
 APIParser2::APIParser2 () : stream_ (buffer_size) {
   stream_.add_element_name ("reply");
   stream_.add_element_name ("report");
-  stream_.set_names (known_names ());
+  stream_.set_names (&known_names ());
   reset_stream ();
 }
 
@@ -56,14 +40,14 @@ void APIParser2::feed_bytes (const char *bytes, uint64_t length) {
 // in the very feed that completed it.
 bool APIParser2::take_messages () {
   while (!abort_take_) {
-    XMLTree message = stream_.next_element ();
+    const XMLNodes *message = stream_.next_nodes ();
     if (stream_.is_failed ()) {
       stream_failed_ = true;
       return false;
     }
-    if (message.is_null ())
+    if (message == nullptr)
       break;
-    dispatch_message (message);
+    dispatch_message (*message);
   }
   return true;
 }

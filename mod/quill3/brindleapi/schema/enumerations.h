@@ -4,6 +4,7 @@
 #include "base/enumstring.h"
 
 #include <cstdint>
+#include <string_view>
 
 /// The closed sets of values of the protocol: small numbers in memory, fixed spellings on the wire. The
 /// numbers of each run from 0 without a gap, in the order of enumerations.inc. All tables are built when the
@@ -24,6 +25,9 @@ inline constexpr uint32_t enumeration_count = 0
 
 /// The table of @p which. Its default number is -1 and its default spelling empty.
 const EnumString &enumeration (Enumeration which);
+
+/// The number of a spelling that lies in bytes. @return false if it is none, and @p value stays as it was.
+bool number_of_spelling (Enumeration which, std::string_view spelling, uint32_t *value);
 
 /// @return whether @p value has a spelling in @p which.
 bool is_valid (Enumeration which, uint32_t value);

@@ -4,6 +4,8 @@
 #include "schema/codec.h"
 #include "schema/quill3_tree.h"
 
+#include <algorithm>
+
 namespace QUILL3 {
 
 namespace {
@@ -58,20 +60,76 @@ bool is_written (const Field &field, const void *member) {
   return codec_of (field.tag).kind != Kind::flag || as<bool> (at (member, field.value_offset));
 }
 
-// -- Reading. `found` is the element of the tag.
+// -- Reading
 
-// The error names the enclosing element and the tag, not the bad spelling. C89: doc/compatibility.md
-bool read_enumerated (const XMLTree &enclosing, const XMLTree &found, const Codec &codec, uint32_t *to,
-                      AString *err) {
-  return enumeration (codec.enumeration).from_string (stripped_text (found), to) ||
-         invalid_value (enclosing, tag_name (codec.reported), err);
+/// The nodes of a tree that somebody else has made.
+class TreeNodes : public XMLNodes {
+public:
+  explicit TreeNodes (const XMLTree &tree) : XMLNodes (&tag_table ()) { read_tree (tree); }
+};
+
+bool is_tag (const XMLElement &element, Tag tag) {
+  return element.name_number () == static_cast<uint32_t> (tag);
 }
 
-bool read_vector (const XMLTree &found, const Codec &codec, void *to, AString *err) {
+/// How often a tag stands in an element, and where first.
+struct Occurrence {
+  uint32_t count;
+  uint32_t first; ///< a place
+
+  void note (const XMLElement &element) {
+    if (count++ == 0)
+      first = element.place ();
+  }
+};
+
+/// Where the members of a struct stand among the children of an element, found in one pass.
+class Places {
+public:
+  Places (const XMLElement &element, const Rows &rows) : rows_ (rows) {
+    std::fill_n (places_, rows.count, Occurrence{0, 0});
+    const Field *next = rows.begin (); // children stand in the order of the rows, as a rule
+    for (const XMLElement child : element.children ())
+      next = note (child, next);
+  }
+
+  const Occurrence &of (const Field &field) const { return places_[&field - rows_.begin ()]; }
+
+private:
+  const Field *note (const XMLElement &child, const Field *next) {
+    for (uint16_t i = 0; i != rows_.count; ++i, ++next) {
+      if (next == rows_.end ())
+        next = rows_.begin ();
+      if (!is_tag (child, next->tag))
+        continue;
+      places_[next - rows_.begin ()].note (child);
+      return next + 1;
+    }
+    return next;
+  }
+
+  const Rows &rows_;
+  Occurrence places_[most_rows];
+};
+
+// The error names the enclosing element and the tag, not the bad spelling. C89: doc/compatibility.md
+bool read_enumerated (const XMLElement &enclosing, const XMLElement &found, const Codec &codec, uint32_t *to,
+                      AString *err) {
+  return read_spelling (found, codec.enumeration, to) ||
+         invalid_value (enclosing.name (), tag_name (codec.reported), err);
+}
+
+bool read_found (const XMLElement &enclosing, const XMLElement &found, const Codec &codec, void *to,
+                 AString *err);
+
+bool read_vector (const XMLElement &found, const Codec &codec, void *to, AString *err) {
+  const Codec &of_element = codec_of (codec.element);
   uint32_t &count = as<uint32_t> (to);
   count = 0;
-  const AString &element = tag_name (codec.element);
-  if (found.count_children (element) > codec.capacity) {
+  uint32_t there = 0;
+  for (const XMLElement child : found.children ())
+    there += is_tag (child, codec.element);
+  if (there > codec.capacity) {
     // C90: doc/compatibility.md
     if (err != nullptr)
       *err = AStringFormat ("Tag %1 contains %u subelements. The maximum is %2.")
@@ -79,22 +137,22 @@ bool read_vector (const XMLTree &found, const Codec &codec, void *to, AString *e
                  .arg (unsigned{codec.capacity});
     return false;
   }
-  for (const XMLTree &child : found.children ()) {
-    if (!child.name_is (element))
+  for (const XMLElement child : found.children ()) {
+    if (!is_tag (child, codec.element))
       continue;
-    if (!KELVANE_ASSERT (count < codec.capacity) ||
-        !get_value (child, codec.element, at (to, codec.first + size_t{count} * codec.stride), err))
+    if (!read_found (child, child, of_element, at (to, codec.first + size_t{count} * codec.stride), err))
       return false;
     ++count;
   }
   return true;
 }
 
-bool read_list (const XMLTree &found, const Codec &codec, void *to, AString *err) {
+bool read_list (const XMLElement &found, const Codec &codec, void *to, AString *err) {
+  const Codec &of_element = codec_of (codec.element);
   codec.access->clear (to);
-  const AString &element = tag_name (codec.element);
-  for (const XMLTree &child : found.children ()) {
-    if (!child.name_is (element) || get_value (child, codec.element, codec.access->append (to), err))
+  for (const XMLElement child : found.children ()) {
+    if (!is_tag (child, codec.element) ||
+        read_found (child, child, of_element, codec.access->append (to), err))
       continue;
     codec.access->drop_last (to);
     return false;
@@ -102,10 +160,12 @@ bool read_list (const XMLTree &found, const Codec &codec, void *to, AString *err
   return true;
 }
 
-bool read_found (const XMLTree &enclosing, const XMLTree &found, const Codec &codec, void *to, AString *err) {
+bool read_found (const XMLElement &enclosing, const XMLElement &found, const Codec &codec, void *to,
+                 AString *err) {
   switch (codec.kind) {
   case Kind::string:
-    return read_string (found, &as<AString> (to), err);
+    as<AString> (to) = found.text (); // C97: doc/compatibility.md
+    return true;
   case Kind::u8:
     return read_u8 (found, &as<uint8_t> (to), err);
   case Kind::u16:
@@ -132,6 +192,20 @@ bool read_found (const XMLTree &enclosing, const XMLTree &found, const Codec &co
     break;
   }
   return true;
+}
+
+// An element of the tag's name is the tag itself. C93, C95: doc/compatibility.md
+bool read_member (const XMLElement &element, Tag tag, const Occurrence &place, void *to, AString *err) {
+  const Codec &codec = codec_of (tag);
+  if (codec.kind == Kind::flag) {
+    as<bool> (to) = place.count != 0;
+    return true;
+  }
+  if (is_tag (element, tag))
+    return read_found (element, element, codec, to, err);
+  if (place.count != 1)
+    return not_one (place.count, tag_name (tag), element.name (), err);
+  return read_found (element, element.at (place.first), codec, to, err);
 }
 
 } // namespace
@@ -171,16 +245,16 @@ XMLTree make_value (Tag tag, const void *value) {
   return XMLTree (name);
 }
 
+bool get_value (const XMLElement &element, Tag tag, void *value, AString *err) {
+  Occurrence place{0, 0};
+  for (const XMLElement child : element.children ())
+    if (is_tag (child, tag))
+      place.note (child);
+  return read_member (element, tag, place, value, err);
+}
+
 bool get_value (const XMLTree &tree, Tag tag, void *value, AString *err) {
-  const AString &name = tag_name (tag);
-  const Codec &codec = codec_of (tag);
-  // C93: doc/compatibility.md
-  if (codec.kind == Kind::flag) {
-    as<bool> (value) = tree.has_child (name);
-    return true;
-  }
-  const XMLTree *const found = find_one (tree, name, err);
-  return found != nullptr && read_found (tree, *found, codec, value, err);
+  return get_value (TreeNodes (tree).root (), tag, value, err);
 }
 
 XMLTree::List write_fields (const Rows &rows, const void *from) {
@@ -193,32 +267,42 @@ XMLTree::List write_fields (const Rows &rows, const void *from) {
   return children;
 }
 
-bool read_record (const XMLTree &tree, const Rows &rows, void *to, AString *err) {
+bool read_record (const XMLElement &element, const Rows &rows, void *to, AString *err) {
+  const Places places (element, rows);
   for (const Field &field : rows)
-    if (!field.optional && !get_value (tree, field.tag, at (to, field.offset), err))
+    if (!field.optional && !read_member (element, field.tag, places.of (field), at (to, field.offset), err))
       return false;
-  for (const Field &field : rows)
-    if (field.optional)
-      as<bool> (at (to, field.offset)) = tree.has_child (tag_name (field.tag));
   for (const Field &field : rows) {
     void *const member = at (to, field.offset);
-    if (field.optional && as<bool> (member) &&
-        !get_value (tree, field.tag, at (member, field.value_offset), err))
+    if (!field.optional)
+      continue;
+    as<bool> (member) = places.of (field).count != 0;
+    if (as<bool> (member) &&
+        !read_member (element, field.tag, places.of (field), at (member, field.value_offset), err))
       return false;
   }
   return true;
 }
 
 // C96: doc/compatibility.md
-bool read_body (const XMLTree &tree, const Rows &rows, void *to, AString *err) {
+bool read_body (const XMLElement &element, const Rows &rows, void *to, AString *err) {
+  const Places places (element, rows);
   for (const Field &field : rows) {
     void *const member = at (to, field.offset);
+    const Occurrence &place = places.of (field);
     if (field.optional)
-      as<bool> (member) = get_value (tree, field.tag, at (member, field.value_offset), nullptr);
-    else if (!get_value (tree, field.tag, member, err))
+      as<bool> (member) = read_member (element, field.tag, place, at (member, field.value_offset), nullptr);
+    else if (!read_member (element, field.tag, place, member, err))
       return false;
   }
   return true;
+}
+
+bool read_record (const XMLTree &tree, const Rows &rows, void *to, AString *err) {
+  return read_record (TreeNodes (tree).root (), rows, to, err);
+}
+bool read_body (const XMLTree &tree, const Rows &rows, void *to, AString *err) {
+  return read_body (TreeNodes (tree).root (), rows, to, err);
 }
 
 } // namespace QUILL3

@@ -37,6 +37,9 @@ struct Field {
   uint16_t offset;      ///< of the member within the struct
 };
 
+/// The most rows of a struct.
+inline constexpr size_t most_rows = 64;
+
 /// The rows of a struct. `rows_of (static_cast<const S *> (nullptr))` gives those of S.
 struct Rows {
   const Field *fields;
@@ -53,7 +56,7 @@ struct FieldsOf;
 
 template <class S>
 constexpr Rows rows_of (const S *) {
-  static_assert (sizeof (S) <= UINT16_MAX);
+  static_assert (sizeof (S) <= UINT16_MAX && std::size (FieldsOf<S>::fields) - 1 <= most_rows);
   return {FieldsOf<S>::fields, std::size (FieldsOf<S>::fields) - 1, sizeof (S)};
 }
 
@@ -63,24 +66,26 @@ XMLTree::List write_fields (const Rows &rows, const void *from);
 /// Reads a struct by the rule of records: first the required members in order, then which of the optional
 /// ones are there, then those. The first failure ends it: a required one that is missing, or any that is
 /// doubled or bad. Unknown children are passed over.
-/// @param tree the element whose children are the members
+/// @param element its children are the members; the table of its names begins with those of the tags
 /// @param err may be null; gets the text of the failure
+bool read_record (const XMLElement &element, const Rows &rows, void *to, AString *err);
 bool read_record (const XMLTree &tree, const Rows &rows, void *to, AString *err);
 /// Reads a struct by the rule of message bodies: members in order, required ones as above; an optional one
 /// that is missing, doubled or bad is simply absent.
+bool read_body (const XMLElement &element, const Rows &rows, void *to, AString *err);
 bool read_body (const XMLTree &tree, const Rows &rows, void *to, AString *err);
 
 template <class S>
 XMLTree::List write_fields (const S &from) {
   return write_fields (rows_of (&from), &from);
 }
-template <class S>
-bool read_record (const XMLTree &tree, S *to, AString *err) {
-  return read_record (tree, rows_of (static_cast<const S *> (to)), to, err);
+template <class S, class Element>
+bool read_record (const Element &element, S *to, AString *err) {
+  return read_record (element, rows_of (static_cast<const S *> (to)), to, err);
 }
-template <class S>
-bool read_body (const XMLTree &tree, S *to, AString *err) {
-  return read_body (tree, rows_of (static_cast<const S *> (to)), to, err);
+template <class S, class Element>
+bool read_body (const Element &element, S *to, AString *err) {
+  return read_body (element, rows_of (static_cast<const S *> (to)), to, err);
 }
 
 // In an AOption the value is behind a flag of one byte, at the next place that fits its alignment.

@@ -80,6 +80,20 @@ const AString *tag_names () {
   return names;
 }
 
+void add_tag_names (XMLNameTable *table) {
+  for (uint32_t tag = 0; tag != tag_count; ++tag)
+    table->add (tag_names ()[tag]);
+}
+
+const XMLNameTable &tag_table () {
+  static const XMLNameTable &table = *[] {
+    auto *const made = new XMLNameTable;
+    add_tag_names (made);
+    return made;
+  }();
+  return table;
+}
+
 const AString &word_boolean () {
   static const AString &word = *new AString ("boolean");
   return word;

@@ -3,7 +3,7 @@
 #include "base/astring.h"
 #include "base/fixed.h"
 #include "schema/sets.h"
-#include "xml/xml_tree.h"
+#include "xml/xml_nodes.h"
 
 #include <cstdint>
 #include <list>
@@ -74,6 +74,11 @@ inline const AString &tag_name (Tag tag) {
   return tag_names ()[static_cast<uint32_t> (tag)];
 }
 
+/// A table of the tags' names, in which the number of a name is that of its tag.
+const XMLNameTable &tag_table ();
+/// Adds the names of the tags to a table that is empty: their numbers there are those of the tags.
+void add_tag_names (XMLNameTable *table);
+
 /// The constant texts "boolean", "true" and "false".
 const AString &word_boolean ();
 const AString &word_true ();
@@ -86,6 +91,7 @@ XMLTree make_value (Tag tag, const void *value);
 /// @param err may be null; gets the text of a failure, and is left alone on success.
 /// @return false if the tag is missing, doubled or bad. A flag never fails: it is set if @p tree has the
 /// child.
+bool get_value (const XMLElement &element, Tag tag, void *value, AString *err);
 bool get_value (const XMLTree &tree, Tag tag, void *value, AString *err);
 
 /// For each tag T: `make_T (value)`, the element holding the value; `get_T (tree, value, err)`, as

@@ -3,34 +3,56 @@
 
 #include "base/astring.h"
 
+#include <string>
+#include <string_view>
 #include <vector>
 
-/// A set of names. A parser that is given one takes the name of an element from it instead of building a text
-/// of its own, so that known names cost no store and a lookup by the same AString compares in constant time.
-/// The parser works the same without; it knows no name itself.
+/// A set of names, numbered from 0 in the order in which they were added. A parser that is given one finds
+/// the number of each element's name in it: readers then compare numbers, and a tree takes the name from here
+/// instead of building a text of its own. The parser works the same without; it knows no name itself.
 ///
-/// Threads: filled by one; afterwards `find` may be called from any.
+/// Threads: filled by one; afterwards all else may be called from any.
 class XMLNameTable {
 public:
+  /// The number of a name that is not in the table.
+  static constexpr uint32_t unknown = UINT32_MAX;
+
   /// Adds a copy that shares the store of @p name. A name that is there already, or empty, changes nothing.
   void add (const AString &name);
 
-  /// The name with these code points, null when it is unknown. Constant time.
-  const AString *find (const AChar *text, size_t length) const;
+  /// The number of a name, `unknown` when it is not here. Constant time.
+  uint32_t find (std::string_view name) const { return find (name, hash_of (name)); }
+  /// The same for whoever has the hash of the name already.
+  uint32_t find (std::string_view name, uint32_t hash) const;
+  uint32_t find_text (const AString &name) const;
 
+  /// @param number below `size`
+  const AString &name (uint32_t number) const { return entries_[number].name; }
   size_t size () const { return entries_.size (); }
+
+  /// The hash of a name, one character after the other.
+  static constexpr uint32_t next_hash (uint32_t hash, char c) {
+    return hash * 31 + static_cast<unsigned char> (c);
+  }
+  static constexpr uint32_t hash_of (std::string_view name) {
+    uint32_t hash = 0;
+    for (const char c : name)
+      hash = next_hash (hash, c);
+    return hash;
+  }
 
 private:
   struct Entry {
     AString name;
-    std::vector<AChar> text;
-    size_t hash;
+    std::string text;
+    uint32_t hash;
   };
 
+  size_t slot_of (uint32_t hash) const { return (hash ^ (hash >> 15)) & (slots_.size () - 1); }
   void grow ();
   void place (uint32_t entry);
 
   std::vector<Entry> entries_;
-  std::vector<uint32_t>
-      slots_; ///< 1 + index of an entry, 0 when free; a power of two, at least half of it free
+  /// 1 + number of an entry, 0 when free; a power of two, three quarters of it free
+  std::vector<uint32_t> slots_;
 };

@@ -17,9 +17,6 @@
 /// Threads: any. Cost: linear in the text; no limit on depth but memory, and no recursion.
 XMLTree parse_xml_text (const AString &text, bool *bad_result = nullptr, const XMLNameTable *names = nullptr);
 
-/// The same for @p length code points that lie together and that the parser may overwrite.
-XMLTree parse_xml_in_place (AChar *text, size_t length, const XMLNameTable *names = nullptr);
-
 /// Replaces the five named entities, each once: `&amp;lt;` becomes `&lt;`. All other text passes through,
 /// a bare `&` and unknown entities included. Text without `&` is returned as it is, sharing its store.
 AString decode_entities (const AString &text);

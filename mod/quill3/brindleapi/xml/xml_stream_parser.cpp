@@ -1,6 +1,6 @@
 #include "xml/xml_stream_parser.h"
 
-#include "base/achar.h"
+#include "base/kelvane_assert.h"
 
 #include <algorithm>
 #include <cstring>
@@ -76,27 +76,11 @@ uint64_t find_tag (Bytes b, uint64_t from, Match *result, Matches matches) {
   }
   return b.length;
 }
-
-// Decodes up to the first thing that is refused. The number of code points.
-size_t decode (Bytes b, AChar *out) {
-  size_t count = 0;
-  for (uint64_t i = 0; i != b.length; ++count) {
-    unsigned consumed = 1;
-    const auto byte = static_cast<unsigned char> (b.p[i]);
-    if (byte != 0 && byte < 128)
-      out[count] = AChar (b.p[i]);
-    else if (!decode_utf8_received (b.p + i, b.length - i, &out[count], &consumed))
-      break;
-    i += consumed;
-  }
-  return count;
-}
 } // namespace
 
 XMLStreamParser::XMLStreamParser (uint64_t bufsize) : bufsize_ (bufsize) {
   if (!KELVANE_ASSERT (bufsize != 0))
     bufsize_ = default_bufsize;
-  buffer_.resize (bufsize_);
 }
 
 void XMLStreamParser::add_element_name (std::string_view name) {
@@ -112,13 +96,20 @@ uint64_t XMLStreamParser::feed (uint64_t length, const char *bytes) {
   const uint64_t taken = std::min (length, free_space ());
   if (taken == 0)
     return 0;
-  if (first_ + used_ + taken > bufsize_) {
-    std::memmove (buffer_.data (), buffer_.data () + first_, used_);
-    first_ = 0;
-  }
+  make_room (taken);
   std::memcpy (buffer_.data () + first_ + used_, bytes, taken);
   used_ += taken;
   return taken;
+}
+
+void XMLStreamParser::make_room (uint64_t wanted) {
+  if (first_ + used_ + wanted <= buffer_.size ())
+    return;
+  if (used_ != 0)
+    std::memmove (buffer_.data (), buffer_.data () + first_, used_);
+  first_ = 0;
+  if (used_ + wanted > buffer_.size ())
+    buffer_.resize (std::min (bufsize_, std::max (used_ + wanted, buffer_.size () * 2)));
 }
 
 void XMLStreamParser::reset () {
@@ -174,13 +165,6 @@ bool XMLStreamParser::find_frame (Frame *frame) {
   return true;
 }
 
-XMLTree XMLStreamParser::parse (const Frame &frame) {
-  if (decoded_.size () < frame.length)
-    decoded_.resize (frame.length);
-  const size_t count = decode ({bytes () + frame.start, frame.length}, decoded_.data ());
-  return parse_xml_in_place (decoded_.data (), count, names_);
-}
-
 void XMLStreamParser::consume (uint64_t consumed_length) {
   if (!KELVANE_ASSERT (consumed_length <= used_)) {
     failed_ = true;
@@ -192,14 +176,19 @@ void XMLStreamParser::consume (uint64_t consumed_length) {
   searched_ = 0;
 }
 
-XMLTree XMLStreamParser::next_element () {
+const XMLNodes *XMLStreamParser::next_nodes () {
   Frame frame;
   if (failed_ || !find_frame (&frame))
-    return XMLTree ();
-  XMLTree tree = parse (frame);
-  if (tree.is_null ())
+    return nullptr;
+  if (!nodes_.read_bytes ({bytes () + frame.start, frame.length})) {
     failed_ = true;
-  else
-    consume (frame.start + frame.length);
-  return tree;
+    return nullptr;
+  }
+  consume (frame.start + frame.length);
+  return &nodes_;
+}
+
+XMLTree XMLStreamParser::next_element () {
+  const XMLNodes *const nodes = next_nodes ();
+  return nodes != nullptr ? nodes->tree () : XMLTree ();
 }

@@ -1,7 +1,7 @@
 /// The framer: cuts elements out of a stream of bytes.
 #pragma once
 
-#include "xml/xml_parse.h"
+#include "xml/xml_nodes.h"
 
 #include <string>
 #include <string_view>
@@ -30,14 +30,17 @@ public:
   /// Registers a top-level element. Called before the first `feed`.
   void add_element_name (std::string_view name);
   /// Known names for the parser; null for none. The table must outlive this object.
-  void set_names (const XMLNameTable *names) { names_ = names; }
+  void set_names (const XMLNameTable *names) { nodes_.set_names (names); }
 
   uint64_t free_space () const { return bufsize_ - used_; }
   /// Appends as many bytes as there is room for. @return their number; 0 for a length above 0 means that the
   /// buffer is full and, if `next_element` has nothing to give, that the element in it can never be
   /// completed. A failed stream swallows all.
   uint64_t feed (uint64_t length, const char *bytes);
-  /// Takes out the next element. @return the null tree when none is complete yet or the stream failed
+  /// Takes out the next element. @return it, valid until the next call of a member that is not const; null
+  /// when none is complete yet or the stream failed
+  const XMLNodes *next_nodes ();
+  /// The same as a tree of its own, the null tree for none.
   XMLTree next_element ();
   bool is_failed () const { return failed_; }
   /// Drops all bytes and the failed state. The registered names stay.
@@ -49,20 +52,19 @@ private:
     uint64_t length;
   };
 
+  void make_room (uint64_t wanted);
   bool find_opening ();
   bool find_frame (Frame *frame);
-  XMLTree parse (const Frame &frame);
   void consume (uint64_t consumed_length);
   const char *bytes () const { return buffer_.data () + first_; }
 
-  std::vector<char> buffer_;
+  std::vector<char> buffer_; ///< grows with what has to be held, up to bufsize_
   uint64_t bufsize_;
   uint64_t first_ = 0; ///< where the bytes not yet consumed begin
   uint64_t used_ = 0;  ///< their number
   bool failed_ = false;
   std::vector<std::string> element_names_;
-  const XMLNameTable *names_ = nullptr;
-  std::vector<AChar> decoded_; ///< scratch for the element in hand
+  XMLNodes nodes_; ///< the element in hand
 
   // How far the search has come, counted from first_, so that bytes are looked at once however they arrive.
   const std::string *open_name_ = nullptr; ///< of the opening tag found, null while there is none
