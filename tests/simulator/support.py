@@ -24,7 +24,8 @@ class Simulator:
     def __init__(self, *arguments):
         self.address = own_address()
         command = [PROGRAM, "--address", self.address] + list(arguments)
-        self.process = subprocess.Popen(command, stdout=subprocess.PIPE, text=True)
+        self.process = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                                        text=True)
         self.log = []
         line = self.process.stdout.readline()
         if line != "listening on %s:%d\n" % (self.address, PORT):

@@ -14,9 +14,9 @@ namespace {
 
 constexpr std::size_t longest_line = 4000; // a pipe that is ready takes this much without waiting
 
-void write_all (std::string_view text) {
+void write_all (std::string_view text, int output = STDOUT_FILENO) {
   while (!text.empty ()) {
-    const ssize_t written = ::write (STDOUT_FILENO, text.data (), text.size ());
+    const ssize_t written = ::write (output, text.data (), text.size ());
     if (written <= 0)
       return;
     text.remove_prefix (static_cast<std::size_t> (written));
@@ -49,6 +49,10 @@ void log_line (std::string_view line) {
 
 void say (std::string_view line) {
   write_all (std::string (line) + '\n');
+}
+
+void complain (std::string_view line) {
+  write_all (fmt::format ("orva-simulator: {}\n", line), STDERR_FILENO);
 }
 
 } // namespace sim

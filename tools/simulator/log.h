@@ -11,4 +11,7 @@ void log_line (std::string_view line);
 /// Writes one line as it stands, and waits until it is taken.
 void say (std::string_view line);
 
+/// Writes one line about something that has gone wrong to the standard error.
+void complain (std::string_view line);
+
 } // namespace sim

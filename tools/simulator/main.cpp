@@ -1,20 +1,64 @@
 #include "clock.h"
+#include "configuration_file.h"
 #include "control/address.h"
 #include "log.h"
 #include "server.h"
 #include "standard.h"
+#include "trace/proxy.h"
+#include "trace/replay.h"
 
 #include <CLI/CLI.hpp>
 #include <csignal>
+#include <fmt/format.h>
 
-int main (int argc, char **argv) {
-  sim::Options options;
+namespace {
+
+using namespace sim;
+
+/// All that the command line says.
+struct CommandLine {
+  Options options;
+  std::vector<std::string> addresses;
+  std::string config;
   std::string start;
-  CLI::App app (
-      "A simulated video server: answers the control protocol on port 8913 from a state of its own.");
-  app.add_option ("--address", options.address, "IPv4 address to listen on")->capture_default_str ();
+  Steering steering;
+  ProxyOptions proxy;
+  ReplayOptions replay;
+};
+
+std::string check_time (const std::string &text) {
+  return read_time (text) ? "" : "'" + text + "' is no time such as 2026-01-31T12:00:00Z";
+}
+
+std::string check_standard (const std::string &name) {
+  return find_standard (name) ? "" : "there is no video standard " + name;
+}
+
+std::string standards_text () {
+  std::string text = "Video standards:";
+  std::size_t column = text.size ();
+  for (const std::string_view name : standard_names ()) {
+    column = column + name.size () + 1 > 78 ? 1 : column + name.size () + 1;
+    text += column == 1 ? "\n  " : " ";
+    column += column == 1 ? name.size () + 1 : 0;
+    text += name;
+  }
+  return text +
+         "\n\nExit status: 0 when it was asked to end, or a scenario or replay went as expected; 1 when it "
+         "could not\nstart or go on; 2 when the command line is wrong; 3 when a scenario or a replay went "
+         "otherwise.";
+}
+
+void add_server_options (CLI::App &app, CommandLine &line) {
+  Options &options = line.options;
+  app.add_option ("--address", line.addresses, "IPv4 address to listen on; several make several servers")
+      ->check (CLI::ValidIPV4);
+  app.add_option ("--config", line.config, "JSON file with a block of options for each of several servers")
+      ->excludes ("--address");
   app.add_option ("--name", options.name, "computer name the server gives")->capture_default_str ();
-  app.add_option ("--standard", options.standard, "video standard, such as 1080_50i")->capture_default_str ();
+  app.add_option ("--standard", options.standard, "video standard, see below")
+      ->capture_default_str ()
+      ->check (check_standard);
   app.add_option ("--clips", options.clips, "text file of clips and directories");
   app.add_option ("--generate", options.generate, "add so many generated clips");
   app.add_option ("--database", options.database, "file to keep everything in, for the next start");
@@ -22,37 +66,106 @@ int main (int argc, char **argv) {
                   "most positions of a channel in a second, 0 for each field");
   app.add_option ("--refuse-metadata", options.refuse_metadata,
                   "refuse every so manyth change of metadata, 0 for none");
-  app.add_option ("--control", options.control, "address and port to steer it from, such as 127.0.0.1:9913")
-      ->check (sim::check_control_address);
-  app.add_option ("--control-token", options.control_token,
+  app.add_option ("--faults", options.faults, "JSON file of faults to start with");
+  app.add_flag ("--empty", options.empty, "load nothing on the channels");
+  app.add_flag ("--verbose", options.verbose, "log reports and raw documents too");
+  app.add_flag ("--quiet", options.quiet, "log no commands");
+  app.add_flag ("--strict", options.strict, "refuse documents that differ by a byte from the expected form");
+}
+
+void add_steering_options (CLI::App &app, CommandLine &line) {
+  Options &options = line.options;
+  app.add_option ("--control", line.steering.control,
+                  "address and port to steer it from, such as 127.0.0.1:9913")
+      ->check (check_control_address);
+  app.add_option ("--control-token", line.steering.control_token,
                   "secret that every request to the control address must carry")
       ->envname ("ORVA_SIMULATOR_TOKEN");
-  app.add_option ("--faults", options.faults, "JSON file of faults to start with");
-  app.add_option ("--start", start, "time of day at the first field, such as 2026-01-31T12:00:00Z")
-      ->check ([] (const std::string &text) {
-        return sim::read_time (text) ? "" : "'" + text + "' is no time such as 2026-01-31T12:00:00Z";
-      });
+  app.add_option ("--script", line.steering.script,
+                  "JSON file of a scenario; its end is the end of the program");
+  app.add_option ("--start", line.start, "time of day at the first field, such as 2026-01-31T12:00:00Z")
+      ->check (check_time);
   app.add_flag ("--paused", options.paused, "let no time pass but by hand");
   app.add_option ("--rate", options.rate, "run so many times as fast")
       ->capture_default_str ()
       ->check (CLI::Range (0.001, 1000.0));
   app.add_option ("--seed", options.seed, "number that all that is random starts from");
-  app.add_flag ("--empty", options.empty, "load nothing on the channels");
-  app.add_flag ("--verbose", options.verbose, "log reports and raw documents too");
-  app.add_flag ("--quiet", options.quiet, "log no commands");
-  app.add_flag ("--strict", options.strict, "refuse documents that differ by a byte from the expected form");
-  CLI11_PARSE (app, argc, argv);
-  options.start = sim::read_time (start);
-  if (!options.control.empty () && options.control_token.empty () && !sim::is_loopback (options.control))
-    return app.exit (CLI::ValidationError ("--control", "an address off loopback needs a --control-token"));
-  if (!sim::find_standard (options.standard))
-    return app.exit (CLI::ValidationError ("--standard", "there is no video standard " + options.standard));
+}
+
+void add_proxy (CLI::App &app, CommandLine &line) {
+  CLI::App &proxy =
+      *app.add_subcommand ("proxy", "stand between clients and a server, and write down what passes");
+  proxy.add_option ("--listen", line.proxy.listen, "IPv4 address to listen on")
+      ->required ()
+      ->check (CLI::ValidIPV4);
+  proxy.add_option ("--server", line.proxy.server, "IPv4 address of the server")
+      ->required ()
+      ->check (CLI::ValidIPV4);
+  proxy.add_option ("--trace", line.proxy.trace, "file to write, JSON lines")->required ();
+  proxy.add_option ("--faults", line.proxy.faults, "JSON file of faults to put into the server's traffic");
+  proxy.add_option ("--seed", line.proxy.seed, "number that all that is random starts from");
+}
+
+void add_replay (CLI::App &app, CommandLine &line) {
+  CLI::App &replay =
+      *app.add_subcommand ("replay", "play the server's side of what a proxy has written down");
+  replay.add_option ("trace", line.replay.trace, "file that a proxy has written")->required ();
+  replay.add_option ("--listen", line.replay.listen, "IPv4 address to listen on")
+      ->capture_default_str ()
+      ->check (CLI::ValidIPV4);
+}
+
+std::vector<Options> servers_of (CommandLine &line) {
+  line.options.start = read_time (line.start);
+  line.options.journal = !line.steering.control.empty () || !line.steering.script.empty ();
+  std::vector<Options> servers;
+  if (!line.config.empty ())
+    return read_configuration_file (line.config, line.options);
+  if (line.addresses.empty ())
+    return {line.options};
+  for (const std::string &address : line.addresses) {
+    servers.push_back (line.options);
+    servers.back ().address = address;
+  }
+  return servers;
+}
+
+int run_servers (CommandLine &line) {
+  const std::vector<Options> servers = servers_of (line);
+  check_servers (servers);
+  return serve (servers, line.steering);
+}
+
+} // namespace
+
+int main (int argc, char **argv) {
+  CommandLine line;
+  CLI::App app (
+      "A simulated video server: answers the control protocol on port 8913 from a state of its own.");
+  app.set_version_flag ("--version", "orva-simulator " ORVA_SIMULATOR_VERSION);
+  app.footer (standards_text ());
+  add_server_options (app, line);
+  add_steering_options (app, line);
+  add_proxy (app, line);
+  add_replay (app, line);
+  app.require_subcommand (0, 1);
+  try {
+    app.parse (argc, argv);
+    if (!line.steering.control.empty () && line.steering.control_token.empty () &&
+        !is_loopback (line.steering.control))
+      throw CLI::ValidationError ("--control", "an address off loopback needs a --control-token");
+  } catch (const CLI::ParseError &problem) {
+    return app.exit (problem) == 0 ? 0 : status_usage;
+  }
   std::signal (SIGPIPE, SIG_IGN);
   try {
-    sim::serve (options);
+    if (app.got_subcommand ("proxy"))
+      return run_proxy (line.proxy);
+    if (app.got_subcommand ("replay"))
+      return run_replay (line.replay);
+    return run_servers (line);
   } catch (const std::exception &fault) {
-    sim::say (std::string ("cannot go on: ") + fault.what ());
-    return 1;
+    complain (std::string ("cannot go on: ") + fault.what ());
+    return status_failed;
   }
-  return 0;
 }

@@ -6,15 +6,13 @@
 
 namespace sim {
 
-/// What the command line says.
+/// What one server is to be.
 struct Options {
   std::string address = "127.0.0.1";
   std::string name = "SIMULATOR";
   std::string standard = "1080_59_94i";
   std::string clips;                 ///< file of clips; empty: a few of its own
   std::string database;              ///< file to keep everything in; empty: in memory
-  std::string control;               ///< address and port to be steered from; empty: nowhere
-  std::string control_token;         ///< what requests to it must carry; empty: nothing
   std::string faults;                ///< file of faults that are set at the start
   std::uint32_t generate = 0;        ///< so many more clips
   std::uint32_t report_rate = 0;     ///< most positions in a second; 0: one each field
@@ -23,10 +21,23 @@ struct Options {
   double rate = 1;                   ///< so many times faster than the real time
   bool paused = false;               ///< no time passes but by hand
   std::optional<std::uint64_t> seed; ///< of all that is random; absent: another one each time
+  bool journal = false;              ///< keep the last commands
   bool empty = false;                ///< nothing is loaded at the start
   bool verbose = false;              ///< log reports and raw documents too
   bool quiet = false;                ///< log no commands
   bool strict = false;               ///< refuse documents that are not written byte for byte as expected
 };
+
+/// How the servers of this process are steered.
+struct Steering {
+  std::string control;       ///< address and port of the control address; empty: none
+  std::string control_token; ///< what requests to it must carry; empty: nothing
+  std::string script;        ///< file of a scenario; empty: none
+};
+
+// Exit statuses.
+inline constexpr int status_failed = 1;   ///< it could not start or go on
+inline constexpr int status_usage = 2;    ///< the command line is wrong
+inline constexpr int status_departed = 3; ///< a scenario or a replay went otherwise than expected
 
 } // namespace sim

@@ -5,6 +5,7 @@
 #include "control/steered.h"
 #include "faults/line.h"
 #include "log.h"
+#include "script/script.h"
 #include "wire.h"
 
 #include <array>
@@ -353,7 +354,7 @@ public:
 
 private:
   void received (int client, std::string_view command, const std::vector<Rule> &struck) override {
-    if (options_.control.empty ())
+    if (!options_.journal)
       return;
     std::vector<std::string> names;
     for (const Rule &rule : struck)
@@ -362,7 +363,7 @@ private:
   }
 
   void sent (int client, std::string_view message) override {
-    if (!options_.control.empty ())
+    if (options_.journal)
       journal_.answer (client, message);
   }
 
@@ -470,20 +471,39 @@ private:
 
 } // namespace
 
-void serve (const Options &options) {
+int serve (const std::vector<Options> &options, const Steering &steering) {
   asio::io_context context (1);
   asio::signal_set signals (context, SIGINT, SIGTERM);
   signals.async_wait ([&] (const asio::error_code &, int) { context.stop (); });
-  Server server (context, options);
+  std::vector<std::unique_ptr<Server>> servers;
+  std::vector<Steered *> steered;
+  for (const Options &each : options) {
+    servers.push_back (std::make_unique<Server> (context, each));
+    steered.push_back (servers.back ().get ());
+  }
   Mailbox mailbox (context);
-  const std::unique_ptr<Control> control =
-      options.control.empty ()
-          ? nullptr
-          : std::make_unique<Control> (mailbox, std::vector<Steered *>{&server}, options);
-  say (fmt::format ("listening on {}:{}", options.address, port));
+  std::unique_ptr<Control> control;
+  if (!steering.control.empty ())
+    control = std::make_unique<Control> (mailbox, steered, steering);
+  ControlApi api (steered);
+  std::unique_ptr<Script> script;
+  if (!steering.script.empty ())
+    script = std::make_unique<Script> (context, api, steering.script);
+  for (const Options &each : options)
+    say (fmt::format ("listening on {}:{}", each.address, port));
+  int status = 0;
+  if (script)
+    script->start ([&] (const std::string &problem) {
+      if (!problem.empty ())
+        complain (problem);
+      status = problem.empty () ? 0 : status_departed;
+      context.stop ();
+    });
   context.run ();
   mailbox.close ();
-  server.end_all ("is sent away: the server ends");
+  for (const std::unique_ptr<Server> &server : servers)
+    server->end_all ("is sent away: the server ends");
+  return status;
 }
 
 } // namespace sim

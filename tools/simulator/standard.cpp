@@ -75,6 +75,13 @@ static_assert (fields_in_microseconds (even, 9'000'000'000'020'000) == 450'000'0
 
 } // namespace
 
+std::vector<std::string_view> standard_names () {
+  std::vector<std::string_view> names;
+  for (const Row &row : rows)
+    names.push_back (row.name);
+  return names;
+}
+
 std::optional<Standard> find_standard (std::string_view name) {
   for (const Row &row : rows)
     if (row.name == name)

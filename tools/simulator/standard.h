@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace sim {
 
@@ -30,5 +31,8 @@ constexpr std::int64_t fields_in_microseconds (const Standard &standard, std::in
 
 /// The standard of that name, if there is one.
 std::optional<Standard> find_standard (std::string_view name);
+
+/// The names of all.
+std::vector<std::string_view> standard_names ();
 
 } // namespace sim

@@ -33,9 +33,10 @@ public:
   /// What the page shows: the state with the last commands. Empty when there is no such server.
   std::string page_state (const std::string &server) noexcept;
 
-private:
   /// The server that a request names by its address, or the first one. @throws std::exception
   Steered &server_of (const std::string &address) const;
+
+private:
   Json carry_out (const ControlRequest &request);
 
   const std::vector<Steered *> servers_;

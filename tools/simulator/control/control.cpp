@@ -54,9 +54,9 @@ private:
 
 class Control::Http {
 public:
-  Http (Mailbox &mailbox, std::vector<Steered *> servers, const Options &options)
+  Http (Mailbox &mailbox, std::vector<Steered *> servers, const Steering &steering)
       : mailbox_ (mailbox), api_ (std::move (servers)),
-        guard_ (read_control_address (options.control), options.control_token) {
+        guard_ (read_control_address (steering.control), steering.control_token) {
     server_.new_task_queue = [] { return new Requests; };
     server_.set_payload_max_length (most_bytes);
     server_.set_keep_alive_max_count (1000);
@@ -69,9 +69,9 @@ public:
       return admit (request, response);
     });
     add_routes ();
-    const ControlAddress address = read_control_address (options.control);
+    const ControlAddress address = read_control_address (steering.control);
     if (!server_.bind_to_port (address.host, address.port))
-      throw std::runtime_error (fmt::format ("the control address {} cannot be had", options.control));
+      throw std::runtime_error (fmt::format ("the control address {} cannot be had", steering.control));
     thread_ = std::thread ([this] {
       server_.listen_after_bind ();
       thread_ended_ = true;
@@ -178,8 +178,8 @@ private:
   std::thread thread_;
 };
 
-Control::Control (Mailbox &mailbox, std::vector<Steered *> servers, const Options &options)
-    : http_ (std::make_unique<Http> (mailbox, std::move (servers), options)) {}
+Control::Control (Mailbox &mailbox, std::vector<Steered *> servers, const Steering &steering)
+    : http_ (std::make_unique<Http> (mailbox, std::move (servers), steering)) {}
 
 Control::~Control () = default;
 

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace sim {
+
+struct ProxyOptions {
+  std::string listen; ///< IPv4 address, port 8913
+  std::string server; ///< IPv4 address, port 8913
+  std::string trace;  ///< file to write
+  std::string faults; ///< file of faults; empty: bytes are handed on as they come
+  std::optional<std::uint64_t> seed;
+};
+
+/// Stands between clients and a server until a signal asks for the end, and writes down what passes.
+/// @return the exit status. @throws std::exception when it cannot listen or write
+int run_proxy (const ProxyOptions &options);
+
+} // namespace sim

@@ -1,0 +1,177 @@
+#include "trace/replay.h"
+
+#include "log.h"
+#include "options.h"
+#include "trace/flow.h"
+#include "trace/trace.h"
+
+#include <asio.hpp>
+#include <csignal>
+#include <deque>
+#include <fmt/format.h>
+#include <map>
+#include <memory>
+
+namespace sim {
+
+namespace {
+
+using asio::ip::tcp;
+
+constexpr unsigned short port = 8913;
+constexpr std::string_view open_tag = "<xid>", close_tag = "</xid>";
+
+std::string_view identifier_of (std::string_view message) {
+  const std::size_t open = message.find (open_tag);
+  const std::size_t close = message.find (close_tag);
+  if (open == message.npos || close == message.npos || close < open)
+    return {};
+  return message.substr (open + open_tag.size (), close - open - open_tag.size ());
+}
+
+std::string with_identifier (std::string_view message, std::string_view identifier) {
+  const std::string_view old = identifier_of (message);
+  if (old.empty ())
+    return std::string (message);
+  const auto at = static_cast<std::size_t> (old.data () - message.data ());
+  return fmt::format ("{}{}{}", message.substr (0, at), identifier, message.substr (at + old.size ()));
+}
+
+/// A connection that is played.
+class Part {
+public:
+  /// @param ended is called once: empty when all was played, else how the client departed
+  Part (std::deque<TraceLine> lines, std::shared_ptr<Flow> flow, std::function<void (std::string)> ended)
+      : lines_ (std::move (lines)), flow_ (std::move (flow)), ended_ (std::move (ended)) {
+    flow_->on_bytes = [this] (std::string_view bytes) { take (bytes); };
+    flow_->on_end = [this] { leave (); };
+    flow_->start ();
+    play ();
+  }
+
+  ~Part () { flow_->on_bytes = nullptr, flow_->on_end = nullptr; }
+
+private:
+  void take (std::string_view bytes) {
+    from_client_.feed (bytes);
+    for (std::string message = from_client_.next (); !message.empty (); message = from_client_.next ())
+      arrived_.push_back (std::move (message));
+    play ();
+  }
+
+  // Sends what the server sent until something of the client is due that has not come.
+  void play () {
+    while (!over_ && !lines_.empty ()) {
+      const TraceLine &line = lines_.front ();
+      if (line.from == TraceLine::From::server)
+        flow_->put (with_identifier (line.message, identifier_for (line.message)));
+      else if (line.from == TraceLine::From::client && !line.partial && !compare (line))
+        return;
+      lines_.pop_front ();
+      ++place_;
+    }
+    if (over_)
+      return;
+    if (!arrived_.empty ())
+      return depart (fmt::format ("the trace has ended, and the client sends {}", arrived_.front ()));
+    end ("");
+  }
+
+  // Whether the client has sent what is due.
+  bool compare (const TraceLine &line) {
+    if (arrived_.empty ())
+      return false;
+    const std::string message = std::move (arrived_.front ());
+    arrived_.pop_front ();
+    if (with_identifier (message, "") != with_identifier (line.message, "")) {
+      depart (fmt::format ("instead of {} the client sends {}", line.message, message));
+      return false;
+    }
+    identifiers_[std::string (identifier_of (line.message))] = identifier_of (message);
+    return true;
+  }
+
+  std::string identifier_for (std::string_view message) const {
+    const std::string old (identifier_of (message));
+    const auto found = identifiers_.find (old);
+    return found == identifiers_.end () ? old : found->second;
+  }
+
+  void leave () {
+    for (const TraceLine &line : lines_)
+      if (line.from == TraceLine::From::client && !line.partial)
+        return depart (fmt::format ("instead of {} the client goes", line.message));
+    end ("");
+  }
+
+  void depart (const std::string &how) { end (fmt::format ("line {}: {}", place_ + 1, how)); }
+
+  void end (const std::string &problem) {
+    if (std::exchange (over_, true))
+      return;
+    flow_->finish ();
+    ended_ (problem);
+  }
+
+  std::deque<TraceLine> lines_;
+  const std::shared_ptr<Flow> flow_;
+  const std::function<void (std::string)> ended_;
+  Splitter from_client_{Splitter::Side::client};
+  std::deque<std::string> arrived_;
+  std::map<std::string, std::string> identifiers_; ///< those of the trace: those of the client
+  std::size_t place_ = 0;
+  bool over_ = false;
+};
+
+std::deque<std::deque<TraceLine>> connections_of (const std::string &file) {
+  std::map<int, std::deque<TraceLine>> by_number;
+  for (TraceLine &line : read_trace (file))
+    if (line.from != TraceLine::From::nobody || line.event == "open")
+      by_number[line.connection].push_back (std::move (line));
+  std::deque<std::deque<TraceLine>> connections;
+  for (auto &[number, lines] : by_number)
+    connections.push_back (std::move (lines));
+  return connections;
+}
+
+} // namespace
+
+int run_replay (const ReplayOptions &options) {
+  asio::io_context context (1);
+  asio::signal_set signals (context, SIGINT, SIGTERM);
+  signals.async_wait ([&] (const asio::error_code &, int) { context.stop (); });
+  std::deque<std::deque<TraceLine>> connections = connections_of (options.trace);
+  std::size_t left = connections.size ();
+  int status = 0, number = 0;
+  std::vector<std::unique_ptr<Part>> parts;
+  const auto ended = [&] (int part, const std::string &problem) {
+    if (!problem.empty ()) {
+      complain (fmt::format ("connection {}, {}", part, problem));
+      status = status_departed;
+    }
+    if (--left == 0 || status != 0)
+      asio::post (context, [&] { context.stop (); });
+  };
+  tcp::acceptor acceptor (context, {asio::ip::make_address_v4 (options.listen), port});
+  std::function<void ()> accept = [&] {
+    acceptor.async_accept ([&] (const asio::error_code &error, tcp::socket socket) {
+      if (error)
+        return;
+      if (!connections.empty ()) {
+        std::deque<TraceLine> lines = std::move (connections.front ());
+        connections.pop_front ();
+        parts.push_back (std::make_unique<Part> (
+            std::move (lines), std::make_shared<Flow> (std::move (socket)),
+            [&, part = ++number] (const std::string &problem) { ended (part, problem); }));
+      }
+      accept ();
+    });
+  };
+  accept ();
+  say (fmt::format ("listening on {}:{}", options.listen, port));
+  if (left > 0)
+    context.run ();
+  return status;
+}
+
+} // namespace sim
