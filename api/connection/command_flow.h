@@ -2,36 +2,23 @@
 
 #include "api/connection/completion.h"
 
-#include <type_traits>
-
-/// A wrapper of QUILL3::API whose command is answered by `ok`.
-template <class Command>
-using OkWrapper = AString (QUILL3::API::*) (const Command &, QUILL3::callback::ok, QUILL3::callback::error);
-
-/// A wrapper of QUILL3::API whose command is answered by values.
-template <class Command, class... Values>
-using ValuesWrapper = AString (QUILL3::API::*) (const Command &, AFunction<void (Values...)>,
-                                                QUILL3::callback::error);
-
 /// Sends a command that is answered by `ok`, and waits for the answer unless the connection is asynchronous:
-/// `ordinary_command (self, &API::stop, {.Channel = 0})`.
+/// `ordinary_command (self, command::stop{.Channel = 0})`.
 /// @return the outcome, recorded for the calling thread
 template <class Command>
-ResultCode ordinary_command (const Connection &self, OkWrapper<Command> wrapper,
-                             const std::type_identity_t<Command> &command) {
+ResultCode ordinary_command (const Connection &self, const Command &command) {
   PendingCommand pending (self, !self->is_asynchronous ());
-  (self.get ()->*wrapper) (command, pending.on_ok (), pending.on_error ());
+  self->send (command, pending.on_ok (), pending.on_error ());
   return pending.outcome ();
 }
 
 /// Asks for values, and waits for them in any case.
 /// @param variables receive the values if the result is ORVA_OK
 template <class Command, class... Values>
-ResultCode ask (const Connection &self, ValuesWrapper<Command, Values...> wrapper,
-                const std::type_identity_t<Command> &command, std::type_identity_t<Values> &...variables) {
+ResultCode ask (const Connection &self, const Command &command, Values &...variables) {
   PendingCommand pending (self, true);
   AnswerReceiver<Values...> receiver (pending.completion (), variables...);
-  (self.get ()->*wrapper) (command, receiver.callback (), pending.on_error ());
+  self->send (command, receiver.callback (), pending.on_error ());
   return pending.outcome ();
 }
 
@@ -40,12 +27,12 @@ ResultCode ask (const Connection &self, ValuesWrapper<Command, Values...> wrappe
 /// @param link the one on which the server has accepted the registration
 template <class Command>
 void keep_registered (const Connection &self, std::atomic<bool> &registered, uint32_t link,
-                      OkWrapper<Command> wrapper, const Command &command) {
+                      const Command &command) {
   registered = true;
   if (self->links () == link)
     return;
   try {
-    (self.get ()->*wrapper) (command, {}, {});
+    self->send (command, {}, {});
   } catch (...) {
     registered = false;
     throw;
@@ -60,17 +47,16 @@ void keep_registered (const Connection &self, std::atomic<bool> &registered, uin
 ///   registered if that is ORVA_OK
 // C31: doc/compatibility.md
 template <class Command, class Accepted>
-ResultCode ensure_registered (const Connection &self, std::atomic<bool> &registered,
-                              OkWrapper<Command> wrapper, const std::type_identity_t<Command> &command,
+ResultCode ensure_registered (const Connection &self, std::atomic<bool> &registered, const Command &command,
                               Accepted accepted) {
   if (registered)
     return result_ok ();
   PendingCommand pending (self, true);
-  (self.get ()->*wrapper) (command, pending.on_ok (), pending.on_error ());
+  self->send (command, pending.on_ok (), pending.on_error ());
   ResultCode code = pending.outcome ();
   if (code == ORVA_OK)
     code = accepted ();
   if (code == ORVA_OK)
-    keep_registered (self, registered, pending.completion ().link (), wrapper, command);
+    keep_registered (self, registered, pending.completion ().link (), command);
   return code;
 }

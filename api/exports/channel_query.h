@@ -6,12 +6,13 @@
 /// Registers the report of an item, unless that has been done, and waits for its first value.
 template <class Item>
 ResultCode ensure_channel_item (const Connection &self, uint32_t channel, Item &item) {
-  return ensure_registered (self, item.registered, &API::channel_report_register,
-                            {.Channel = channel, .ChannelReportType = Item::report_type}, [&] {
-                              return self->channels.wait_for_first_value (item.valid)
-                                         ? result_ok ()
-                                         : result_error ("Register for channel item failed unexpectedly");
-                            });
+  return ensure_registered (
+      self, item.registered,
+      command::channel_report_register{.Channel = channel, .ChannelReportType = Item::report_type}, [&] {
+        return self->channels.wait_for_first_value (item.valid)
+                   ? result_ok ()
+                   : result_error ("Register for channel item failed unexpectedly");
+      });
 }
 
 /// A query of a channel's state: registers the item's report if that has not been done, then calls @p read

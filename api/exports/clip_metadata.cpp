@@ -61,7 +61,7 @@ uint32_t orva_open_clip_metadata (uint32_t connection, const orva_char *clip, ui
   return on_connection (connection, [&] (const Connection &self) {
     ClipSnapshot snapshot{.connection = connection, .record = {}};
     const ResultCode code =
-        ask (self, &API::get_clip_info, {.ClipID = text_argument (clip)}, snapshot.record);
+        ask (self, command::get_clip_info{.ClipID = text_argument (clip)}, snapshot.record);
     if (code == ORVA_OK && handle != nullptr)
       *handle = MetaDataHandles::instance ().open (std::move (snapshot));
     return code;

@@ -36,7 +36,7 @@ ResultCode change_clip (uint32_t handle, Fill fill, Apply apply) noexcept {
       return code;
     QUILL3::ClipAttrChange change;
     fill (change);
-    code = send_command (snapshot.connection, &API::modify_clip_attributes, [&] {
+    code = send_command (snapshot.connection, [&] {
       return command::modify_clip_attributes{.ClipID = snapshot.record.ClipID, .ClipAttrChange = change};
     });
     if (code != ORVA_OK)

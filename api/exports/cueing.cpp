@@ -5,13 +5,13 @@
 using namespace typehelp;
 
 uint32_t orva_cmd_loadclip1 (uint32_t connection, uint32_t channel, const orva_char *clip) {
-  return send_command (connection, &API::cue_clip, [&] {
+  return send_command (connection, [&] {
     return command::cue_clip{.Channel = channel_argument (channel), .ClipID = text_argument (clip)};
   });
 }
 
 uint32_t orva_cmd_loadclip2 (uint32_t connection, uint32_t channel, const orva_char *clip, uint32_t repeat) {
-  return send_command (connection, &API::cue_clip, [&] {
+  return send_command (connection, [&] {
     return command::cue_clip{.Channel = channel_argument (channel),
                              .ClipID = text_argument (clip),
                              .Loop = repeat_to_wire (repeat)};
@@ -20,7 +20,7 @@ uint32_t orva_cmd_loadclip2 (uint32_t connection, uint32_t channel, const orva_c
 
 uint32_t orva_cmd_loadclip3 (uint32_t connection, uint32_t channel, const orva_char *clip, uint32_t repeat,
                              uint32_t position) {
-  return send_command (connection, &API::cue_clip, [&] {
+  return send_command (connection, [&] {
     return command::cue_clip{.Channel = channel_argument (channel),
                              .ClipID = text_argument (clip),
                              .Loop = repeat_to_wire (repeat),
@@ -30,7 +30,7 @@ uint32_t orva_cmd_loadclip3 (uint32_t connection, uint32_t channel, const orva_c
 
 uint32_t orva_cmd_loadclip4 (uint32_t connection, uint32_t channel, const orva_char *clip, uint32_t repeat,
                              uint32_t position, uint32_t loop_in, uint32_t clip_position) {
-  return send_command (connection, &API::cue_clip, [&] {
+  return send_command (connection, [&] {
     return command::cue_clip{.Channel = channel_argument (channel),
                              .ClipID = text_argument (clip),
                              .Loop = repeat_to_wire (repeat),
@@ -41,7 +41,7 @@ uint32_t orva_cmd_loadclip4 (uint32_t connection, uint32_t channel, const orva_c
 }
 
 uint32_t orva_cmd_loadclip5 (uint32_t connection, uint32_t channel, const orva_char *clip, uint32_t angle) {
-  return send_command (connection, &API::cue_clip, [&] {
+  return send_command (connection, [&] {
     return command::cue_clip{.Channel = channel_argument (channel),
                              .ClipID = text_argument (clip),
                              .Angle = angle_argument (angle)};
@@ -50,7 +50,7 @@ uint32_t orva_cmd_loadclip5 (uint32_t connection, uint32_t channel, const orva_c
 
 uint32_t orva_cmd_loadclip6 (uint32_t connection, uint32_t channel, const orva_char *clip, uint32_t angle,
                              uint32_t position) {
-  return send_command (connection, &API::cue_clip, [&] {
+  return send_command (connection, [&] {
     return command::cue_clip{.Channel = channel_argument (channel),
                              .ClipID = text_argument (clip),
                              .GotoPosition = position,
@@ -60,7 +60,7 @@ uint32_t orva_cmd_loadclip6 (uint32_t connection, uint32_t channel, const orva_c
 
 uint32_t orva_cmd_loadclip7 (uint32_t connection, uint32_t channel, const orva_char *clip, uint32_t angle,
                              uint32_t position, uint32_t clip_position) {
-  return send_command (connection, &API::cue_clip, [&] {
+  return send_command (connection, [&] {
     return command::cue_clip{.Channel = channel_argument (channel),
                              .ClipID = text_argument (clip),
                              .GotoPosition = position,
@@ -70,7 +70,7 @@ uint32_t orva_cmd_loadclip7 (uint32_t connection, uint32_t channel, const orva_c
 }
 
 uint32_t orva_precue1 (uint32_t connection, uint32_t channel, const orva_char *clip, uint32_t condition) {
-  return send_command (connection, &API::precue, [&] {
+  return send_command (connection, [&] {
     return command::precue{.Channel = channel_argument (channel),
                            .ClipID = text_argument (clip),
                            .PrecueCondition = precue_condition_to_wire (condition)};
@@ -79,7 +79,7 @@ uint32_t orva_precue1 (uint32_t connection, uint32_t channel, const orva_char *c
 
 uint32_t orva_precue2 (uint32_t connection, uint32_t channel, const orva_char *clip, uint32_t condition,
                        uint32_t position) {
-  return send_command (connection, &API::precue, [&] {
+  return send_command (connection, [&] {
     return command::precue{.Channel = channel_argument (channel),
                            .ClipID = text_argument (clip),
                            .PrecueCondition = precue_condition_to_wire (condition),
@@ -89,7 +89,7 @@ uint32_t orva_precue2 (uint32_t connection, uint32_t channel, const orva_char *c
 
 uint32_t orva_precue3 (uint32_t connection, uint32_t channel, const orva_char *clip, uint32_t condition,
                        uint32_t position, uint32_t length) {
-  return send_command (connection, &API::precue, [&] {
+  return send_command (connection, [&] {
     return command::precue{.Channel = channel_argument (channel),
                            .ClipID = text_argument (clip),
                            .PrecueCondition = precue_condition_to_wire (condition),
@@ -101,7 +101,7 @@ uint32_t orva_precue3 (uint32_t connection, uint32_t channel, const orva_char *c
 // C25: doc/compatibility.md
 uint32_t orva_precue4 (uint32_t connection, uint32_t channel, const orva_char *clip, uint32_t condition,
                        uint32_t position, uint32_t loop_in, uint32_t length) {
-  return send_command (connection, &API::precue, [&] {
+  return send_command (connection, [&] {
     return command::precue{.Channel = channel_argument (channel),
                            .ClipID = text_argument (clip),
                            .PrecueCondition = precue_condition_to_wire (condition),
@@ -113,23 +113,22 @@ uint32_t orva_precue4 (uint32_t connection, uint32_t channel, const orva_char *c
 }
 
 uint32_t orva_precue_clear1 (uint32_t connection, uint32_t channel) {
-  return send_command (connection, &API::precue_clear,
+  return send_command (connection,
                        [&] { return command::precue_clear{.Channel = channel_argument (channel)}; });
 }
 
 uint32_t orva_precue_activate1 (uint32_t connection, uint32_t channel) {
-  return send_command (connection, &API::precue_activate,
+  return send_command (connection,
                        [&] { return command::precue_activate{.Channel = channel_argument (channel)}; });
 }
 
 uint32_t orva_gang_precue_activate1 (uint32_t connection, uint32_t mask) {
-  return send_command (connection, &API::gang_precue_activate, [&] {
-    return command::gang_precue_activate{.ChannelSet = channel_set_from_mask (mask)};
-  });
+  return send_command (
+      connection, [&] { return command::gang_precue_activate{.ChannelSet = channel_set_from_mask (mask)}; });
 }
 
 uint32_t orva_take1 (uint32_t connection, uint32_t channel, uint32_t type, uint32_t duration) {
-  return send_command (connection, &API::take, [&] {
+  return send_command (connection, [&] {
     return command::take{.Channel = channel_argument (channel),
                          .TransitionType = transition_type_to_wire (type),
                          .TransitionDuration = duration};
@@ -138,7 +137,7 @@ uint32_t orva_take1 (uint32_t connection, uint32_t channel, uint32_t type, uint3
 
 uint32_t orva_take2 (uint32_t connection, uint32_t channel, uint32_t type, uint32_t duration,
                      uint32_t follow) {
-  return send_command (connection, &API::take, [&] {
+  return send_command (connection, [&] {
     return command::take{.Channel = channel_argument (channel),
                          .TransitionType = transition_type_to_wire (type),
                          .TransitionDuration = duration,
@@ -148,27 +147,27 @@ uint32_t orva_take2 (uint32_t connection, uint32_t channel, uint32_t type, uint3
 
 // C24: doc/compatibility.md
 uint32_t orva_go_live1 (uint32_t connection, uint32_t channel) {
-  return send_command (connection, &API::go_live, [&] {
+  return send_command (connection, [&] {
     return command::go_live{.Channel = channel_argument (channel), .MinLatency = true};
   });
 }
 
 uint32_t orva_go_live2 (uint32_t connection, uint32_t channel, uint32_t angle) {
-  return send_command (connection, &API::go_live, [&] {
+  return send_command (connection, [&] {
     return command::go_live{
         .Channel = channel_argument (channel), .Angle = angle_argument (angle), .MinLatency = true};
   });
 }
 
 uint32_t orva_go_live3 (uint32_t connection, uint32_t channel, const orva_char *clip) {
-  return send_command (connection, &API::go_live, [&] {
+  return send_command (connection, [&] {
     return command::go_live{
         .Channel = channel_argument (channel), .ClipID = text_argument (clip), .MinLatency = true};
   });
 }
 
 uint32_t orva_go_live4 (uint32_t connection, uint32_t channel, const orva_char *clip, uint32_t angle) {
-  return send_command (connection, &API::go_live, [&] {
+  return send_command (connection, [&] {
     return command::go_live{.Channel = channel_argument (channel),
                             .ClipID = text_argument (clip),
                             .Angle = angle_argument (angle),
@@ -177,36 +176,35 @@ uint32_t orva_go_live4 (uint32_t connection, uint32_t channel, const orva_char *
 }
 
 uint32_t orva_angle1 (uint32_t connection, uint32_t channel, uint32_t angle) {
-  return send_command (connection, &API::iso_angle, [&] {
+  return send_command (connection, [&] {
     return command::iso_angle{.Channel = channel_argument (channel), .Angle = angle_argument (angle)};
   });
 }
 
 uint32_t orva_set_out1 (uint32_t connection, uint32_t channel, uint32_t position) {
-  return send_command (connection, &API::set_out_point, [&] {
+  return send_command (connection, [&] {
     return command::set_out_point{.Channel = channel_argument (channel), .ClipPosition = position};
   });
 }
 
 uint32_t orva_clear_out (uint32_t connection, uint32_t channel) {
-  return send_command (connection, &API::clear_out_point,
+  return send_command (connection,
                        [&] { return command::clear_out_point{.Channel = channel_argument (channel)}; });
 }
 
 uint32_t orva_set_repeat (uint32_t connection, uint32_t channel, uint32_t repeat) {
-  return send_command (connection, &API::set_loop, [&] {
+  return send_command (connection, [&] {
     return command::set_loop{.Channel = channel_argument (channel), .Loop = repeat_to_wire (repeat)};
   });
 }
 
 // C26: doc/compatibility.md
 uint32_t orva_set_channel_repeat (uint32_t connection, uint32_t channel, uint32_t repeat) {
-  return send_command (connection, &API::set_loop, [&] {
+  return send_command (connection, [&] {
     return command::set_loop{.Channel = channel_argument (channel), .Loop = repeat_to_wire (repeat)};
   });
 }
 
 uint32_t orva_unload_channel (uint32_t connection, uint32_t channel) {
-  return send_command (connection, &API::unload,
-                       [&] { return command::unload{.Channel = channel_argument (channel)}; });
+  return send_command (connection, [&] { return command::unload{.Channel = channel_argument (channel)}; });
 }

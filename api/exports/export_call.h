@@ -49,13 +49,12 @@ ResultCode on_connection (uint32_t connection, Operation operation) noexcept {
 
 /// An export that is one command, answered by `ok`. Finds the connection, or returns "Invalid handle", sends
 /// the command, and waits for the answer unless the connection is asynchronous. Turns exceptions into code 2.
-/// @param wrapper the member of QUILL3::API that sends the command
 /// @param arguments returns the command; it is called once the connection has been found
-template <class Command, class Arguments>
-ResultCode send_command (uint32_t connection, OkWrapper<Command> wrapper, Arguments arguments) noexcept {
+template <class Arguments>
+ResultCode send_command (uint32_t connection, Arguments arguments) noexcept {
   try {
     const Connection self = connections ().find (connection);
-    return self ? ordinary_command (self, wrapper, arguments ()) : result_invalid_handle ();
+    return self ? ordinary_command (self, arguments ()) : result_invalid_handle ();
   } catch (...) {
     return result_internal_error ();
   }

@@ -10,18 +10,15 @@ namespace {
 /// Asks for names, and makes a list handle of them.
 /// @param handle receives it; may be null: the names are asked for and dropped
 template <class Command>
-ResultCode open_list (uint32_t connection,
-                      AString (API::*wrapper) (const Command &, QUILL3::callback::ok,
-                                               AFunction<void (AString)>, QUILL3::callback::error),
-                      uint32_t *handle) noexcept {
+ResultCode open_list (uint32_t connection, uint32_t *handle) noexcept {
   return on_connection (connection, [&] (const Connection &self) {
     AStringList names;
     const auto add = [] (void *list, AString name) {
       static_cast<AStringList *> (list)->append (std::move (name));
     };
     PendingCommand pending (self, true);
-    (self.get ()->*wrapper) ({}, pending.on_ok (), AFunction<void (AString)>::with_pointer (add, &names),
-                             pending.on_error ());
+    self->send (Command{}, pending.on_ok (), AFunction<void (AString)>::with_pointer (add, &names),
+                pending.on_error ());
     const ResultCode code = pending.outcome ();
     if (code == ORVA_OK && handle != nullptr)
       *handle = ListHandles::instance ().open (std::move (names));
@@ -30,7 +27,7 @@ ResultCode open_list (uint32_t connection,
 }
 
 ResultCode track (const Connection &self, TrackedNames &names) {
-  return ensure_registered (self, names.registered, &API::report_register, {.ReportType = names.report_type},
+  return ensure_registered (self, names.registered, command::report_register{.ReportType = names.report_type},
                             [] { return ResultCode{ORVA_OK}; });
 }
 
@@ -59,7 +56,7 @@ ResultCode take_change (uint32_t connection, TrackedNames OrvaConnObject::*names
 // --- Lists
 
 uint32_t orva_open_clip_list (uint32_t connection, uint32_t *handle) {
-  return open_list (connection, &API::download_clipids, handle);
+  return open_list<command::download_clipids> (connection, handle);
 }
 
 uint32_t orva_get_clip_name (uint32_t handle, OrvaStringBuffer name) {
@@ -71,7 +68,7 @@ void orva_close_clip_list (uint32_t handle) {
 }
 
 uint32_t orva_open_directory_list (uint32_t connection, uint32_t *handle) {
-  return open_list (connection, &API::download_directory_names, handle);
+  return open_list<command::download_directory_names> (connection, handle);
 }
 
 uint32_t orva_get_directory_name (uint32_t handle, OrvaStringBuffer name) {
@@ -83,7 +80,7 @@ void orva_close_directory_list (uint32_t handle) {
 }
 
 uint32_t orva_create_directory (uint32_t connection, const orva_char *directory) {
-  return send_command (connection, &API::create_directory,
+  return send_command (connection,
                        [&] { return command::create_directory{.DirectoryName = text_argument (directory)}; });
 }
 

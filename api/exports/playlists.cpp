@@ -13,9 +13,8 @@ constexpr uint32_t roll = member (QUILL3::Enumeration::Roll, "roll");
 /// @param index the low 16 bits are the position in the list
 // C23: doc/compatibility.md
 template <class Command>
-ResultCode play_item (uint32_t connection, OkWrapper<Command> wrapper, uint32_t channel, uint32_t index,
-                      uint32_t how) noexcept {
-  return send_command (connection, wrapper, [&] {
+ResultCode play_item (uint32_t connection, uint32_t channel, uint32_t index, uint32_t how) noexcept {
+  return send_command (connection, [&] {
     return Command{
         .Channel = channel_argument (channel), .ListIndex = static_cast<uint16_t> (index), .Roll = how};
   });
@@ -24,19 +23,19 @@ ResultCode play_item (uint32_t connection, OkWrapper<Command> wrapper, uint32_t 
 } // namespace
 
 uint32_t orva_cmd_playlist_play_now (uint32_t connection, uint32_t channel, uint32_t index) {
-  return play_item<command::list_play_now> (connection, &API::list_play_now, channel, index, roll);
+  return play_item<command::list_play_now> (connection, channel, index, roll);
 }
 
 uint32_t orva_cmd_playlist_play_next (uint32_t connection, uint32_t channel, uint32_t index) {
-  return play_item<command::list_play_next> (connection, &API::list_play_next, channel, index, roll);
+  return play_item<command::list_play_next> (connection, channel, index, roll);
 }
 
 uint32_t orva_cmd_playlist_cue_now (uint32_t connection, uint32_t channel, uint32_t index) {
-  return play_item<command::list_play_now> (connection, &API::list_play_now, channel, index, cue_only);
+  return play_item<command::list_play_now> (connection, channel, index, cue_only);
 }
 
 uint32_t orva_cmd_playlist_cue_next (uint32_t connection, uint32_t channel, uint32_t index) {
-  return play_item<command::list_play_next> (connection, &API::list_play_next, channel, index, cue_only);
+  return play_item<command::list_play_next> (connection, channel, index, cue_only);
 }
 
 uint32_t orva_cmd_playlist_cue_list (uint32_t connection, uint32_t channel) {

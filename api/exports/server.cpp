@@ -22,7 +22,7 @@ ResultCode video_setting (uint32_t connection, uint32_t VideoSettings::*value, u
   return on_connection (connection, [&] (const Connection &self) {
     VideoSettings settings;
     const ResultCode code =
-        ask (self, &API::get_video_standard, {}, settings.standard, settings.rate, settings.resolution);
+        ask (self, command::get_video_standard{}, settings.standard, settings.rate, settings.resolution);
     if (code == ORVA_OK)
       *result = convert (settings.*value);
     return code;
@@ -41,7 +41,7 @@ uint32_t frames_in_fields (uint64_t space, uint32_t field_size) {
 uint32_t orva_server_name (uint32_t connection, OrvaStringBuffer name) {
   return on_connection (connection, [&] (const Connection &self) {
     AString answer;
-    const ResultCode code = ask (self, &API::get_computer_name, {}, answer);
+    const ResultCode code = ask (self, command::get_computer_name{}, answer);
     if (code == ORVA_OK)
       fill_string_buffer (answer, name);
     return code;
@@ -65,7 +65,8 @@ uint32_t orva_disk_usage1 (uint32_t connection, uint64_t *total, uint64_t *avail
     uint64_t total_space = 0;
     uint64_t available_space = 0;
     uint32_t size_of_field = 0;
-    const ResultCode code = ask (self, &API::get_disk_usage, {}, total_space, available_space, size_of_field);
+    const ResultCode code =
+        ask (self, command::get_disk_usage{}, total_space, available_space, size_of_field);
     if (code != ORVA_OK)
       return code;
     *total = total_space;

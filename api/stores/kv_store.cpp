@@ -124,18 +124,17 @@ bool KVStore::send_next () noexcept {
 
 // C56: doc/compatibility.md
 template <class Command>
-ResultCode KVStore::send_unlocked (OkWrapper<Command> wrapper, const std::type_identity_t<Command> &command) {
+ResultCode KVStore::send_unlocked (const Command &command) {
   const MutexRelease release (pending_.lock);
-  return ordinary_command (connection_, wrapper, command);
+  return ordinary_command (connection_, command);
 }
 
 // The key stays in its table until the server has accepted it, so that whoever waits for that sees it. A
 // value that has replaced this one meanwhile stays there too, and is sent later.
 bool KVStore::send_a_setting () {
   const auto [key, value] = *pending_.set.cbegin ();
-  const ResultCode code = send_unlocked (
-      &QUILL3::API::metadata_set,
-      {.MetadataDatabase = text (folder_), .MetadataList = {{.Key = text (key), .Value = text (value)}}});
+  const ResultCode code = send_unlocked (QUILL3::command::metadata_set{
+      .MetadataDatabase = text (folder_), .MetadataList = {{.Key = text (key), .Value = text (value)}}});
   if (code != ORVA_OK)
     return false;
   const auto sent = pending_.set.find (key);
@@ -146,8 +145,8 @@ bool KVStore::send_a_setting () {
 
 bool KVStore::send_an_erasure () {
   const std::u16string key = *pending_.erase.cbegin ();
-  const ResultCode code = send_unlocked (&QUILL3::API::metadata_erase,
-                                         {.MetadataDatabase = text (folder_), .KeyList = {text (key)}});
+  const ResultCode code = send_unlocked (
+      QUILL3::command::metadata_erase{.MetadataDatabase = text (folder_), .KeyList = {text (key)}});
   if (code != ORVA_OK)
     return false;
   pending_.erase.erase (key);

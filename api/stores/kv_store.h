@@ -85,8 +85,7 @@ private:
   bool send_a_setting () KELVANE_REQUIRES (pending_.lock);
   bool send_an_erasure () KELVANE_REQUIRES (pending_.lock);
   template <class Command>
-  ResultCode send_unlocked (OkWrapper<Command> wrapper, const std::type_identity_t<Command> &command)
-      KELVANE_REQUIRES (pending_.lock);
+  ResultCode send_unlocked (const Command &command) KELVANE_REQUIRES (pending_.lock);
   void wait_before_retry () KELVANE_REQUIRES (pending_.lock);
   bool wait_until_drained (uint32_t timeout_ms);
 

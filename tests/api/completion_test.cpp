@@ -164,13 +164,13 @@ TEST (Completion, IsFinishedOnceByManyThreads) {
 TEST (CommandFlow, WithoutALinkFailsAtOnceOnTheCallersThread) {
   const auto connection = Connection::create ();
   const auto no_link = "Failing all outstanding commands";
-  EXPECT_EQ (ordinary_command (connection, &API::stop, {.Channel = 0}), 2u);
+  EXPECT_EQ (ordinary_command (connection, QUILL3::command::stop{.Channel = 0}), 2u);
   EXPECT_EQ (last_error_text (), no_link);
   EXPECT_EQ (connection->outstanding_count (), 0u);
   EXPECT_EQ (references (connection), 1u);
   connection->wait_for_pending_commands ();
   connection->set_asynchronous (2);
-  EXPECT_EQ (ordinary_command (connection, &API::stop, {.Channel = 0}), 0u);
+  EXPECT_EQ (ordinary_command (connection, QUILL3::command::stop{.Channel = 0}), 0u);
   EXPECT_EQ (last_error_text (), "OK");
 }
 
@@ -182,12 +182,13 @@ TEST (CommandFlow, OfRegistrationsAndQueriesWaitsInAnyCase) {
     ADD_FAILURE ();
     return ORVA_OK;
   };
-  EXPECT_EQ (ensure_registered (connection, registered, &API::report_register, {.ReportType = 0}, accepted),
-             2u);
+  EXPECT_EQ (
+      ensure_registered (connection, registered, QUILL3::command::report_register{.ReportType = 0}, accepted),
+      2u);
   EXPECT_FALSE (registered);
   result_ok ();
   AString name;
-  EXPECT_EQ (ask (connection, &API::get_computer_name, {}, name), 2u);
+  EXPECT_EQ (ask (connection, QUILL3::command::get_computer_name{}, name), 2u);
   EXPECT_EQ (last_error_text (), "Failing all outstanding commands");
 }
 

@@ -78,7 +78,7 @@ TEST (OnConnection, TurnsExceptionsIntoACode) {
   const uint32_t number = connections ().open (Connection::create ());
   EXPECT_EQ (on_connection (number, [] (const Connection &) -> ResultCode { throw 1; }), 2u);
   EXPECT_EQ (last_error_text (), "Internal software error");
-  EXPECT_EQ (send_command (number, &API::stop, [] () -> command::stop { throw 1; }), 2u);
+  EXPECT_EQ (send_command (number, [] () -> command::stop { throw 1; }), 2u);
   EXPECT_EQ (last_error_text (), "Internal software error");
   connections ().close_under_lock (number);
 }
@@ -88,7 +88,7 @@ TEST (SendCommand, ConvertsItsArgumentsOnlyForAConnectionThatIsOpen) {
     ADD_FAILURE ();
     return command::stop{};
   };
-  EXPECT_EQ (send_command (0, &API::stop, arguments), 3u);
+  EXPECT_EQ (send_command (0, arguments), 3u);
   EXPECT_EQ (last_error_text (), "Invalid handle");
 }
 

@@ -19,26 +19,32 @@ public:
   API ();
   ~API () override;
 
-  // One wrapper for each command, named as the command, in two forms:
+  // One wrapper for each command, named as the command, in two forms, and one named `send` for all commands:
   //
   //   AString play (const command::play &arguments);
   //   AString play (const command::play &arguments, callback::ok ok, callback::error error);
+  //   AString send (const command::play &arguments, callback::ok ok, callback::error error);
   //
-  // The first is the second with empty callbacks. The callbacks are those of the replies that the command can
-  // get, in the order of commands.inc, `error` last; any of them may be empty. The result is the identifier
-  // that went out with the command; it begins with `none` when all callbacks are empty, and nothing is kept
-  // of such a command here.
+  // The first is the second with empty callbacks, and the third is the second. The callbacks are those of the
+  // replies that the command can get, in the order of commands.inc, `error` last; any of them may be empty.
+  // The result is the identifier that went out with the command; it begins with `none` when all callbacks are
+  // empty, and nothing is kept of such a command here.
   //
   // With a callback that is not empty the command is open from before its first byte is sent, and ends once:
   // callbacks may run on the connection's thread or, when the link is down, on any that finds it so, this one
   // included, and so before the wrapper returns. A failure that another thread has begun to tell may also
   // come after it. A wrapper that throws, for want of memory, leaves no command open and runs no callback.
 #define CALLBACK(reply) callback::reply reply
+#define PASS(reply) reply
 #define COMMAND(name, answers, ...)                                                                          \
   AString name (const command::name &arguments);                                                             \
-  AString name (const command::name &arguments, LIST_OF (CALLBACK, NAMES answers), callback::error error);
+  AString name (const command::name &arguments, LIST_OF (CALLBACK, NAMES answers), callback::error error);   \
+  AString send (const command::name &arguments, LIST_OF (CALLBACK, NAMES answers), callback::error error) {  \
+    return name (arguments, LIST_OF (PASS, NAMES answers), error);                                           \
+  }
 #include "engine/commands.inc"
 #undef CALLBACK
+#undef PASS
 
   /// Number of open commands.
   uint32_t outstanding_count ();
