@@ -5,6 +5,7 @@ import re
 import socket
 import subprocess
 import sys
+import tempfile
 import time
 import unittest
 
@@ -159,6 +160,24 @@ class Case(unittest.TestCase):
     def assertRefused(self, client, body, text, code="general"):
         self.assertEqual(client.answer(body),
                          "<error><ErrorMessage>%s</ErrorMessage><ErrorCode>%s</ErrorCode></error>" % (text, code))
+
+
+def wait_until(true):
+    """Asks again and again until the answer is yes."""
+    end = time.monotonic() + PATIENCE
+    while not true():
+        if time.monotonic() > end:
+            raise RuntimeError("what was waited for does not happen")
+        time.sleep(0.005)
+
+
+def text_file(case, text):
+    """The path of a file with this text, which is there until the test ends."""
+    file = tempfile.NamedTemporaryFile("w", suffix=".txt")
+    case.addCleanup(file.close)
+    file.write(text)
+    file.flush()
+    return file.name
 
 
 def tag(report, name):

@@ -1,5 +1,6 @@
 """Channels: what is loaded, how it moves, what follows, and what is told of it."""
 
+import re
 import time
 
 import support
@@ -20,8 +21,9 @@ class Desk:
         self.case = case
         self.letter = letter
 
-    def do(self, command, arguments=""):
-        answer = self.client.answer("<%s><Channel>%s</Channel>%s</%s>" % (command, self.letter, arguments, command))
+    def do(self, command, arguments="", before=""):
+        answer = self.client.answer("<%s>%s<Channel>%s</Channel>%s</%s>" %
+                                    (command, before, self.letter, arguments, command))
         self.case.assertEqual(answer, "<ok />", command)
 
     def refused(self, command, arguments, text, code="general"):
@@ -411,13 +413,13 @@ class Transport(support.Case):
         desk.do("play")
         desk.wait_position(lambda position: position >= 3)
         watcher = self.client()
-        for kind in ("clip_change", "disk_space"):
-            watcher.answer("<report_register><ReportType>%s</ReportType></report_register>" % kind)
+        watcher.answer("<report_register><ReportType>clip_change</ReportType></report_register>")
         watcher.settled_reports()
 
-        def records():
-            return [watcher.answer("<get_clip_info><ClipID>%s</ClipID></get_clip_info>" % clip)
-                    for clip in ("TRACE", "COUNTDOWN")] + [watcher.answer("<get_disk_usage />")]
+        def records():  # what each clip has gone through; its length grows meanwhile
+            return [re.findall("<[A-Za-z]*Stamp>.*?<", watcher.answer("<get_clip_info><ClipID>%s</ClipID>"
+                                                                      "</get_clip_info>" % clip))
+                    for clip in ("TRACE", "COUNTDOWN")]
 
         before = records()
         self.assertRefused(desk.client, "<gang_play>" + gang("FH") + "</gang_play>", "Nothing is loaded on channel H")
@@ -429,9 +431,8 @@ class Transport(support.Case):
         self.assertEqual(desk.client.answer("<gang_precue_activate>" + gang("F") + "</gang_precue_activate>"), "<ok />")
         self.assertIn("<clip_changed><ClipID>TRACE</ClipID></clip_changed>", watcher.settled_reports())
         after = records()
-        for number in range(3):
+        for number in range(2):
             self.assertNotEqual(after[number], before[number])
-        desk.do("insert_edit", "<SonyEditMask>0</SonyEditMask>")
 
     def test_gangs_keep_their_distance(self):
         client = self.client()

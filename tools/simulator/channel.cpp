@@ -32,7 +32,11 @@ int Channel::status () const {
 }
 
 Fixed Channel::speed () const {
-  if (!playing_ || cueing_left_ > 0)
+  return cueing_left_ > 0 ? 0 : speed_when_cued ();
+}
+
+Fixed Channel::speed_when_cued () const {
+  if (!playing_)
     return 0;
   return backwards_ && speed_ != std::numeric_limits<Fixed>::min () ? -speed_ : speed_;
 }
@@ -44,6 +48,7 @@ void Channel::load (const Cue &what) {
   backwards_ = false;
   speed_ = fixed_one;
   cueing_left_ = 1;
+  edit_mask = 0;
 }
 
 void Channel::unload () {
@@ -52,10 +57,13 @@ void Channel::unload () {
   playing_ = false;
   cueing_left_ = 0;
   transition_left_ = 0;
+  edit_mask = 0;
   precued.clear ();
 }
 
 void Channel::renew (const Content &content) {
+  if (unstored && unstored->clip == content.name)
+    unstored = Recording{content.name, content.length, content.length};
   cue.content = content;
   place_ = std::min (place_, std::int64_t{last_field ()} << 16);
 }
@@ -103,9 +111,9 @@ bool Channel::pass_field () {
 
 bool Channel::move () {
   const std::int64_t next = place_ + speed ();
-  if (recording () && record (next))
-    return false;
-  const bool before_out = !cue.out || place_ < (std::int64_t{*cue.out} + 1) << 16;
+  if (recording ())
+    return record (next);
+  const bool before_out = place_ < behind_out ();
   const Range whole = fields (0, before_out ? cue.out.value_or (last_field ()) : last_field ());
   if (loops ())
     return move_in_loop (next, fields (0, last_field ()));
@@ -158,15 +166,25 @@ void Channel::reflect (std::int64_t next, Range range) {
   place_ = std::clamp (next < range.low ? 2 * range.low - next : 2 * last - next, range.low, last);
 }
 
-// A clip that is recorded into grows at its end. Everything else moves as when it plays.
+// The place behind the out point; without one, behind every place.
+std::int64_t Channel::behind_out () const {
+  return cue.out ? (std::int64_t{*cue.out} + 1) << 16 : std::numeric_limits<std::int64_t>::max ();
+}
+
+// A recording ends at the out point. It goes on behind the end of the clip, which grows, and through all
+// loops.
 bool Channel::record (std::int64_t next) {
-  const bool grows = next >= std::int64_t{cue.content.length} << 16;
-  if (grows)
-    cue.content.length = static_cast<std::uint32_t> (std::min<std::int64_t> ((next >> 16) + 1, 0xFFFFFFFF));
-  recording_done = Recording{cue.content.name, cue.content.length};
-  if (grows)
-    place_ = next;
-  return grows;
+  constexpr std::int64_t most_fields = 0xFFFFFFFF;
+  if (!unstored)
+    unstored = Recording{cue.content.name, cue.content.length, cue.content.length};
+  if (place_ < behind_out () && next >= behind_out ())
+    return true;
+  if ((next >> 16) >= most_fields)
+    return true;
+  place_ = next;
+  cue.content.length = std::max (cue.content.length, position () + 1);
+  unstored->length = cue.content.length;
+  return false;
 }
 
 } // namespace sim

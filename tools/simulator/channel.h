@@ -46,10 +46,13 @@ struct Precued {
   int condition = precue_explicit;
 };
 
-/// A clip that has been recorded into and not yet been closed.
+/// A clip that has been recorded into, and whose new length is not yet stored.
 struct Recording {
   std::string clip;
   std::uint32_t length = 0;
+  std::uint32_t stored_length = 0;
+
+  std::uint32_t growth () const { return length - stored_length; }
 };
 
 /// The motion of one channel: where it is, where it goes, what waits behind. It knows no other channel and no
@@ -65,14 +68,17 @@ public:
   int status () const;
   /// The speed the channel goes at now, with the direction of a ping-pong; 0 when it stands.
   Fixed speed () const;
+  /// The speed the channel goes at as soon as it has cued; 0 when it stands.
+  Fixed speed_when_cued () const;
   bool in_transition () const { return transition_left_ > 0; }
 
-  /// Stands on the first field of the cue one field later.
+  /// Shows the first field of the cue one field later, and no longer records: nobody has armed it for this
+  /// clip.
   void load (const Cue &what);
   /// The cue that is about to stand is there at once, as after a change of clips on the air.
   void skip_cueing () { cueing_left_ = 0; }
   void unload ();
-  /// What is loaded has changed by itself, in length for example.
+  /// What is loaded has changed by itself, in length for example. A recording into it is stored up to here.
   void renew (const Content &content);
   void play (Fixed speed);
   void stop ();
@@ -86,10 +92,10 @@ public:
 
   Cue cue;
   std::deque<Precued> precued;
-  int edit_mask = 0;
+  int edit_mask = 0; ///< tracks that are recorded while it plays
   int ee_mask = 0;
   bool auto_ee = true;
-  std::optional<Recording> recording_done; ///< what has been recorded since it was last asked for
+  std::optional<Recording> unstored; ///< what has been recorded and not yet been stored
 
 private:
   struct Range {
@@ -105,6 +111,7 @@ private:
   void wrap (std::int64_t next, Range range);
   void reflect (std::int64_t next, Range range);
   bool record (std::int64_t next);
+  std::int64_t behind_out () const;
 
   std::int64_t place_ = 0; ///< 16 bits behind the point
   Fixed speed_ = fixed_one;

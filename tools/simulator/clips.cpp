@@ -157,6 +157,8 @@ Clip Clips::find (const std::string &id) const {
   Rows pairs = database_.query ("SELECT key, value FROM clip_metadata WHERE clip = ? ORDER BY place", id);
   while (pairs.next ())
     clip.metadata.emplace_back (pairs.text (0), pairs.text (1));
+  if (amend)
+    amend (clip);
   return clip;
 }
 
@@ -197,6 +199,14 @@ std::vector<std::string> Clips::directories_below (const std::string &directory)
   const auto [first, end] = range_below (directory);
   return column (
       database_.query ("SELECT name FROM directories WHERE name > ? AND name < ? ORDER BY name", first, end));
+}
+
+std::optional<std::string> Clips::locked_below (const std::string &directory) const {
+  const auto [first, end] = range_below (directory);
+  Rows rows = database_.query ("SELECT id FROM clips WHERE id > ? AND id < ? "
+                               "AND (read_only_meta <> 0 OR read_only_content <> 0) LIMIT 1",
+                               first, end);
+  return rows.next () ? std::optional (rows.text (0)) : std::nullopt;
 }
 
 void Clips::check_new_name (const std::string &name) const {

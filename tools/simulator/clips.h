@@ -6,6 +6,8 @@
 #include "random.h"
 
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,7 +37,13 @@ public:
   std::vector<std::string> names_below (const std::string &directory) const;
   std::vector<std::string> directories_below (const std::string &directory) const;
 
-  /// Fields that all clips take together.
+  /// A clip in a directory, at any depth, that may not be renamed, if there is one.
+  std::optional<std::string> locked_below (const std::string &directory) const;
+
+  /// Is applied to each clip that is found: what is known of it and not yet stored.
+  std::function<void (Clip &)> amend;
+
+  /// Fields that all clips take together, as far as they are stored.
   std::int64_t fields () const { return fields_; }
 
   /// Takes a new clip in and gives it an identifier and stamps. @throws Refusal for a bad or taken name.

@@ -79,7 +79,7 @@ void modify_clip_attributes (Call &call) {
 void delete_clip (Call &call) {
   const Clip clip = call.world.clips.find (call.arguments.text ("ClipID"));
   check_content (clip);
-  call.world.check_unloaded (Source::clip, clip.id);
+  call.world.check_unused (Source::clip, clip.id);
   call.world.clips.remove (clip.id);
   call.world.report_clip ("clip_deleted", clip.id);
   call.world.report_disk_space ();
@@ -87,6 +87,7 @@ void delete_clip (Call &call) {
 
 void rename_one (World &world, const std::string &from, const std::string &to) {
   world.clips.rename (from, to);
+  world.vclips.rename_source (from, to);
   world.renew_clip (from, to);
   world.report_clip ("clip_deleted", from);
   world.report_clip ("clip_created", to);
@@ -145,21 +146,28 @@ void create_directory (Call &call) {
   call.world.report_directory ("directory_created", name);
 }
 
-// Everything that stands in the directory, however deep, goes with it.
+void rename_directories (World &world, const std::string &from, const std::string &to) {
+  std::vector<std::string> directories = world.clips.directories_below (from);
+  directories.insert (directories.begin (), from);
+  for (const std::string &name : directories) {
+    const std::string renamed = to + name.substr (from.size ());
+    world.clips.rename_directory (name, renamed);
+    world.report_directory ("directory_deleted", name);
+    world.report_directory ("directory_created", renamed);
+  }
+}
+
+// Everything in the directory, at any depth, goes with it.
 void rename_dir (Call &call) {
   World &world = call.world;
   const std::string &from = call.arguments.text ("FromDir"), &to = call.arguments.text ("ToDir");
-  const std::vector<std::string> directories = world.clips.directories_below (from);
-  world.clips.rename_directory (from, to);
-  world.report_directory ("directory_deleted", from);
-  world.report_directory ("directory_created", to);
-  for (const std::string &name : directories) {
-    world.clips.rename_directory (name, to + name.substr (from.size ()));
-    world.report_directory ("directory_deleted", name);
-    world.report_directory ("directory_created", to + name.substr (from.size ()));
-  }
-  for (const std::string &name : world.clips.names_below (from))
-    rename_one (world, name, to + name.substr (from.size ()));
+  world.all_or_nothing ([&] {
+    if (const auto locked = from.empty () ? std::nullopt : world.clips.locked_below (from))
+      throw Refusal (fmt::format ("Clip '{}' is read-only", *locked));
+    rename_directories (world, from, to);
+    for (const std::string &name : world.clips.names_below (from))
+      rename_one (world, name, to + name.substr (from.size ()));
+  });
 }
 
 // What lies behind the clip: its file, or the segments of a virtual clip.

@@ -13,12 +13,16 @@ const std::string &key_of (Call &call) {
   return key;
 }
 
-void change_entry (Call &call, int owner) {
-  const std::string &key = key_of (call);
+void check_owner (const Call &call, const std::string &key) {
   const auto known = call.world.dictionary.find (key);
   if (known != call.world.dictionary.end () && known->second.owner != 0 &&
       known->second.owner != call.client.number)
     throw Refusal (fmt::format ("Key '{}' belongs to another client", key));
+}
+
+void change_entry (Call &call, int owner) {
+  const std::string &key = key_of (call);
+  check_owner (call, key);
   call.world.dictionary[key] = {call.arguments.text ("Value"), owner};
   report_key (call.world, key, call.arguments.text ("Value"));
 }
@@ -32,8 +36,10 @@ void userdict_own (Call &call) {
 }
 
 void userdict_erase (Call &call) {
-  if (call.world.dictionary.erase (key_of (call)) != 0)
-    report_key (call.world, call.arguments.text ("Key"), "");
+  const std::string &key = key_of (call);
+  check_owner (call, key);
+  if (call.world.dictionary.erase (key) != 0)
+    report_key (call.world, key, "");
 }
 
 std::string change_body (const std::string &key, const std::string &value) {

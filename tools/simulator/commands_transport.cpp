@@ -3,6 +3,7 @@
 #include "vocabulary.h"
 
 #include <fmt/format.h>
+#include <utility>
 
 namespace sim {
 
@@ -54,7 +55,7 @@ void goto_one (World &world, int channel, const Arguments &arguments) {
 
 // Without a speed the channel goes on as it went, or at normal speed when it stood.
 void go_at_one (World &world, int channel, const Arguments &arguments) {
-  const Fixed now = world.seen (channel).playing () ? world.seen (channel).speed () : fixed_one;
+  const Fixed now = world.seen (channel).playing () ? world.seen (channel).speed_when_cued () : fixed_one;
   goto_one (world, channel, arguments);
   play (world, channel, arguments.maybe_fixed ("Speed").value_or (now));
 }
@@ -74,7 +75,15 @@ void insert_edit_one (World &world, int channel, const Arguments &arguments) {
     throw Refusal (fmt::format ("Virtual clip '{}' cannot be recorded into", content.name));
   if (mask != 0 && content.source == Source::clip && world.clips.find (content.name).read_only_content)
     throw Refusal (fmt::format ("Clip '{}' is read-only", content.name));
-  deck.edit_mask = mask;
+  const int before = std::exchange (deck.edit_mask, mask);
+  if (!deck.playing ())
+    return;
+  try {
+    check_recording (world, channel, deck.speed_when_cued ());
+  } catch (const Refusal &) {
+    deck.edit_mask = before;
+    throw;
+  }
 }
 
 void ee_one (World &world, int channel, const Arguments &arguments) {

@@ -30,20 +30,20 @@ void vclip_create (Call &call) {
 void vclip_free (Call &call) {
   const std::string &id = call.arguments.text ("VClipID");
   call.world.vclips.find (id);
-  call.world.check_unloaded (Source::vclip, id);
+  call.world.check_unused (Source::vclip, id);
   call.world.vclips.remove (id);
 }
 
 void vclip_modification_start (Call &call) {
   const std::string &id = call.arguments.text ("VClipID");
   VirtualClip &clip = call.world.vclips.find (id);
-  if (clip.open)
+  if (clip.opened_by != 0)
     throw Refusal (fmt::format ("Virtual clip '{}' is being modified", id));
-  clip.open = true;
+  clip.opened_by = call.client.number;
 }
 
 void vclip_modification_end (Call &call) {
-  open_clip (call).open = false;
+  open_clip (call).opened_by = 0;
 }
 
 // The fields of the source clip that a segment shows, at its speed, must be there.

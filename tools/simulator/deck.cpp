@@ -69,8 +69,12 @@ Content clip_content (World &world, const std::string &name) {
 
 Content vclip_content (World &world, const std::string &name) {
   const VirtualClip &clip = world.vclips.find (name);
-  if (clip.open)
+  if (clip.opened_by != 0)
     throw Refusal (fmt::format ("Virtual clip '{}' is being modified", name));
+  for (const std::string &source : clip.sources ())
+    if (!world.clips.exists (source))
+      throw Refusal (fmt::format ("Clip '{}', which virtual clip '{}' shows, does not exist", source, name),
+                     "clipnotfound");
   Content content;
   content.source = Source::vclip;
   content.name = name;
@@ -121,6 +125,7 @@ void play (World &world, int channel, Fixed speed) {
   Deck &deck = world.deck (channel);
   if (!deck.loaded ())
     throw Refusal (fmt::format ("Nothing is loaded on channel {}", word_at ("Channel", channel)));
+  check_recording (world, channel, speed);
   deck.play (speed);
   if (deck.cue.content.source == Source::clip)
     world.clips.touch (deck.cue.content.name, "played_stamp");
@@ -138,10 +143,11 @@ void switch_to_precued (World &world, int channel) {
   Deck &deck = world.deck (channel);
   if (deck.precued.empty ())
     throw Refusal (fmt::format ("Nothing is precued on channel {}", word_at ("Channel", channel)));
-  const Cue cue = deck.precued.front ().cue;
+  Cue cue = deck.precued.front ().cue;
   deck.precued.pop_front ();
+  cue.content = clip_content (world, cue.content.name);
   const bool was_playing = deck.playing ();
-  const Fixed speed = deck.speed ();
+  const Fixed speed = deck.speed_when_cued ();
   load (world, channel, cue);
   deck.skip_cueing ();
   if (was_playing)
@@ -162,7 +168,7 @@ void reach_end (World &world, int channel) {
 void take (World &world, int channel, const Take &how) {
   Deck &deck = world.deck (channel);
   const bool was_playing = deck.playing ();
-  const Fixed speed = deck.speed ();
+  const Fixed speed = deck.speed_when_cued ();
   if (deck.list && deck.list->next)
     take_next (world, channel);
   else
@@ -175,23 +181,42 @@ void take (World &world, int channel, const Take &how) {
     deck.start_transition (how.transition.duration.value_or (usual_dissolve));
 }
 
-void close_recording (World &world, int channel) {
+void check_recording (const World &world, int channel, Fixed speed) {
   const Deck &deck = world.seen (channel);
-  if (!deck.recording_done || (deck.recording () && deck.recording_done->clip == deck.cue.content.name))
+  const Content &content = deck.cue.content;
+  if (deck.edit_mask == 0 || content.source != Source::clip)
     return;
-  const Recording done = *std::exchange (world.deck (channel).recording_done, std::nullopt);
-  if (!world.clips.exists (done.clip))
+  if (world.clips.find (content.name).read_only_content)
+    throw Refusal (fmt::format ("Clip '{}' is read-only", content.name));
+  if (speed != fixed_one)
+    throw Refusal ("A recording runs at normal speed only");
+  if (deck.unstored && deck.unstored->clip != content.name)
+    throw Refusal (fmt::format ("The recording of '{}' is not yet stored", deck.unstored->clip));
+  for (int other = 0; other < channel_count; ++other)
+    if (other != channel && world.seen (other).recording () &&
+        world.seen (other).cue.content.name == content.name)
+      throw Refusal (fmt::format ("Clip '{}' is being recorded on channel {}", content.name,
+                                  word_at ("Channel", other)));
+  if (world.available_space () < field_size)
+    throw Refusal ("The disk is full");
+}
+
+void close_recording (World &world, int channel) {
+  if (!world.seen (channel).has_ended_recording ())
     return;
-  Clip clip = world.clips.find (done.clip);
-  const std::int64_t grown = std::int64_t{done.length} - clip.length ();
-  if (clip.loop_out + 1 >= clip.length () && grown > 0)
-    clip.loop_out = done.length - 1;
-  clip.untrimmed += std::max<std::int64_t> (grown, 0);
-  clip.content_stamp = world.clips.stamp ();
-  world.clips.store (clip);
-  world.renew_clip (clip.id, clip.id);
-  world.report_clip ("clip_changed", clip.id);
-  if (grown > 0)
+  const Recording done = *world.seen (channel).unstored;
+  const bool exists = world.clips.exists (done.clip);
+  if (exists) {
+    Clip clip = world.clips.find (done.clip);
+    clip.content_stamp = world.clips.stamp ();
+    world.clips.store (clip);
+  }
+  world.deck (channel).unstored.reset ();
+  if (!exists)
+    return;
+  world.renew_clip (done.clip, done.clip);
+  world.report_clip ("clip_changed", done.clip);
+  if (done.growth () > 0)
     world.report_disk_space ();
 }
 

@@ -39,6 +39,11 @@ struct Deck : Channel {
 
   Steal steal;
 
+  /// A recording has ended here and is not yet stored.
+  bool has_ended_recording () const {
+    return unstored && !(recording () && unstored->clip == cue.content.name);
+  }
+
   std::optional<LoadedList> &loaded_list (const ListKind &kind) { return &kind == &playlists ? list : chase; }
 };
 
@@ -75,7 +80,13 @@ struct Take {
 };
 void take (World &world, int channel, const Take &how);
 
-/// Writes clips back whose recording has ended.
+/// Makes sure that a channel that is about to run at this speed may record, if it is armed.
+/// @throws Refusal when the clip is read-only, another channel records it, the speed is not normal, or the
+/// disk is
+///   full.
+void check_recording (const World &world, int channel, Fixed speed);
+
+/// Stores what has been recorded on a channel whose recording has ended.
 void close_recording (World &world, int channel);
 
 } // namespace sim

@@ -124,6 +124,8 @@ void finish (World &world, int channel) {
     return;
   Cue cue = item_cue (world, *deck.list->bed);
   cue.loop = loop_loop;
+  cue.loop_in = cue.in;
+  cue.loop_out = cue.out;
   load (world, channel, cue);
   deck.skip_cueing ();
   deck.list->now.reset ();
@@ -132,7 +134,7 @@ void finish (World &world, int channel) {
 
 void repeat_item (World &world, int channel) {
   Deck &deck = world.deck (channel);
-  const Fixed speed = deck.speed ();
+  const Fixed speed = deck.speed_when_cued ();
   deck.go_to (speed < 0 ? deck.cue.out.value_or (deck.last_field ()) : deck.cue.in);
   deck.play (speed);
 }
@@ -325,6 +327,8 @@ void follow_item (World &world, int channel, const Item &item, std::int64_t dist
     place = first + (place - first) % (last - first + 1);
   deck.go_to (static_cast<std::uint32_t> (std::min (place, last)));
   deck.skip_cueing ();
+  if (place <= last)
+    check_recording (world, channel, item.speed.value_or (fixed_one));
   if (place <= last)
     deck.play (item.speed.value_or (fixed_one));
 }

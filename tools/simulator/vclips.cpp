@@ -76,6 +76,14 @@ void VirtualClip::ripple (int track, std::uint32_t at, std::int32_t distance) {
   tracks[track] = std::move (kept);
 }
 
+std::set<std::string> VirtualClip::sources () const {
+  std::set<std::string> names;
+  for (const auto &[track, segments] : tracks)
+    for (const Segment &segment : segments)
+      names.insert (segment.clip);
+  return names;
+}
+
 std::vector<std::string> VirtualClip::lines () const {
   std::vector<std::string> lines;
   for (const auto &[track, segments] : tracks)
@@ -109,9 +117,28 @@ void VirtualClips::remove (const std::string &id) {
   clips_.erase (id);
 }
 
+bool VirtualClips::shows (const std::string &id, const std::string &clip) const {
+  const auto found = clips_.find (id);
+  return found != clips_.end () && found->second.sources ().contains (clip);
+}
+
+void VirtualClips::rename_source (const std::string &from, const std::string &to) {
+  for (auto &[id, clip] : clips_)
+    for (auto &[track, segments] : clip.tracks)
+      for (Segment &segment : segments)
+        if (segment.clip == from)
+          segment.clip = to;
+}
+
+void VirtualClips::release (int client) {
+  for (auto &[id, clip] : clips_)
+    if (clip.opened_by == client)
+      clip.opened_by = 0;
+}
+
 VirtualClip &VirtualClips::open (const std::string &id) {
   VirtualClip &clip = find (id);
-  if (!clip.open)
+  if (clip.opened_by == 0)
     throw Refusal (fmt::format ("Virtual clip '{}' is not being modified", id));
   return clip;
 }

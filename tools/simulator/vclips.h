@@ -27,13 +27,15 @@ struct VirtualClip {
   std::uint32_t length = 0;
   std::map<int, std::vector<Segment>> tracks; ///< by number of `TrackType`
   std::set<int> enabled;
-  bool open = false; ///< between start and end of a modification
+  int opened_by = 0; ///< number of the client that modifies it; 0: nobody
 
   void clear (int track, std::uint32_t at, std::uint32_t fields);
   void add (int track, const Segment &segment);
   /// Moves everything from a place on: later by a positive distance, earlier by a negative one, in which case
   /// what stood in the way is gone. Nothing stays behind the end.
   void ripple (int track, std::uint32_t at, std::int32_t distance);
+  /// The clips that it shows.
+  std::set<std::string> sources () const;
   /// One line for each segment: track, place, length, clip, first field, speed.
   std::vector<std::string> lines () const;
 
@@ -50,6 +52,12 @@ public:
   /// @throws Refusal when there is none of that name.
   VirtualClip &find (const std::string &id);
   void remove (const std::string &id);
+  /// Whether the virtual clip has a segment of a clip.
+  bool shows (const std::string &id, const std::string &clip) const;
+  /// A clip has another name.
+  void rename_source (const std::string &from, const std::string &to);
+  /// Ends all modifications of a client.
+  void release (int client);
   /// The clip, open for changes. @throws Refusal when it is not.
   VirtualClip &open (const std::string &id);
 

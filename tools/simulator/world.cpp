@@ -90,11 +90,13 @@ World::World (const Options &given)
     : options (given), standard (find_standard (given.standard).value ()), clock (standard, given.start),
       random (given.seed ? Random (*given.seed) : Random ()), database (given.database),
       clips (database, clock, random), lists (database), metadata (database), configuration (given) {
+  clips.amend = [this] (Clip &clip) { amend (clip); };
   clock.set_rate (options.rate);
   clock.pause (options.paused);
   take_clips (*this);
   constexpr std::uint64_t usual_space = 20'000'000'000'000;
   total_space_ = std::max (usual_space, 2 * field_size * static_cast<std::uint64_t> (clips.fields ()));
+  space_reported_ = available_space ();
   if (!options.empty)
     load_first_clip ();
 }
@@ -121,6 +123,7 @@ void World::release (const Client &client) {
   for (int channel = 0; channel < channel_count; ++channel)
     if (seen (channel).steal.client == client.number)
       deck (channel).steal = {};
+  vclips.release (client.number);
   std::erase_if (dictionary, [&] (const auto &entry) {
     if (entry.second.owner != client.number)
       return false;
@@ -136,12 +139,18 @@ Deck &World::deck (int channel) {
 }
 
 void World::gang (const std::set<int> &channels, const std::function<void (int)> &action) {
+  all_or_nothing ([&] {
+    for (const int channel : channels)
+      action (channel);
+  });
+}
+
+void World::all_or_nothing (const std::function<void ()> &action) {
   const std::array<Deck, channel_count> before = decks_;
   const auto told = static_cast<std::ptrdiff_t> (pending_.size ());
   Clips::Change change (clips);
   try {
-    for (const int channel : channels)
-      action (channel);
+    action ();
     change.finish ();
   } catch (const Refusal &) {
     decks_ = before;
@@ -151,19 +160,54 @@ void World::gang (const std::set<int> &channels, const std::function<void (int)>
 }
 
 void World::renew_clip (const std::string &from, const std::string &to) {
-  for (int channel = 0; channel < channel_count; ++channel)
-    if (seen (channel).cue.content.source == Source::clip && seen (channel).cue.content.name == from)
+  const auto is_it = [&] (const Content &content) {
+    return content.source == Source::clip && content.name == from;
+  };
+  for (int channel = 0; channel < channel_count; ++channel) {
+    Deck &known = decks_[static_cast<std::size_t> (channel)];
+    if (known.unstored && known.unstored->clip == from)
+      known.unstored = Recording{to, known.unstored->length, known.unstored->length};
+    if (is_it (known.cue.content))
       deck (channel).renew (clip_content (*this, to));
+    for (Precued &precued : known.precued)
+      if (is_it (precued.cue.content))
+        precued.cue.content = clip_content (*this, to);
+  }
 }
 
-void World::check_unloaded (Source source, const std::string &name) const {
-  for (int channel = 0; channel < channel_count; ++channel)
-    if (seen (channel).cue.content.source == source && seen (channel).cue.content.name == name)
-      throw Refusal (fmt::format ("'{}' is loaded on channel {}", name, word_at ("Channel", channel)));
+void World::check_unused (Source source, const std::string &name) const {
+  for (int channel = 0; channel < channel_count; ++channel) {
+    const Deck &deck = seen (channel);
+    const Content &loaded = deck.cue.content;
+    const std::string_view letter = word_at ("Channel", channel);
+    if (loaded.source == source && loaded.name == name)
+      throw Refusal (fmt::format ("'{}' is loaded on channel {}", name, letter));
+    for (const Precued &precued : deck.precued)
+      if (precued.cue.content.source == source && precued.cue.content.name == name)
+        throw Refusal (fmt::format ("'{}' is precued on channel {}", name, letter));
+    if (source == Source::clip && loaded.source == Source::vclip && vclips.shows (loaded.name, name))
+      throw Refusal (
+          fmt::format ("'{}' is shown by virtual clip '{}' on channel {}", name, loaded.name, letter));
+  }
+}
+
+// A recording that runs is a part of its clip.
+void World::amend (Clip &clip) const {
+  for (const Deck &deck : decks_) {
+    if (!deck.unstored || deck.unstored->clip != clip.id || deck.unstored->growth () == 0)
+      continue;
+    const bool loops_to_end = clip.loop_out + 1 >= clip.length ();
+    clip.untrimmed += deck.unstored->growth ();
+    if (loops_to_end)
+      clip.loop_out = clip.length () - 1;
+  }
 }
 
 std::uint64_t World::available_space () const {
-  const std::uint64_t used = static_cast<std::uint64_t> (clips.fields ()) * field_size;
+  std::uint64_t fields = static_cast<std::uint64_t> (clips.fields ());
+  for (const Deck &deck : decks_)
+    fields += deck.unstored ? deck.unstored->growth () : 0;
+  const std::uint64_t used = fields * field_size;
   return total_space_ - std::min (used, total_space_);
 }
 
@@ -194,16 +238,40 @@ void World::receive (Client &client, const std::string &document) {
 }
 
 void World::pass_fields (int count) {
-  for (int passed = 0; passed < count; ++passed, ++field_)
-    for (int channel = 0; channel < channel_count; ++channel) {
-      const Deck &standing = seen (channel);
-      if (standing.status () == status_stop && !standing.in_transition ())
-        continue;
-      if (deck (channel).pass_field ())
-        reach_end (*this, channel);
-    }
+  const std::int64_t second = std::max<std::int64_t> (standard.fields / standard.seconds, 1);
+  for (int passed = 0; passed < count; ++passed) {
+    for (int channel = 0; channel < channel_count; ++channel)
+      pass_field (channel);
+    if (++field_ % second == 0)
+      each_second ();
+  }
   report_news ();
   report_positions ();
+}
+
+void World::pass_field (int channel) {
+  const Deck &standing = seen (channel);
+  if (standing.status () == status_stop && !standing.in_transition ())
+    return;
+  Deck &moving = deck (channel);
+  try {
+    if (moving.recording () && available_space () < field_size)
+      throw Refusal ("The disk is full");
+    if (moving.pass_field ())
+      reach_end (*this, channel);
+  } catch (const Refusal &refusal) {
+    moving.stop ();
+    log_line (fmt::format ("channel {} stops: {}", word_at ("Channel", channel), refusal.what ()));
+  }
+}
+
+// What goes on by itself, and need not be known at once.
+void World::each_second () {
+  for (int channel = 0; channel < channel_count; ++channel)
+    if (seen (channel).has_ended_recording ())
+      touched_.insert (channel);
+  if (available_space () != space_reported_)
+    report_disk_space ();
 }
 
 void World::send_report (Client &client, const std::string &body) {
@@ -253,6 +321,7 @@ std::string World::disk_space_body () const {
 }
 
 void World::report_disk_space () {
+  space_reported_ = available_space ();
   report ("disk_space", disk_space_body ());
 }
 

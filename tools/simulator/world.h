@@ -49,10 +49,12 @@ public:
   const Deck &seen (int channel) const { return decks_[static_cast<std::size_t> (channel)]; }
   /// Does the same to several channels, to all of them or, when one refuses, to none.
   void gang (const std::set<int> &channels, const std::function<void (int)> &action);
-  /// The channels that have this clip loaded know it anew.
+  /// Does something with clips and channels. When it throws a Refusal, they are as they were before.
+  void all_or_nothing (const std::function<void ()> &action);
+  /// A clip has changed, or has another name: channels that have it loaded or precued get its new state.
   void renew_clip (const std::string &from, const std::string &to);
-  /// @throws Refusal when a channel has it loaded
-  void check_unloaded (Source source, const std::string &name) const;
+  /// @throws Refusal when a channel has it loaded or precued, or has a virtual clip loaded that shows it
+  void check_unused (Source source, const std::string &name) const;
 
   /// Fields since the start.
   std::int64_t field () const { return field_; }
@@ -99,6 +101,9 @@ private:
     std::string body;
   };
   void load_first_clip ();
+  void amend (Clip &clip) const;
+  void pass_field (int channel);
+  void each_second ();
   void release (const Client &client);
   void flush_reports ();
   void report_decks ();
@@ -113,6 +118,7 @@ private:
   std::int64_t field_ = 0;
   std::int64_t next_positions_ = 0; ///< the field from which positions may be reported again
   std::uint64_t total_space_ = 0;
+  std::uint64_t space_reported_ = 0;
 };
 
 /// Bytes of one field of pictures on the disk.

@@ -141,7 +141,7 @@ void set_channel (World &world, int channel, const Json &wanted) {
 
 void set_clip (World &world, const std::string &name, const Json &attributes) {
   const Clip clip = clip_from (world, name, attributes_of (attributes));
-  world.check_unloaded (Source::clip, name);
+  world.check_unused (Source::clip, name);
   Clips::Change change (world.clips);
   const bool anew = world.clips.exists (name);
   if (anew)
@@ -156,7 +156,7 @@ void set_clip (World &world, const std::string &name, const Json &attributes) {
 }
 
 void drop_clip (World &world, const std::string &name) {
-  world.check_unloaded (Source::clip, name);
+  world.check_unused (Source::clip, name);
   world.clips.remove (name);
   world.report_clip ("clip_deleted", name);
   world.report_disk_space ();
