@@ -84,13 +84,13 @@ TEST (AllocationFailures, LeaveACommandUnsentAndUntold) {
   const command::cue_clip command{.Channel = 1, .ClipID = AString ("NEWS0123"), .LoopOut = 90};
   auto send = [&] { return wire.cue_clip (command, ok, error); };
   wire.reply (send (), "<ok />"); // what is made on first use is there now
-  ASSERT_THAT (notes.take (), ElementsAre ("ok"));
+  ASSERT_THAT (notes.take_lines (), ElementsAre ("ok"));
   long n = 0;
   for (;; ++n) {
     wire.take_sent ();
     const long before = living;
     Outcome outcome = send_with_failure (n, send);
-    std::vector<std::string> lines = notes.take ();
+    std::vector<std::string> lines = notes.take_lines ();
     if (!outcome.reached) {
       EXPECT_FALSE (outcome.thrown);
       EXPECT_EQ (wire.sent,
@@ -99,7 +99,7 @@ TEST (AllocationFailures, LeaveACommandUnsentAndUntold) {
                      "<LoopOut>90</LoopOut>\r\n</cue_clip>\r\n</cmd>");
       EXPECT_EQ (wire.outstanding_count (), 1u);
       wire.reply (outcome.xid, "<ok />");
-      EXPECT_THAT (notes.take (), ElementsAre ("ok"));
+      EXPECT_THAT (notes.take_lines (), ElementsAre ("ok"));
       break;
     }
     EXPECT_TRUE (outcome.thrown) << n;
@@ -138,7 +138,7 @@ TEST (AllocationFailures, LeaveTheConnectionUsable) {
   auto error = notes.error ();
   const command::delete_clip command{.ClipID = AString::from_latin1 (std::string (5000, 'x'))};
   for (long n = 0;; ++n) {
-    notes.take ();
+    notes.take_lines ();
     Outcome outcome = send_with_failure (n, [&] { return client.delete_clip (command, ok, error); });
     if (!outcome.reached)
       break;
@@ -177,7 +177,7 @@ TEST (AllocationFailures, InAReplyFailTheCommandAndTheNextLinkServes) {
   long n = 0;
   for (;; ++n) {
     ASSERT_TRUE (client.wait_connected ());
-    notes.take ();
+    notes.take_lines ();
     done = false;
     next = n;
     client.get_computer_name ({}, AMethod::bind (&ends, &Ends::named), AMethod::bind (&ends, &Ends::failed));

@@ -58,13 +58,13 @@ struct Totals {
   std::atomic<unsigned> wrong{0};
 };
 
-enum class Story : unsigned {
-  lost_and_found, ///< the link goes in the middle and comes back; closed when all is done
-  lost_and_left,  ///< closed while the callers are told of the loss
-  not_waited_for, ///< asynchronous commands are open when the link goes, and others at the close
+enum class Ending : unsigned {
+  lost_and_found, ///< the link is lost in the middle and comes back; closed when all is done
+  lost_and_left,  ///< closed while the callers are woken because of the loss
+  not_waited_for, ///< asynchronous commands are open when the link is lost, and others at the close
   left            ///< closed while commands are answered
 };
-constexpr unsigned stories = 4;
+constexpr unsigned endings = 4;
 
 /// One server, one connection after the other, and the threads that call on it. The threads live as long as
 /// the object, because the library keeps a text for each that has ever called.
@@ -86,7 +86,7 @@ public:
     FakeServer server;
     for (int round = 0; round != rounds; ++round) {
       script (server, random);
-      live (server, Story{static_cast<unsigned> (round) % stories});
+      live (server, Ending{static_cast<unsigned> (round) % endings});
       server.forget ();
     }
     EXPECT_TRUE (server.wait_until_left ());
@@ -103,7 +103,7 @@ private:
           support::report_of ("<clip_created><ClipID>NEWS</ClipID></clip_created>") +
           support::reply_to (jog, "<error><ErrorMessage>" + support::text_of (jog.document, "JogDistance") +
                                       "</ErrorMessage><ErrorCode>general</ErrorCode></error>");
-      if (++served_ != fatal || story_ == Story::left)
+      if (++served_ != fatal || ending_ == Ending::left)
         return text;
       text.resize (cut % (text.size () + 1));
       server.send (text, jog.connection);
@@ -116,21 +116,21 @@ private:
     });
   }
 
-  void live (const FakeServer &server, Story story) {
-    story_ = story;
+  void live (const FakeServer &server, Ending ending) {
+    ending_ = ending;
     closing_ = false;
     connection_ = orva_connect (server.address ());
-    orva_synchronous (connection_, story == Story::not_waited_for ? 1 : 0);
-    if (story != Story::left)
+    orva_synchronous (connection_, ending == Ending::not_waited_for ? 1 : 0);
+    if (ending != Ending::left)
       orva_wait_until_connected (connection_);
     meeting_.meet ();
-    const auto under_way = [this] { return story_ == Story::left ? served_ >= callers : lost_.load (); };
+    const auto under_way = [this] { return ending_ == Ending::left ? served_ >= callers : lost_.load (); };
     EXPECT_TRUE (wait_until (under_way));
-    if (story == Story::lost_and_found)
+    if (ending == Ending::lost_and_found)
       meeting_.meet ();
     closing_ = true;
     orva_close (connection_);
-    if (story != Story::lost_and_found)
+    if (ending != Ending::lost_and_found)
       meeting_.meet ();
   }
 
@@ -156,7 +156,7 @@ private:
       ++totals_.failed;
     else if (code == ORVA_INVALID_HANDLE && closing_)
       ++totals_.refused;
-    else if (code == ORVA_OK && story_ == Story::not_waited_for)
+    else if (code == ORVA_OK && ending_ == Ending::not_waited_for)
       ++totals_.unwaited;
     else
       ++totals_.wrong;
@@ -166,7 +166,7 @@ private:
   Totals &totals_;
   Meeting meeting_{callers + 1};
   std::atomic<uint32_t> connection_{0};
-  std::atomic<Story> story_{Story::left};
+  std::atomic<Ending> ending_{Ending::left};
   std::atomic<unsigned> served_{0};
   std::atomic<bool> lost_{false};
   std::atomic<bool> closing_{false};
@@ -221,7 +221,7 @@ TEST (Lifetimes, LeaveNothingBehind) {
   for (int i = 0; i != width; ++i)
     lanes.push_back (std::make_unique<Lane> (totals));
   const size_t threads = support::running_threads ();
-  run_all (lanes, stories, 1); // what is made on first use is there now
+  run_all (lanes, endings, 1); // what is made on first use is there now
   const Counts before = counts_at_rest (threads);
   run_all (lanes, rounds, static_cast<unsigned> (testing::UnitTest::GetInstance ()->random_seed ()));
   const Counts after = counts_at_rest (threads);

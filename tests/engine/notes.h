@@ -9,8 +9,9 @@
 #include <string>
 #include <vector>
 
-/// Writes down, in order, what callbacks were given: `N` followed by the values, for a callback made under
-/// the name N. Any thread; it must outlive its callbacks.
+/// A log of the calls of callbacks. `make` and its relatives return a callback with a name; each call of it
+/// adds a line with that name and the values it was called with. Any thread may use it. It must outlive its
+/// callbacks.
 class Notes {
 public:
   std::vector<std::string> lines () const {
@@ -26,7 +27,8 @@ public:
     std::lock_guard hold (lock_);
     lines_.push_back (line);
   }
-  std::vector<std::string> take () {
+  /// Returns the lines and removes them, so that the next check sees new ones only.
+  std::vector<std::string> take_lines () {
     std::lock_guard hold (lock_);
     return std::exchange (lines_, {});
   }
@@ -71,8 +73,8 @@ private:
   std::list<Named> names_;
 };
 
-/// The protocol engine on a wire that the test holds in its hands: what is sent is kept, what is received is
-/// fed.
+/// The protocol engine without a socket: it keeps what it sends for the test to look at, and the test passes
+/// in what it receives.
 class WireInHand : public QUILL3::API {
 public:
   std::string sent;                ///< all bytes

@@ -182,122 +182,142 @@ TEST_F (OpenCommands, IgnoreRepliesToUnknownIdentifiers) {
   EXPECT_EQ (wire.outstanding_count (), 1u);
 }
 
-// Each of the 24 kinds of reply: a command that can get it, the reply, what the callback gets, and whether
-// the command is over then.
-TEST_F (OpenCommands, HaveACallbackForEachKindOfReply) {
+// ---- Every kind of reply
+
+std::string configuration_item (const std::string &value) {
+  return "<ConfigurationItem><ConfigurationItemName>fan</ConfigurationItemName>"
+         "<ConfigurationItemAccess>user</ConfigurationItemAccess>"
+         "<ConfigurationItemEffectiveValue>" +
+         value +
+         "</ConfigurationItemEffectiveValue><ConfigurationItemBootValue /><ConfigurationItemSavedValue />"
+         "<ConfigurationItemAllowedValues /></ConfigurationItem>";
+}
+const std::string clip_info =
+    "<ClipInfo><ClipID>C1</ClipID><VideoStandard>625_50i</VideoStandard><TrackInfoVector /><Title>T</Title>"
+    "<Creator /><Project /><Playback>auto</Playback><Interp>on</Interp><Loop>off</Loop><LoopOut>9</LoopOut>"
+    "<LoopIn>0</LoopIn><ClipLength>250</ClipLength><TimecodeSource>striped</TimecodeSource>"
+    "<StripeTimecode><Valid>false</Valid></StripeTimecode><ReadOnly>false</ReadOnly></ClipInfo>";
+const std::string compression_info =
+    "<CompressionInfo><CompressionYSize>1</CompressionYSize><CompressionCSize>2</CompressionCSize>"
+    "<CompressionKSize>3</CompressionKSize><AudioTrackCount>8</AudioTrackCount>"
+    "<CompressionVSymbol>v</CompressionVSymbol><CompressionKSymbol>k</CompressionKSymbol>"
+    "<CompressionASymbol>a</CompressionASymbol></CompressionInfo>";
+const std::string melt_item =
+    "<MeltItem><MeltClientID>1</MeltClientID><MeltListID>2</MeltListID><MeltElementID>3</MeltElementID>"
+    "<ClipID>C1</ClipID><MeltInPoint>0</MeltInPoint><MeltOutPoint>50</MeltOutPoint></MeltItem>";
+
+class KindsOfReply : public OpenCommands {
+protected:
+  /// A command that has been sent, a reply to it, and the line that its callback writes.
   struct Kind {
     AString xid;
-    const char *body;
-    const char *line;
-    bool ends;
+    std::string body;
+    std::string line;
   };
-  auto error = notes.error ();
-  const Kind kinds[] = {
-      {wire.sync ({}, notes.make<callback::ok> ("ok"), error), "<ok />", "ok", true},
+
+  std::vector<Kind> send_those_that_a_reply_ends ();
+  std::vector<Kind> send_those_that_stay_open ();
+
+  void expect_lines (const std::vector<Kind> &kinds, bool ends) {
+    for (const Kind &kind : kinds) {
+      const uint32_t open = wire.outstanding_count ();
+      wire.reply (kind.xid, kind.body);
+      EXPECT_THAT (notes.take_lines (), ElementsAre (kind.line));
+      EXPECT_EQ (wire.outstanding_count (), ends ? open - 1 : open) << kind.line;
+    }
+  }
+
+  const callback::error error = notes.error ();
+};
+
+// A callback that writes the name of the reply and its values.
+#define NOTE(reply) notes.make<callback::reply> (#reply)
+
+std::vector<KindsOfReply::Kind> KindsOfReply::send_those_that_a_reply_ends () {
+  return {
+      {wire.sync ({}, NOTE (ok), error), "<ok />", "ok"},
       {wire.sync ({}, {}, error),
-       "<error><ErrorMessage>m</ErrorMessage><ErrorCode>configvalue_invalid</ErrorCode></error>", "error m 3",
-       true},
-      {wire.clip_exists ({.ClipID = "C"}, notes.make<callback::clipexists> ("clipexists"), error),
-       "<clipexists><ClipID>C</ClipID><Exists>true</Exists></clipexists>", "clipexists C true", true},
-      {wire.download_clipids ({}, {}, notes.make<callback::clipid> ("clipid"), error),
-       "<clipid><ClipID>C</ClipID></clipid>", "clipid C", false},
-      {wire.download_directory_names ({}, {}, notes.make<callback::directory_name> ("directory_name"), error),
-       "<directory_name><DirectoryName>D</DirectoryName></directory_name>", "directory_name D", false},
-      {wire.get_configuration ({}, {}, notes.make<callback::configuration_item> ("configuration_item"),
-                               error),
-       "<configuration_item><ConfigurationItem><ConfigurationItemName>fan</ConfigurationItemName>"
-       "<ConfigurationItemAccess>user</ConfigurationItemAccess>"
-       "<ConfigurationItemEffectiveValue>on</ConfigurationItemEffectiveValue><ConfigurationItemBootValue />"
-       "<ConfigurationItemSavedValue /><ConfigurationItemAllowedValues /></ConfigurationItem>"
-       "</configuration_item>",
-       "configuration_item fan=on", false},
-      {wire.get_one_configuration ({.ConfigurationItemName = "fan"},
-                                   notes.make<callback::one_configuration_item> ("one"), error),
-       "<one_configuration_item><ConfigurationItem><ConfigurationItemName>fan</ConfigurationItemName>"
-       "<ConfigurationItemAccess>user</ConfigurationItemAccess>"
-       "<ConfigurationItemEffectiveValue>off</ConfigurationItemEffectiveValue><ConfigurationItemBootValue />"
-       "<ConfigurationItemSavedValue /><ConfigurationItemAllowedValues /></ConfigurationItem>"
-       "</one_configuration_item>",
-       "one fan=off", true},
-      {wire.get_clip_info ({.ClipID = "C1"}, notes.make<callback::clipinfo> ("clipinfo"), error),
-       "<clipinfo><ClipInfo><ClipID>C1</ClipID><VideoStandard>625_50i</VideoStandard><TrackInfoVector />"
-       "<Title>T</Title><Creator /><Project /><Playback>auto</Playback><Interp>on</Interp><Loop>off</Loop>"
-       "<LoopOut>9</LoopOut><LoopIn>0</LoopIn><ClipLength>250</ClipLength>"
-       "<TimecodeSource>striped</TimecodeSource><StripeTimecode><Valid>false</Valid></StripeTimecode>"
-       "<ReadOnly>false</ReadOnly></ClipInfo></clipinfo>",
-       "clipinfo C1/T/250/-", true},
-      {wire.get_computer_name ({}, notes.make<callback::computername> ("computername"), error),
-       "<computername><ComputerName>SERVER1</ComputerName></computername>", "computername SERVER1", true},
-      {wire.get_reference_source ({}, notes.make<callback::reference_source> ("reference_source"), error),
+       "<error><ErrorMessage>m</ErrorMessage><ErrorCode>configvalue_invalid</ErrorCode></error>",
+       "error m 3"},
+      {wire.clip_exists ({.ClipID = "C"}, NOTE (clipexists), error),
+       "<clipexists><ClipID>C</ClipID><Exists>true</Exists></clipexists>", "clipexists C true"},
+      {wire.get_one_configuration ({.ConfigurationItemName = "fan"}, NOTE (one_configuration_item), error),
+       "<one_configuration_item>" + configuration_item ("off") + "</one_configuration_item>",
+       "one_configuration_item fan=off"},
+      {wire.get_clip_info ({.ClipID = "C1"}, NOTE (clipinfo), error),
+       "<clipinfo>" + clip_info + "</clipinfo>", "clipinfo C1/T/250/-"},
+      {wire.get_computer_name ({}, NOTE (computername), error),
+       "<computername><ComputerName>SERVER1</ComputerName></computername>", "computername SERVER1"},
+      {wire.get_reference_source ({}, NOTE (reference_source), error),
        "<reference_source><ReferenceSource>freerun</ReferenceSource></reference_source>",
-       "reference_source 4", true},
-      {wire.get_video_standard ({}, notes.make<callback::video_standard> ("video_standard"), error),
-       "<video_standard><VideoResolution>1080i</VideoResolution><VideoStandard>1080_50i</VideoStandard>"
-       "<VideoRate>50</VideoRate></video_standard>",
-       "video_standard 19 2 2", true},
-      {wire.get_disk_usage ({}, notes.make<callback::disk_usage> ("disk_usage"), error),
-       "<disk_usage><TotalDiskSpace>1000</TotalDiskSpace><AvailableDiskSpace>101</AvailableDiskSpace>"
-       "<FieldSize>10</FieldSize></disk_usage>",
-       "disk_usage 1000 101 10", true},
-      {wire.get_version_info ({}, notes.make<callback::version_info> ("version_info"), error),
+       "reference_source 4"},
+      {wire.get_video_standard ({}, NOTE (video_standard), error),
+       "<video_standard><VideoResolution>1080i</VideoResolution><VideoStandard>1080_50i</"
+       "VideoStandard><VideoRate>50</VideoRate></video_standard>",
+       "video_standard 19 2 2"},
+      {wire.get_disk_usage ({}, NOTE (disk_usage), error),
+       "<disk_usage><TotalDiskSpace>1000</TotalDiskSpace><AvailableDiskSpace>101</"
+       "AvailableDiskSpace><FieldSize>10</FieldSize></disk_usage>",
+       "disk_usage 1000 101 10"},
+      {wire.get_version_info ({}, NOTE (version_info), error),
        "<version_info><SVNVersion>4711</SVNVersion><SVNPath>trunk</SVNPath></version_info>",
-       "version_info 4711 trunk", true},
-      {wire.get_compression_info ({}, notes.make<callback::compression_info> ("compression_info"), error),
-       "<compression_info><CompressionInfo><CompressionYSize>1</CompressionYSize>"
-       "<CompressionCSize>2</CompressionCSize><CompressionKSize>3</CompressionKSize>"
-       "<AudioTrackCount>8</AudioTrackCount><CompressionVSymbol>v</CompressionVSymbol>"
-       "<CompressionKSymbol>k</CompressionKSymbol><CompressionASymbol>a</CompressionASymbol>"
-       "</CompressionInfo></compression_info>",
-       "compression_info 1/a", true},
-      {wire.download_melts ({}, {}, {}, notes.make<callback::melt_item> ("melt_item"), error),
-       "<melt_item><MeltItem><MeltClientID>1</MeltClientID><MeltListID>2</MeltListID>"
-       "<MeltElementID>3</MeltElementID><ClipID>C1</ClipID><MeltInPoint>0</MeltInPoint>"
-       "<MeltOutPoint>50</MeltOutPoint></MeltItem></melt_item>",
-       "melt_item 3/C1/-", false},
-      {wire.download_melts ({}, {}, notes.make<callback::melt_flags> ("melt_flags"), {}, error),
-       "<melt_flags><MeltFlags><MeltClientID>4</MeltClientID></MeltFlags></melt_flags>", "melt_flags 4/false",
-       false},
-      {wire.steal_channel ({.Channel = 1, .PlayOrRecord = 0}, notes.make<callback::steal_info> ("steal_info"),
-                           error),
-       "<steal_info><StealSwapped>1</StealSwapped></steal_info>", "steal_info true", true},
-      {wire.download_listids ({}, {}, notes.make<callback::listid> ("listid"), error),
-       "<listid><ListID>L</ListID></listid>", "listid L", false},
-      {wire.download_chaseids ({}, {}, notes.make<callback::chaseid> ("chaseid"), error),
-       "<chaseid><ChaseID>H</ChaseID></chaseid>", "chaseid H", false},
-      {wire.download_list ({.ListID = "L"}, {}, notes.make<callback::list_element> ("list_element"), error),
+       "version_info 4711 trunk"},
+      {wire.get_compression_info ({}, NOTE (compression_info), error),
+       "<compression_info>" + compression_info + "</compression_info>", "compression_info 1/a"},
+      {wire.steal_channel ({.Channel = 1, .PlayOrRecord = 0}, NOTE (steal_info), error),
+       "<steal_info><StealSwapped>1</StealSwapped></steal_info>", "steal_info true"},
+      {wire.get_current_timecode ({.Channel = 0}, NOTE (channel_current_timecode), error),
+       "<channel_current_timecode><Channel>A</Channel><DisplayTimecode><Valid>true</Valid></"
+       "DisplayTimecode><ClipLength>250</ClipLength><ClipPosition>125</ClipPosition></"
+       "channel_current_timecode>",
+       "channel_current_timecode 0 true/- 250 125"},
+  };
+}
+
+std::vector<KindsOfReply::Kind> KindsOfReply::send_those_that_stay_open () {
+  return {
+      {wire.download_clipids ({}, {}, NOTE (clipid), error), "<clipid><ClipID>C</ClipID></clipid>",
+       "clipid C"},
+      {wire.download_directory_names ({}, {}, NOTE (directory_name), error),
+       "<directory_name><DirectoryName>D</DirectoryName></directory_name>", "directory_name D"},
+      {wire.get_configuration ({}, {}, NOTE (configuration_item), error),
+       "<configuration_item>" + configuration_item ("on") + "</configuration_item>",
+       "configuration_item fan=on"},
+      {wire.download_melts ({}, {}, {}, NOTE (melt_item), error), "<melt_item>" + melt_item + "</melt_item>",
+       "melt_item 3/C1/-"},
+      {wire.download_melts ({}, {}, NOTE (melt_flags), {}, error),
+       "<melt_flags><MeltFlags><MeltClientID>4</MeltClientID></MeltFlags></melt_flags>",
+       "melt_flags 4/false"},
+      {wire.download_listids ({}, {}, NOTE (listid), error), "<listid><ListID>L</ListID></listid>",
+       "listid L"},
+      {wire.download_chaseids ({}, {}, NOTE (chaseid), error), "<chaseid><ChaseID>H</ChaseID></chaseid>",
+       "chaseid H"},
+      {wire.download_list ({.ListID = "L"}, {}, NOTE (list_element), error),
        "<list_element><ListElement><ContentID><ClipID>C1</ClipID></ContentID></ListElement></list_element>",
-       "list_element C1/-", false},
-      {wire.download_chase ({.ChaseID = "H"}, {}, notes.make<callback::chase_element> ("chase_element"),
-                            error),
+       "list_element C1/-"},
+      {wire.download_chase ({.ChaseID = "H"}, {}, NOTE (chase_element), error),
        "<chase_element><ChaseElement><ContentID><VClipID>V1</VClipID></ContentID></ChaseElement></"
        "chase_element>",
-       "chase_element V1/-", false},
-      {wire.download_metadata ({.MetadataDatabase = "db"}, {}, notes.make<callback::metadata> ("metadata"),
-                               error),
-       "<metadata><MetadataDatabase>db</MetadataDatabase><MetadataPrefix>p</MetadataPrefix>"
-       "<MetadataList><Metadata><Key>k</Key><Value>v</Value></Metadata></MetadataList></metadata>",
-       "metadata db p [k=v]", false},
-      {wire.get_volatile_file_info ({.ClipID = "C"}, {},
-                                    notes.make<callback::volatile_file_info> ("volatile_file_info"), error),
-       "<volatile_file_info><KeyList><Key>k</Key></KeyList></volatile_file_info>", "volatile_file_info [k]",
-       false},
-      {wire.get_current_timecode ({.Channel = 0},
-                                  notes.make<callback::channel_current_timecode> ("channel_current_timecode"),
-                                  error),
-       "<channel_current_timecode><Channel>A</Channel><DisplayTimecode><Valid>true</Valid></DisplayTimecode>"
-       "<ClipLength>250</ClipLength><ClipPosition>125</ClipPosition></channel_current_timecode>",
-       "channel_current_timecode 0 true/- 250 125", true},
+       "chase_element V1/-"},
+      {wire.download_metadata ({.MetadataDatabase = "db"}, {}, NOTE (metadata), error),
+       "<metadata><MetadataDatabase>db</MetadataDatabase><MetadataPrefix>p</"
+       "MetadataPrefix><MetadataList><Metadata><Key>k</Key><Value>v</Value></Metadata></MetadataList></"
+       "metadata>",
+       "metadata db p [k=v]"},
+      {wire.get_volatile_file_info ({.ClipID = "C"}, {}, NOTE (volatile_file_info), error),
+       "<volatile_file_info><KeyList><Key>k</Key></KeyList></volatile_file_info>", "volatile_file_info [k]"},
   };
-  ASSERT_EQ (std::size (kinds), 24u);
-  uint32_t open = 24, staying = 0;
-  ASSERT_EQ (wire.outstanding_count (), open);
-  for (const Kind &kind : kinds) {
-    wire.reply (kind.xid, kind.body);
-    EXPECT_THAT (notes.take (), ElementsAre (kind.line));
-    EXPECT_EQ (wire.outstanding_count (), kind.ends ? --open : open) << kind.line;
-    staying += kind.ends ? 0 : 1;
-  }
-  EXPECT_EQ (staying, 11u);
+}
+#undef NOTE
+
+TEST_F (KindsOfReply, EachHasACallback) {
+  const std::vector<Kind> ending = send_those_that_a_reply_ends (), staying = send_those_that_stay_open ();
+  EXPECT_EQ (ending.size (), 13u);
+  EXPECT_EQ (staying.size (), 11u);
+  EXPECT_EQ (wire.outstanding_count (), 24u);
+  expect_lines (staying, false);
+  expect_lines (ending, true);
+  EXPECT_EQ (wire.outstanding_count (), 11u);
 }
 
 // ---- Cancelling
@@ -360,7 +380,7 @@ TEST_F (OpenCommands, CanBeOpenedAgainAfterAFailure) {
   wire.link_is_up = false;
   stop ();
   wire.link_is_up = true;
-  notes.take ();
+  notes.take_lines ();
   AString xid = stop ();
   EXPECT_EQ (wire.outstanding_count (), 1u);
   wire.reply (xid, ok_body);
@@ -486,10 +506,10 @@ TEST_F (OpenCommands, FailAllThoughOneCallbackThrows) {
   wire.stop ({.Channel = 0}, {}, AMethod::bind (&thrower, &Thrower::failed));
   stop ();
   wire.fail_all_commands ();
-  EXPECT_THAT (notes.take (), ElementsAre ("error " + failing + " 0"));
+  EXPECT_THAT (notes.take_lines (), ElementsAre ("error " + failing + " 0"));
   stop ();
   wire.fail_all_commands ();
-  EXPECT_THAT (notes.take (), ElementsAre ("error " + failing + " 0"));
+  EXPECT_THAT (notes.take_lines (), ElementsAre ("error " + failing + " 0"));
 }
 
 // ---- Two threads at one command
@@ -679,10 +699,10 @@ TEST_F (OpenCommands, OfOtherThreadsAreNotFailedByARunThatHasBegun) {
   EXPECT_EQ (wire.outstanding_count (), 2u);
   stop ("lost ");
   wire.reply (answered, ok_body);
-  EXPECT_THAT (notes.take (), ElementsAre ("answered ok"));
+  EXPECT_THAT (notes.take_lines (), ElementsAre ("answered ok"));
   // A link that goes meanwhile takes its commands along at once; nobody waits for the other run.
   wire.fail_all_commands ();
-  EXPECT_THAT (notes.take (), ElementsAre ("lost error " + failing + " 0"));
+  EXPECT_THAT (notes.take_lines (), ElementsAre ("lost error " + failing + " 0"));
   AString left = stop ("left ");
   holds.leave.release ();
   run.join ();

@@ -83,7 +83,7 @@ TEST_F (Connection, FailsWhatIsSentBehindItsEndAndNothingElse) {
   client.stop_and_join ();
   stop ("after ");
   client.stop ({.Channel = 0});
-  EXPECT_THAT (notes.take (), ElementsAre ("connected", "after " + failed));
+  EXPECT_THAT (notes.take_lines (), ElementsAre ("connected", "after " + failed));
   EXPECT_EQ (client.outstanding_count (), 1u);
   EXPECT_EQ (server.command_count (), 1u);
 }

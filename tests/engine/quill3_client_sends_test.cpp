@@ -29,14 +29,14 @@ TEST_F (Connection, FailsTheRestOfADocumentOnTheSendersThread) {
   start ();
   stop ("earlier ");
   ASSERT_TRUE (server.wait_for_commands (1));
-  notes.take ();
+  notes.take_lines ();
   int pieces = 0;
   client.instead_of_transmit = [&] (const void *, uint64_t) -> int64_t { return ++pieces == 2 ? -1 : 0; };
   client.delete_clip ({.ClipID = AString::from_latin1 (std::string (6000, 'x'))}, notes.ok (),
                       notes.error ());
   // The third piece found what the second had left; both commands have failed before the wrapper returned.
   EXPECT_EQ (pieces, 2);
-  EXPECT_THAT (notes.take (), UnorderedElementsAre ("earlier " + failed, failed));
+  EXPECT_THAT (notes.take_lines (), UnorderedElementsAre ("earlier " + failed, failed));
   EXPECT_EQ (client.outstanding_count (), 0u);
   wake ();
   ASSERT_TRUE (client.wait_noted ("disconnected"));

@@ -120,7 +120,7 @@ TEST_F (Connection, EndsAtWhatIsNoXMLBehindTheMessagesBefore) {
   start ();
   stop ();
   ASSERT_TRUE (server.wait_for_commands (1));
-  notes.take (); // the first link's notes, so that the next is the first that is noted again
+  notes.take_lines (); // the first link's notes, so that the next is the first that is noted again
   server.send ("<report>" + created ("C1") + "</report><report>" + created ("C2") +
                "</report><report><a</report><report>" + created ("C3") + "</report>");
   ASSERT_TRUE (client.wait_noted ("disconnected"));
@@ -209,11 +209,11 @@ TEST_F (Connection, CarriesACommandAndItsReply) {
 
 TEST_F (Connection, FailsACommandAtOnceWhileThereIsNone) {
   stop ("before ");
-  EXPECT_THAT (notes.take (), ElementsAre ("before " + failed));
+  EXPECT_THAT (notes.take_lines (), ElementsAre ("before " + failed));
   server.refuse ();
   client.start_thread (-1);
   stop ("while ");
-  EXPECT_THAT (notes.take (), ElementsAre ("while " + failed));
+  EXPECT_THAT (notes.take_lines (), ElementsAre ("while " + failed));
   server.listen ();
   ASSERT_TRUE (client.wait_connected ());
   AString xid = stop ();
@@ -228,7 +228,7 @@ TEST_F (Connection, FailsEachOpenCommandOnceBeforeItIsGone) {
   client.get_computer_name ({}, {}, notes.error ("c error"));
   client.play ({.Channel = 1});
   ASSERT_TRUE (server.wait_for_commands (4));
-  notes.take ();
+  notes.take_lines ();
   server.drop ();
   ASSERT_TRUE (client.wait_noted ("disconnected"));
   std::vector<std::string> lines = notes.lines ();

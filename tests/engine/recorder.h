@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-/// Writes decoded values as text: numbers in decimal, `-` for an absent option, of a record what tells it
-/// from others.
+/// Writes decoded values as text: numbers in decimal, `-` for an absent option, and of a record the members
+/// that distinguish it in the tests.
 struct show {
   static std::string text (const AString &v) { return v.to_std_string (); }
   static std::string text (const char *v) { return v; }
@@ -66,7 +66,8 @@ struct show {
   }
 };
 
-/// Overrides every handler and writes each call as one line: the wire name and the values.
+/// Overrides every handler of replies and reports, and adds a line to `calls` for each call: the name on the
+/// wire and the values.
 template <class Base>
 class Recorder : public Base {
 public:

@@ -5,7 +5,8 @@
 
 #include <atomic>
 
-/// A caller that waits for the end of its command, whichever it is.
+/// Waits for the end of a command: `ok` and `failed` are its callbacks, and each of them releases `done`
+/// once.
 struct Waiter {
   support::Semaphore done{0};
   std::atomic<int> answers{0}, failures{0};

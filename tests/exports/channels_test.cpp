@@ -323,19 +323,13 @@ TEST (Playlists, QueriesFailAgainstAServerThatReports) {
 
 TEST (Playlists, CommandsMoveTheList) {
   expect_wire ({
-      {"play now", [] (uint32_t c) { return orva_cmd_playlist_play_now (c, 1, 5); },
-       "<list_play_now>|<Channel>B</Channel>|<ListIndex>5</ListIndex>|<Roll>roll</Roll>|</list_play_now>"},
-      {"play next", [] (uint32_t c) { return orva_cmd_playlist_play_next (c, 1, 65535); },
-       "<list_play_next>|<Channel>B</Channel>|<ListIndex>65535</ListIndex>|<Roll>roll</Roll>|"
-       "</list_play_next>"},
-      {"cue now, high bits of the index", [] (uint32_t c) { return orva_cmd_playlist_cue_now (c, 0, 65537); },
-       "<list_play_now>|<Channel>A</Channel>|<ListIndex>1</ListIndex>|<Roll>cueonly</Roll>|</list_play_now>"},
-      {"cue next, a channel that is not there",
-       [] (uint32_t c) { return orva_cmd_playlist_cue_next (c, 8, 2); },
-       "<list_play_next>|<Channel>A</Channel>|<ListIndex>2</ListIndex>|<Roll>cueonly</Roll>|"
-       "</list_play_next>"},
-      {"cue list", [] (uint32_t c) { return orva_cmd_playlist_cue_list (c, 7); },
-       "<list_play_now>|<Channel>H</Channel>|<ListIndex>0</ListIndex>|<Roll>cueonly</Roll>|</list_play_now>"},
+      SENDS (orva_cmd_playlist_play_now (c, 1, 5), "list_play_now Channel=B ListIndex=5 Roll=roll"),
+      SENDS (orva_cmd_playlist_play_next (c, 1, 65535), "list_play_next Channel=B ListIndex=65535 Roll=roll"),
+      // high bits of the index
+      SENDS (orva_cmd_playlist_cue_now (c, 0, 65537), "list_play_now Channel=A ListIndex=1 Roll=cueonly"),
+      // a channel that is not there
+      SENDS (orva_cmd_playlist_cue_next (c, 8, 2), "list_play_next Channel=A ListIndex=2 Roll=cueonly"),
+      SENDS (orva_cmd_playlist_cue_list (c, 7), "list_play_now Channel=H ListIndex=0 Roll=cueonly"),
   });
 }
 

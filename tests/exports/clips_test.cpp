@@ -19,35 +19,24 @@ const std::string refusal = refused ("Clip is locked");
 
 TEST (Clips, AreRenamedDeletedAndCreated) {
   expect_wire ({
-      {"rename", [] (uint32_t c) { return orva_rename_clip (c, clip, other); },
-       "<rename_clip>|<FromID>NEWS0123</FromID>|<ToID>NEWS/LATE</ToID>|</rename_clip>"},
-      {"delete", [] (uint32_t c) { return orva_delete_clip (c, clip); },
-       "<delete_clip>|<ClipID>NEWS0123</ClipID>|</delete_clip>"},
-      {"create_clip1, everything", [] (uint32_t c) { return orva_create_clip1 (c, clip, 0xFFFFFFFF); },
-       "<create_clip>|<ClipID>NEWS0123</ClipID>|<TrackSet>|<TrackType>video</TrackType>|"
-       "<TrackType>timecode</TrackType>|<TrackType>key</TrackType>|<TrackType>audio</TrackType>|</TrackSet>|"
-       "</create_clip>"},
-      {"create_clip1, no track", [] (uint32_t c) { return orva_create_clip1 (c, clip, 8); },
-       "<create_clip>|<ClipID>NEWS0123</ClipID>|<TrackSet />|</create_clip>"},
-      {"create_clip2", [] (uint32_t c) { return orva_create_clip2 (c, clip, 4, 0xFFFFFFFF); },
-       "<create_clip>|<ClipID>NEWS0123</ClipID>|<TrackSet>|<TrackType>audio</TrackType>|</TrackSet>|"
-       "<ClipLength>4294967295</ClipLength>|</create_clip>"},
-      {"create_clip3", [] (uint32_t c) { return orva_create_clip3 (c, 1, clip, 3, 0); },
-       "<create_clip>|<ClipID>NEWS0123</ClipID>|<TrackSet>|<TrackType>video</TrackType>|"
-       "<TrackType>timecode</TrackType>|<TrackType>key</TrackType>|</TrackSet>|<ClipLength>0</ClipLength>|"
-       "<Channel>B</Channel>|</create_clip>"},
-      {"create_clip3, a channel that is not there",
-       [] (uint32_t c) { return orva_create_clip3 (c, 8, clip, 2, 50); },
-       "<create_clip>|<ClipID>NEWS0123</ClipID>|<TrackSet>|<TrackType>key</TrackType>|</TrackSet>|"
-       "<ClipLength>50</ClipLength>|<Channel>A</Channel>|</create_clip>"},
-      {"create_child_clip1", [] (uint32_t c) { return orva_create_child_clip1 (c, other, clip); },
-       "<create_child_clip>|<ClipID>NEWS/LATE</ClipID>|<ParentClipID>NEWS0123</ParentClipID>|"
-       "</create_child_clip>"},
-      {"create_child_clip2", [] (uint32_t c) { return orva_create_child_clip2 (c, other, clip, 0x1FE); },
-       "<create_child_clip>|<ClipID>NEWS/LATE</ClipID>|<ParentClipID>NEWS0123</ParentClipID>|"
-       "<Angle>254</Angle>|</create_child_clip>"},
-      {"create_directory", [] (uint32_t c) { return orva_create_directory (c, other); },
-       "<create_directory>|<DirectoryName>NEWS/LATE</DirectoryName>|</create_directory>"},
+      SENDS (orva_rename_clip (c, clip, other), "rename_clip FromID=NEWS0123 ToID=NEWS/LATE"),
+      SENDS (orva_delete_clip (c, clip), "delete_clip ClipID=NEWS0123"),
+      // everything
+      SENDS (orva_create_clip1 (c, clip, 0xFFFFFFFF), "create_clip ClipID=NEWS0123 TrackSet{TrackType=video "
+                                                      "TrackType=timecode TrackType=key TrackType=audio}"),
+      SENDS (orva_create_clip1 (c, clip, 8), "create_clip ClipID=NEWS0123 TrackSet"), // no track
+      SENDS (orva_create_clip2 (c, clip, 4, 0xFFFFFFFF),
+             "create_clip ClipID=NEWS0123 TrackSet{TrackType=audio} ClipLength=4294967295"),
+      SENDS (orva_create_clip3 (c, 1, clip, 3, 0),
+             "create_clip ClipID=NEWS0123 TrackSet{TrackType=video TrackType=timecode TrackType=key} "
+             "ClipLength=0 Channel=B"),
+      SENDS (orva_create_clip3 (c, 8, clip, 2, 50), // a channel that is not there
+             "create_clip ClipID=NEWS0123 TrackSet{TrackType=key} ClipLength=50 Channel=A"),
+      SENDS (orva_create_child_clip1 (c, other, clip),
+             "create_child_clip ClipID=NEWS/LATE ParentClipID=NEWS0123"),
+      SENDS (orva_create_child_clip2 (c, other, clip, 0x1FE),
+             "create_child_clip ClipID=NEWS/LATE ParentClipID=NEWS0123 Angle=254"),
+      SENDS (orva_create_directory (c, other), "create_directory DirectoryName=NEWS/LATE"),
   });
 }
 

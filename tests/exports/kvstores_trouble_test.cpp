@@ -112,14 +112,27 @@ TEST (Stores, ACloseLeavesTheLastTextAlone) {
   EXPECT_EQ (last_error (), "Invalid handle");
 }
 
-TEST (Stores, AReconnectionTellsEveryKeyAgain) {
-  MetadataServer server;
-  server.put ("a", "1");
-  server.put ("b", "2");
-  const SettledSession session (server);
-  const Store store (session, "CUES", "", ORVA_STORE_READ);
-  EXPECT_EQ (change (store), "a=1");
-  EXPECT_EQ (change (store), "b=2");
+struct ServerOfTwoKeys : MetadataServer {
+  ServerOfTwoKeys () {
+    put ("a", "1");
+    put ("b", "2");
+  }
+};
+
+/// A store that has read both keys.
+class ReadStore : public ::testing::Test {
+protected:
+  void SetUp () override {
+    EXPECT_EQ (change (store), "a=1");
+    EXPECT_EQ (change (store), "b=2");
+  }
+
+  ServerOfTwoKeys server;
+  const SettledSession session{server};
+  const Store store{session, "CUES", "", ORVA_STORE_READ};
+};
+
+TEST_F (ReadStore, ReportsEveryKeyAgainAfterAReconnection) {
   server.drop ();
   EXPECT_EQ (change (store), "a=1");
   EXPECT_EQ (change (store), "b=2");
@@ -174,14 +187,7 @@ TEST (Stores, AServerThatVanishesInTheMiddleOfASetGetsItAgain) {
   }
 }
 
-TEST (Stores, WhatWasErasedDuringAnAbsenceIsNotTold) {
-  MetadataServer server;
-  server.put ("a", "1");
-  server.put ("b", "2");
-  const SettledSession session (server);
-  const Store store (session, "CUES", "", ORVA_STORE_READ);
-  EXPECT_EQ (change (store), "a=1");
-  EXPECT_EQ (change (store), "b=2");
+TEST_F (ReadStore, DoesNotReportWhatWasErasedWhileTheLinkWasDown) {
   server.take_out ("a");
   server.drop ();
   EXPECT_EQ (change (store), "b=2");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "exports/short_form.h"
 #include "orva.h"
 #include "support/fake_server.h"
 
@@ -58,12 +59,17 @@ private:
   uint32_t number_;
 };
 
-/// One call and the element that it puts on the wire.
+/// A call on the connection `c` and the command that it sends.
 struct WireRow {
   const char *what;
   uint32_t (*call) (uint32_t connection);
-  const char *element; ///< '|' stands for CR LF
+  const char *command; ///< in the short form of `document_of`
 };
+
+#define SENDS(call, command)                                                                                 \
+  {                                                                                                          \
+#call, [](uint32_t c) { return call; }, command                                                          \
+  }
 
 /// Makes each call on a server that accepts everything and compares what arrives, byte by byte.
 void expect_wire (const std::vector<WireRow> &rows);

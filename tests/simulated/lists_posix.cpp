@@ -198,7 +198,7 @@ protected:
           {.Channel = channel, .ChannelReportType = channel_report_type ("listplay")}, answers_.ok (),
           answers_.error ());
     ASSERT_TRUE (support::wait_until ([this] { return answers_.count () == channels; }));
-    EXPECT_EQ (answers_.take (), Lines (channels, "ok"));
+    EXPECT_EQ (answers_.take_lines (), Lines (channels, "ok"));
   }
 
   void expect_same () {

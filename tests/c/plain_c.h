@@ -1,6 +1,6 @@
-/* What a small program in plain C does with the library, for a test that looks at the results. */
-#ifndef TESTS_C_STORY_H
-#define TESTS_C_STORY_H
+/* A small program in plain C that uses the library, and what its calls returned. The test is in C++. */
+#ifndef TESTS_C_PLAIN_C_H
+#define TESTS_C_PLAIN_C_H
 
 #include "orva.h"
 
@@ -14,7 +14,7 @@ typedef struct Step {
   uint32_t code;
 } Step;
 
-typedef struct Story {
+typedef struct CallResults {
   uint32_t connection;
   uint8_t connected;
   uint8_t connected_after_close;
@@ -36,11 +36,11 @@ typedef struct Story {
   uint32_t change_type;
   orva_char change_key[16];
   orva_char change_value[16];
-} Story;
+} CallResults;
 
 /* Uses every family of functions once or more: connects, asks, loads, plays, lists, follows changes, edits,
    waits for notices, mirrors a store, is refused a stop, and closes. */
-void tell_story (uint32_t address, Story *story);
+void call_every_family (uint32_t address, CallResults *results);
 
 #ifdef __cplusplus
 }

@@ -1,4 +1,4 @@
-#include "c/story.h"
+#include "c/plain_c.h"
 #include "exports/snapshots.h"
 
 #include <gmock/gmock.h>
@@ -12,7 +12,7 @@ namespace {
 
 using testing::ElementsAre;
 
-/// Answers everything that the story asks, and tells what changes on the way.
+/// Answers everything that the results asks, and tells what changes on the way.
 void prepare (support::FakeServer &server) {
   server.answer_any ("<ok />");
   server.answer ("get_computer_name", "<computername><ComputerName>STUDIO1</ComputerName></computername>");
@@ -37,9 +37,9 @@ void prepare (support::FakeServer &server) {
                   "<ok />"});
 }
 
-std::vector<std::string> refused_steps (const Story &story) {
+std::vector<std::string> refused_steps (const CallResults &results) {
   std::vector<std::string> steps;
-  std::for_each (story.steps, story.steps + story.step_count, [&] (const Step &step) {
+  std::for_each (results.steps, results.steps + results.step_count, [&] (const Step &step) {
     if (step.code != ORVA_OK)
       steps.push_back (step.call + (" " + std::to_string (step.code)));
   });
@@ -60,38 +60,38 @@ void expect_sent (const support::FakeServer &server, const std::string &name, co
 TEST (PlainC, UsesEveryFamilyOfFunctions) {
   support::FakeServer server;
   prepare (server);
-  Story story = {};
-  tell_story (server.address (), &story);
-  EXPECT_NE (story.connection, 0u);
-  EXPECT_EQ (story.connected, 1);
-  EXPECT_EQ (story.connected_after_close, 0);
-  EXPECT_EQ (story.step_count, 33u);
-  EXPECT_THAT (refused_steps (story),
+  CallResults results = {};
+  call_every_family (server.address (), &results);
+  EXPECT_NE (results.connection, 0u);
+  EXPECT_EQ (results.connected, 1);
+  EXPECT_EQ (results.connected_after_close, 0);
+  EXPECT_EQ (results.step_count, 33u);
+  EXPECT_THAT (refused_steps (results),
                ElementsAre ("orva_cmd_stop1 2", "orva_get_clip_name 3", "orva_cmd_stop1 3"));
-  EXPECT_TRUE (story.error_text == wide ("Not now"));
-  EXPECT_TRUE (story.server_name == wide ("STUDIO1"));
-  EXPECT_EQ (story.disk_total, 100u);
-  EXPECT_EQ (story.disk_available, 10u);
-  EXPECT_EQ (story.clip_exists, 1u);
-  EXPECT_TRUE (story.listed[0] == wide ("BARS"));
-  EXPECT_TRUE (story.listed[1] == wide (""));
-  EXPECT_TRUE (story.added == wide ("LATE"));
-  EXPECT_TRUE (story.title == wide ("The opener"));
-  EXPECT_TRUE (story.metadata == wide ("4"));
-  EXPECT_EQ (story.clip_length, 1800u);
-  EXPECT_EQ (story.speed, -0.5);
-  EXPECT_EQ (story.notice_kind, uint32_t{ORVA_NOTICE_SPEED});
-  EXPECT_EQ (story.notice_channel, 1u);
-  EXPECT_EQ (story.change_type, uint32_t{ORVA_STORE_CHANGE_SET});
-  EXPECT_TRUE (story.change_key == wide ("now"));
-  EXPECT_TRUE (story.change_value == wide ("BARS"));
+  EXPECT_TRUE (results.error_text == wide ("Not now"));
+  EXPECT_TRUE (results.server_name == wide ("STUDIO1"));
+  EXPECT_EQ (results.disk_total, 100u);
+  EXPECT_EQ (results.disk_available, 10u);
+  EXPECT_EQ (results.clip_exists, 1u);
+  EXPECT_TRUE (results.listed[0] == wide ("BARS"));
+  EXPECT_TRUE (results.listed[1] == wide (""));
+  EXPECT_TRUE (results.added == wide ("LATE"));
+  EXPECT_TRUE (results.title == wide ("The opener"));
+  EXPECT_TRUE (results.metadata == wide ("4"));
+  EXPECT_EQ (results.clip_length, 1800u);
+  EXPECT_EQ (results.speed, -0.5);
+  EXPECT_EQ (results.notice_kind, uint32_t{ORVA_NOTICE_SPEED});
+  EXPECT_EQ (results.notice_channel, 1u);
+  EXPECT_EQ (results.change_type, uint32_t{ORVA_STORE_CHANGE_SET});
+  EXPECT_TRUE (results.change_key == wide ("now"));
+  EXPECT_TRUE (results.change_value == wide ("BARS"));
 }
 
 TEST (PlainC, SendsWhatItSays) {
   support::FakeServer server;
   prepare (server);
-  Story story = {};
-  tell_story (server.address (), &story);
+  CallResults results = {};
+  call_every_family (server.address (), &results);
   expect_sent (server, "cue_clip",
                "<cue_clip>|<Channel>B</Channel>|<ClipID>NEWS\xC3\xA9</ClipID>|<Loop>loop</Loop>|</cue_clip>");
   expect_sent (server, "play", "<play>|<Channel>B</Channel>|<Speed>1.5X</Speed>|</play>");

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-/// A connection that notes what every report says, as one line under its name.
+/// A connection that writes each report down as one line: its name and its values.
 class Listener : public QUILL3::Client {
 public:
   explicit Listener (uint32_t address) : Client (address) { start_thread (0); }
@@ -36,19 +36,20 @@ private:
   }
 };
 
-/// The protocol engine and a strict simulator. Everything that the simulator sends has to make sense to the
-/// engine, which the end of the talk tests.
-class Talk {
+/// The protocol engine, connected to a simulator that refuses documents which differ by a byte from what the
+/// library writes. The test fails at the end if the engine could not read something that the simulator sent.
+class SimulatedConnection {
 public:
-  explicit Talk (std::vector<std::string> arguments = {}) : simulator (strict (std::move (arguments))) {
+  explicit SimulatedConnection (std::vector<std::string> arguments = {})
+      : simulator (strict (std::move (arguments))) {
     EXPECT_TRUE (support::wait_until ([&] { return listener.is_connected (); }));
   }
-  ~Talk () {
+  ~SimulatedConnection () {
     listener.stop_and_join ();
     EXPECT_EQ (listener.first_error_text ().to_std_string (), "");
   }
-  Talk (const Talk &) = delete;
-  Talk &operator= (const Talk &) = delete;
+  SimulatedConnection (const SimulatedConnection &) = delete;
+  SimulatedConnection &operator= (const SimulatedConnection &) = delete;
 
   /// Sends a command by its own wrapper with a callback for each answer that it can get, and waits until it
   /// has ended. @return a line for each answer: its name and values.
@@ -69,7 +70,7 @@ private:
 
   std::vector<std::string> ended (const char *name) {
     EXPECT_TRUE (support::wait_until ([&] { return listener.outstanding_count () == 0; })) << name;
-    return answers_.take ();
+    return answers_.take_lines ();
   }
 
   Notes answers_;
