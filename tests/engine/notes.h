@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/amethod.h"
 #include "engine/quill3_api.h"
 #include "engine/recorder.h"
 
