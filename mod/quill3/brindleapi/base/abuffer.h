@@ -2,21 +2,21 @@
 
 #include "base/afunction.h"
 
-/// A ring of 1500 bytes that gathers many small pieces before they go to an output: what fits in the ring
-/// goes in one piece. One thread at a time. Nothing is flushed at destruction.
+/// A ring of 1500 bytes that collects small pieces and passes them to an output together. One thread at a
+/// time. The destructor flushes nothing.
 class ABuffer {
 public:
   static constexpr unsigned capacity = 1500;
 
-  /// @param output gets the bytes; what it points at outlives the buffer.
+  /// @param output receives the bytes; what it points at outlives the buffer.
   explicit ABuffer (AByteSink output) noexcept : output_ (output) {}
   ABuffer (const ABuffer &) = delete;
   ABuffer &operator= (const ABuffer &) = delete;
 
-  /// Gathers @p length bytes, flushing when the ring is full; 1500 or more that find it empty go straight to
-  /// the output.
+  /// Adds @p length bytes, and flushes whenever the ring is full. 1500 or more go straight to the output when
+  /// the ring is empty.
   void write (const void *data, uint64_t length);
-  /// Hands all that is held to the output.
+  /// Passes all bytes of the ring to the output.
   void flush ();
   /// A sink that writes into this buffer.
   AByteSink sink () noexcept;

@@ -7,9 +7,9 @@
 #include <initializer_list>
 #include <memory>
 
-/// Bytes in a growing block that copies share until one of them writes. Behind the last byte stands a 0, so
-/// the data serve as a C string. Offsets and counts are in bytes; what lies outside the array is clipped or,
-/// where said, an assertion failure with nothing done.
+/// Bytes in a growing block that copies share until one of them writes. A 0 follows the last byte, so the
+/// data can be used as a C string. Offsets and counts are in bytes. What is outside the array is clipped, or
+/// fails an assertion and does nothing, where a comment says so.
 ///
 /// Threads: one object serves one thread at a time. Copies may live on different threads as long as nobody
 /// writes to any of them while another thread reads that very object.
@@ -24,19 +24,19 @@ public:
   AByteArray (uint8_t a, uint8_t b, uint8_t c, uint8_t d) { assign (a, b, c, d); }
 
   uint64_t size () const { return data_ != nullptr ? data_->size : 0; }
-  /// The room that is there, the byte of the terminator included; 0 before any was needed.
+  /// The allocated bytes, with that of the terminator; 0 before the first allocation.
   uint64_t capacity () const { return data_ != nullptr ? data_->capacity : 0; }
   bool is_empty () const { return size () == 0; }
 
   /// Makes the array @p n bytes long; bytes that are new are @p fill.
   void resize (uint64_t n, uint8_t fill = 0);
-  /// Makes room for @p n bytes and the terminator, doubling what there is; the array becomes its own.
+  /// Makes room for @p n bytes and the terminator by doubling. The block is then no longer shared.
   void reserve (uint64_t n) { own ().reserve (n); }
   void clear () { data_.reset (); }
 
-  /// The bytes, valid until the array changes or goes.
+  /// The bytes, valid until the array is changed or destroyed.
   const uint8_t *data () const { return readable ().data; }
-  /// The bytes to change, first made this array's own.
+  /// The bytes for writing. A shared block is copied first.
   uint8_t *writable_data () { return own ().data; }
   /// Byte @p n. Beyond the end it is an assertion failure, and the first byte (of an empty array the
   /// terminator).
@@ -63,7 +63,7 @@ public:
   void append_be32 (uint32_t value);
   void append_be64 (uint64_t value);
 
-  /// Below 0, 0 or above 0, byte by byte; of two arrays that agree so far the shorter one is less.
+  /// Below 0, 0 or above 0, byte by byte. When one array begins with the other, the shorter one is less.
   static int compare (const AByteArray &a, const AByteArray &b);
   friend bool operator== (const AByteArray &a, const AByteArray &b) {
     return a.size () == b.size () && compare (a, b) == 0;
@@ -75,12 +75,12 @@ public:
   // -- From and to text
 
   static AByteArray from_utf8 (const AString &text);
-  /// The bytes read as UTF-8, up to the first that is none.
+  /// The bytes read as UTF-8, up to the first invalid one.
   AString to_string () const;
-  /// The standard alphabet without "=" at the end, and a line feed behind what every 20th byte completes.
+  /// The standard alphabet without "=" at the end, with a line feed after every 20 bytes.
   // C73: doc/compatibility.md
   AString to_base64 () const;
-  /// What is not in the alphabet is skipped; bits that make no byte are dropped.
+  /// Characters outside the alphabet are skipped, and the bits of an incomplete byte are dropped.
   static AByteArray from_base64 (const AString &text);
   /// Two upper-case digits a byte, in lines that end before a byte once they hold @p line_width - 1
   /// characters. There is no form without lines: a width of 0 or 1 puts a line feed before every byte, the

@@ -99,7 +99,7 @@ bool is_low_surrogate (uint32_t v) {
   return v >= first_low_surrogate && v <= last_surrogate;
 }
 
-// The units that the code point at the start takes, 0 when it is refused.
+// The units of the code point at the start, 0 when it is refused.
 template <class Unit>
 unsigned utf16_length (const Unit *units, size_t available) {
   if (available == 0 || units[0] == 0 || is_low_surrogate (units[0]))

@@ -4,7 +4,7 @@
 
 namespace {
 
-// Function pointers have no order of their own in the language; their addresses do.
+// The language defines no order of function pointers, but one of their addresses.
 uintptr_t address (void (*function) ()) {
   return reinterpret_cast<uintptr_t> (function);
 }

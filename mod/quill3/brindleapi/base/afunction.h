@@ -26,8 +26,8 @@ public:
   /// Equal kinds, functions and those bound values that the kind uses.
   bool operator== (const AFunctionBase &other) const;
   bool operator!= (const AFunctionBase &other) const { return !(*this == other); }
-  /// By kind, then function, then bound values, functions compared by address. Two empty ones give true, so
-  /// this is no strict order for them: callers who sort keep empty ones out.
+  /// By kind, then by the address of the function, then by bound values. The result for two empty ones is
+  /// true, so an order with empty values is not strict: do not sort them.
   bool operator<(const AFunctionBase &other) const;
 
 protected:
@@ -54,7 +54,7 @@ class AFunction;
 
 /// A callback: a plain function and up to two values bound in front of its arguments. A plain value of five
 /// words that owns nothing and allocates nothing; copying it copies bytes. What the bound values point at
-/// must outlive it. An empty one does nothing when run. Threads: as for any plain value; nothing is locked.
+/// must outlive it. An empty one does nothing when run. One thread at a time; nothing is locked.
 template <class R, class... A>
 class AFunction<R (A...)> : public AFunctionBase {
 public:
@@ -80,7 +80,7 @@ public:
     return AFunction (4, erased (f), reinterpret_cast<uintptr_t> (first), second);
   }
 
-  /// Makes the call. An empty value calls nothing and gives a default-built result.
+  /// Makes the call. An empty value calls nothing and returns a default value.
   R run (A... arguments) const {
     if (kind_ != 0 && !KELVANE_ASSERT_VALUE (function_ != nullptr))
       return R ();
@@ -116,5 +116,5 @@ private:
   void *first_pointer () const noexcept { return reinterpret_cast<void *> (static_cast<uintptr_t> (first_)); }
 };
 
-/// Takes bytes: their start and their number. They are valid during the call only.
+/// Receives bytes: their address and their number. They are valid during the call only.
 using AByteSink = AFunction<void (const void *data, uint64_t length)>;

@@ -4,9 +4,9 @@
 #include "base/thread_annotations.h"
 #include "platform/kernel_objects.h"
 
-/// A recursive mutex of the operating system: its owner may lock it again and unlocks as often. Where the
-/// system gave none, every operation fails without doing anything, and the caller runs unlocked. Any thread
-/// may lock; the thread that locked unlocks.
+/// A recursive mutex of the operating system. Its owner may lock it again and must unlock it as often. When
+/// the system had no mutex left, every operation fails and does nothing, and the caller runs without a lock.
+/// Any thread may lock. The thread that locked must unlock.
 class KELVANE_CAPABILITY ("mutex") AMutex {
 public:
   AMutex () noexcept : AMutex (platform::mutex_create ()) {}
@@ -14,10 +14,10 @@ public:
   explicit AMutex (platform::MutexHandle handle) noexcept : handle_ (handle) {}
   AMutex (const AMutex &) = delete;
   AMutex &operator= (const AMutex &) = delete;
-  /// Nobody holds it any more.
+  /// No thread holds it any more.
   ~AMutex () { platform::mutex_close (handle_); }
 
-  /// Whether the system had a mutex to give.
+  /// Whether the system had a mutex left.
   bool is_valid () const noexcept { return handle_ != nullptr; }
 
   /// Waits without limit. @return true when the mutex is held now.
@@ -33,7 +33,7 @@ private:
   platform::MutexHandle handle_;
 };
 
-/// Holds a mutex for the length of a block. Allocates nothing, so it can't fail where a failure would hurt.
+/// Holds a mutex for the length of a block. It allocates nothing and so can't throw.
 class KELVANE_SCOPED_CAPABILITY AMutexScope {
 public:
   /// Waits until @p mutex is held.
@@ -51,8 +51,8 @@ private:
   bool locked_;
 };
 
-/// A held lock that can be copied and passed by value; the mutex is unlocked when the last copy goes. A mutex
-/// is given back by the thread that holds it, so the last copy must go on the thread that locked.
+/// A held lock that can be copied and passed by value. The mutex is unlocked when the last copy is destroyed.
+/// That must happen on the thread that locked.
 class AMutexLock {
 public:
   /// Holds nothing.

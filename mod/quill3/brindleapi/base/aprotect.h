@@ -5,9 +5,8 @@
 #include <memory>
 #include <new>
 
-/// A value that can only be reached with its mutex held. Any thread may call `lock`; the accessor that it
-/// gives stays on the thread that locked. The mutex is recursive, so code that holds an accessor may lock
-/// again.
+/// A value that can only be used with its mutex held. Any thread may call `lock`. The accessor that it
+/// returns stays on that thread. The mutex is recursive, so code that holds an accessor may lock again.
 template <class T>
 class AProtect {
   struct ItemObject {
@@ -16,13 +15,13 @@ class AProtect {
   };
 
 public:
-  /// The way to the value. Copies share the lock, which goes with the last copy; the value lives as long as
-  /// an accessor does, even if the `AProtect` itself has gone.
+  /// Access to the value. Copies share the lock, which the last copy unlocks. The value lives as long as an
+  /// accessor, even when the `AProtect` has been destroyed.
   class Accessor {
   public:
     Accessor (const Accessor &) = default;
     Accessor (Accessor &&) noexcept = default;
-    // By swapping: an item whose last owner this was goes only after its lock.
+    // By swapping, so that the old item is destroyed after its lock.
     Accessor &operator= (Accessor other) noexcept {
       std::swap (item_, other.item_);
       std::swap (lock_, other.lock_);
@@ -38,7 +37,7 @@ public:
     AMutexLock lock_;
   };
 
-  /// Throws std::bad_alloc when the system has no mutex to give.
+  /// Throws std::bad_alloc when the system has no mutex left.
   AProtect () : item_ (std::make_shared<ItemObject> ()) {
     if (!item_->mutex.is_valid ())
       throw std::bad_alloc ();

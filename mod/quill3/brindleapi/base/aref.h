@@ -10,13 +10,14 @@
 template <class T>
 class ARefObject {
 public:
-  /// Born with a count of 0; the arguments build the payload.
+  /// The count is 0 at first. The arguments build the payload.
   template <class... Arguments>
   explicit ARefObject (Arguments &&...arguments) : value (std::forward<Arguments> (arguments)...) {}
   ARefObject (const ARefObject &) = delete;
   ARefObject &operator= (const ARefObject &) = delete;
 
-  /// Raises the count. @return false when it is 0: the object is dying or was never adopted, and stays so.
+  /// Raises the count. @return false when it is 0: the object is being destroyed, or no reference has adopted
+  /// it yet. The count then stays 0.
   bool increase_reference () noexcept {
     unsigned count = refcount.load ();
     while (count != 0) {
@@ -27,10 +28,9 @@ public:
     return false;
   }
 
-  /// Lowers the count; at 0 destroys the payload and frees the holder, on this thread. A payload may take its
-  /// own end into its hands by offering `bool defer_destruction (void (*destroy) (void *), void *holder)`:
-  /// when that gives true, the payload sees to it that `destroy (holder)` is called later, once, on whichever
-  /// thread suits it.
+  /// Lowers the count. At 0 it destroys the payload and frees the holder, on this thread. A payload may delay
+  /// its destruction with a member `bool defer_destruction (void (*destroy) (void *), void *holder)`. When
+  /// that returns true, the payload must call `destroy (holder)` once, later, on any thread.
   void decrease_reference () {
     if (--refcount != 0)
       return;
@@ -62,7 +62,7 @@ public:
   ARef (ARef &&other) noexcept : holder_ (std::exchange (other.holder_, nullptr)) {}
   ~ARef () { adopt (nullptr); }
 
-  /// The old object is let go after the new one is in place.
+  /// The old reference is dropped after the new one is in place.
   ARef &operator= (const ARef &other) {
     adopt (other.holder_);
     return *this;
@@ -77,7 +77,7 @@ public:
     return *this;
   }
 
-  /// Makes an object from the arguments and gives the one reference to it.
+  /// Makes an object from the arguments and returns the only reference to it.
   template <class... Arguments>
   static ARef create (Arguments &&...arguments) {
     auto *t = new ARefObject<T> (std::forward<Arguments> (arguments)...);

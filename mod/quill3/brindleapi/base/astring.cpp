@@ -38,7 +38,7 @@ size_t ascii_run (const char *text, size_t length) {
   return count;
 }
 
-// Gives the bytes that were taken.
+// Returns the number of bytes that were decoded.
 size_t append_decoded (AStringStorage &storage, const char *utf8, size_t utf8_buflen) {
   size_t taken = 0;
   while (taken != utf8_buflen) {

@@ -14,7 +14,8 @@ class AString;
 class AStringIterator;
 class AStringList;
 
-/// Takes code points that lie together: their start and their number. They are valid during the call only.
+/// Receives code points that are contiguous in memory: their address and their number. They are valid during
+/// the call only.
 using ARunSink = AFunction<void (const AChar *run, uint64_t count)>;
 
 /// Finds the next delimiter of `text` at or after `start`: stores its position, below 0 when there is none,
@@ -31,19 +32,19 @@ enum ACompareMode : unsigned {
 /// An immutable sequence of code points: a view (offset and length) on a shared store. Copies, substrings and
 /// moves cost no characters, and nothing ever edits a store, so texts need no locks.
 ///
-/// Nothing here fails: bad encoded input ends the text at the first bad place, full buffers end the output at
-/// a code-point boundary, offsets and counts out of range clip. Offsets and counts are in code points;
-/// positions found are signed, -1 for "not found".
+/// Nothing here fails. Badly encoded input ends the text at the first bad place. A full buffer ends the
+/// output at a code-point boundary. Offsets and counts out of range are clipped. Offsets and counts are in
+/// code points; positions that a search returns are signed, -1 for "not found".
 ///
 /// Threads: any number may read and copy one AString; assigning to it while another thread uses it is a race.
 /// `hash` may be called from any thread.
 ///
 /// Cost: every text that is not empty takes at least one segment of 64 code points of four bytes. Where no
-/// cost is said, an operation is linear in the characters it has to look at. A text is built from pieces with
-/// AStringBuilder: each `+` copies both sides.
+/// cost is given, an operation is linear in the characters that it reads. To build a text from many pieces,
+/// use AStringBuilder: each `+` copies both sides.
 class AString {
 public:
-  /// As a count: all that there is.
+  /// As a count: up to the end.
   static constexpr uint64_t to_end = UINT64_MAX;
 
   AString () = default;
@@ -59,14 +60,13 @@ public:
   explicit AString (AChar c);
   /// `count` code points of `other` from `offset`, sharing its store. Constant time.
   AString (const AString &other, uint64_t offset, uint64_t count);
-  /// The texts of a list in order. One element gives that element, sharing its store.
+  /// The texts of a list in order. A list of one element gives that element and shares its store.
   explicit AString (const AStringList &list);
   /// The same with `separator` between the elements.
   AString (const AStringList &list, const AString &separator);
 
-  // -- Makers. The text ends at the first thing that the encoding refuses, and what follows is dropped
-  // without a report, so that all of them take bytes from outside. A null pointer is a fault and leaves the
-  // empty text.
+  // -- Makers. The text ends at the first invalid sequence; the rest is dropped without a report. So all of
+  // them may be given bytes from outside. A null pointer is a fault and leaves the empty text.
 
   /// Each byte becomes the code point of the same value, up to a NUL or `length`.
   static AString from_latin1 (const char *text);
@@ -98,7 +98,7 @@ public:
   static AString from_char (AChar c);
   /// printf into 2048 bytes, read as Latin-1: what is beyond 2047 bytes is cut.
   [[gnu::format (printf, 1, 2)]] static AString format (const char *format, ...);
-  /// A view on a finished store, clipped to it.
+  /// A view of a finished store, clipped to it.
   static AString adopt (ARef<AStringStorage> storage, uint64_t start = 0, uint64_t length = to_end);
 
   // -- Reading. Constant time unless said otherwise.
@@ -114,22 +114,22 @@ public:
   /// Code points in the whole store, those outside the view included.
   uint64_t store_length () const { return storage_.is_null () ? 0 : storage_->len; }
 
-  // Cursors. Each gives false, and leaves `pos` alone, where the view has no such position. `c` receives the
-  // code point there and may be null.
+  // Cursors. Each returns false and leaves `pos` unchanged where the view has no such position. `c` receives
+  // the code point at the position and may be null.
   bool first (AStringPosition *pos, AChar *c = nullptr) const;
   bool last (AStringPosition *pos, AChar *c = nullptr) const;
   bool seek (AStringPosition *pos, AChar *c, uint64_t index) const;
   bool next (AStringPosition *pos, AChar *c = nullptr) const;
   bool previous (AStringPosition *pos, AChar *c = nullptr) const;
   bool skip (AStringPosition *pos, uint64_t count) const;
-  /// The code points from `pos` that lie together in memory, clipped to the view: their number, and their
-  /// address if `address` is not null.
+  /// The run of code points from `pos` that is contiguous in memory, clipped to the view: returns their
+  /// number, and stores their address if `address` is not null.
   uint64_t run (const AStringPosition *pos, const AChar **address) const;
   /// The index in this view of a cursor that it produced.
   uint64_t index_of (const AStringPosition &pos) const { return pos.absolute_position - start_offset_; }
 
-  /// Calls `take (const AChar *run, uint64_t count)` for each run from index `from` on until it gives false.
-  /// True when all runs were taken.
+  /// Calls `take (const AChar *run, uint64_t count)` for each run from index `from` on, until it returns
+  /// false. True when it was called for all runs.
   template <class Take>
   bool walk_runs (Take take, uint64_t from = 0) const;
   /// The index of the first code point at or after `from` for which `wanted (AChar)` holds, or -1.
@@ -194,7 +194,7 @@ public:
   AString trim_left () const;
   AString trim_right () const;
   AString trim () const;
-  /// Nothing but white space, or nothing at all.
+  /// Whether the text is empty or white space only.
   bool is_blank () const;
   AString leading_digits () const;
 
@@ -233,18 +233,18 @@ public:
   /// UTF-16 where a wide character has 16 bits, else code points.
   void copy_wchar (wchar_t *buffer, size_t wchar_bufcount, size_t *written = nullptr, bool pad = false) const;
   size_t copy_wchar_z (wchar_t *buffer, size_t wchar_bufcount) const;
-  /// Hands over each run.
+  /// Passes each run to the sink.
   void each_run (const ARunSink &sink) const;
-  /// Hands over the UTF-8 form in portions of at most 128 bytes, none of them cutting a code point. Stops at
-  /// a code point that cannot be encoded.
+  /// Passes the UTF-8 form to the sink in pieces of at most 128 bytes. No piece ends inside a code point.
+  /// Stops at a code point that cannot be encoded.
   void each_utf8 (const AByteSink &sink) const;
   /// The UTF-8 form appended to `out`; the same text as each_utf8.
   void append_utf8_to (std::string *out) const;
   std::string to_std_string () const;
   std::u16string to_u16string () const;
 
-  // -- Numbers (astring_numbers.cpp). Text is trimmed first. Each stores its result, if `out` is not null,
-  // and gives true; a text that is no such number gives false and stores nothing.
+  // -- Numbers (astring_numbers.cpp). White space at the ends is ignored. Each stores its result, if `out` is
+  // not null, and returns true. For a text that is no such number it returns false and stores nothing.
 
   /// Decimal digits, or "0x" and digits or letters, "a" or "A" to "z" or "Z" counting 10 to 35. Both are
   /// weighed by powers of ten: "0x1A" is 20. A text that wraps around 64 bits is noticed only if some digit
@@ -253,7 +253,7 @@ public:
   bool to_uint32 (uint32_t *out = nullptr) const;
   bool to_uint16 (uint16_t *out = nullptr) const;
   bool to_uint8 (uint8_t *out = nullptr) const;
-  /// As to_uint64, behind an optional sign.
+  /// As to_uint64, after an optional sign.
   bool to_int64 (int64_t *out = nullptr) const;
   bool to_int32 (int32_t *out = nullptr) const;
   bool to_int16 (int16_t *out = nullptr) const;
@@ -285,13 +285,12 @@ public:
   static AString from_int16 (int16_t value, int width = 0, char fill = ' ');
   static AString from_int8 (int8_t value, int width = 0, char fill = ' ');
   /// A decimal with at most `decimals` places and an "X" behind it, zeros at the end left out.
-  /// @param decimals 0 rounds to a whole number, halves up; 16 show every value exactly; from 20 on the
-  /// digits
-  ///   exceed 64 bits and the result is well defined but of no use
+  /// @param decimals 0 rounds to a whole number, halves up. 16 show every value exactly. From 20 on the
+  /// digits exceed 64 bits, and the result is defined but useless.
   static AString from_fixed (Kelvane::fixed value, unsigned decimals);
   /// Four numbers with dots, the first byte in memory first.
   static AString from_ip_address (unsigned address);
-  /// `text` filled up to |width| code points: in front for a positive width, behind for a negative one.
+  /// `text` padded to |width| code points: at the front for a positive width, at the end for a negative one.
   static AString pad (const AString &text, int width, char fill);
 
   // -- Lists (astringlist.cpp). The pieces share the store.
@@ -324,7 +323,7 @@ private:
   mutable uint64_t hash_ = 0; ///< 0 until computed; written by compare and set only
 };
 
-/// Walks a text by runs of code points that lie together in memory. The text, or a copy of it, must outlive
+/// Walks a text by runs of code points that are contiguous in memory. The text, or a copy of it, must outlive
 /// it.
 class AStringRuns {
 public:
@@ -333,7 +332,7 @@ public:
   bool at_end () const { return count_ == 0; }
   const AChar *data () const { return data_; }
   uint64_t count () const { return count_; }
-  /// Goes on by `count` code points, at most those of the run.
+  /// Advances by `count` code points, at most to the end of the run.
   void advance (uint64_t count) {
     data_ += count;
     count_ -= count;
@@ -360,7 +359,7 @@ public:
   AChar operator* () const { return valid_ ? c_ : AChar (); }
   AStringIterator &operator++ ();
   AStringIterator &operator-- ();
-  /// Equal at the end of anything, or at the same place of the same AString object.
+  /// Two are equal at the end of any text, or at the same place of the same AString object.
   friend bool operator== (const AStringIterator &a, const AStringIterator &b) {
     return a.valid_ == b.valid_ &&
            (!a.valid_ || (a.text_ == b.text_ && a.pos_.absolute_position == b.pos_.absolute_position));
@@ -380,7 +379,7 @@ inline AStringIterator AString::end () const {
   return AStringIterator ();
 }
 
-/// Collects a text from pieces in linear time. Used by one thread.
+/// Builds a text from pieces in linear time. One thread at a time.
 class AStringBuilder {
 public:
   void append (AChar c) { store ().append (c); }
@@ -388,7 +387,7 @@ public:
   void append_latin1 (const char *text, size_t length);
   void append_latin1 (std::string_view text) { append_latin1 (text.data (), text.size ()); }
   void append_uint32 (const AChar *text, size_t count);
-  /// Decodes received UTF-8 up to the first thing that is refused; true when all was taken.
+  /// Decodes received UTF-8 up to the first invalid sequence. True when all bytes were decoded.
   bool append_utf8 (const char *text, size_t length);
 
   uint64_t length () const { return storage_.is_null () ? 0 : storage_->len; }

@@ -6,8 +6,8 @@ namespace {
 
 constexpr size_t utf8_portion = 128;
 
-/// What all exporters with a buffer share. `put (c, buffer, room)` writes one code point and gives its units,
-/// 0 to stop. Gives the units written.
+/// The loop of all exporters with a buffer. `put (c, buffer, room)` writes one code point and returns its
+/// units, 0 to stop. Returns the units written.
 template <class Unit, class Put>
 size_t fill (const AString &text, Unit *buffer, size_t capacity, Put put) {
   size_t used = 0;

@@ -18,7 +18,7 @@ bool has_hex_prefix (const AString &text) {
   return text.getchar (0) == L1 ('0') && text.getchar (1) == L1 ('x');
 }
 
-// Takes a sign off the front. True for a minus.
+// Removes a sign at the front. True for a minus.
 bool take_sign (AString *text) {
   const AChar c = text->first_char ();
   if (c == L1 ('+') || c == L1 ('-'))
@@ -49,7 +49,7 @@ bool parse (const AString &text, Narrow *out) {
   }
 }
 
-// Writes the decimal digits so that they end before `end`, at least `least` of them. Gives their start.
+// Writes the decimal digits so that they end before `end`, at least `least` of them. Returns their start.
 char *write_digits (char *end, uint64_t value, unsigned least = 1) {
   for (; value != 0 || least != 0; value /= 10) {
     *--end = static_cast<char> ('0' + value % 10);
@@ -133,7 +133,7 @@ bool parse_fixed (const AString &untrimmed, bool received, Kelvane::fixed *out) 
   return ok;
 }
 
-// A magnitude in decimal: `digits` are the places behind the point, of which there are `decimals`.
+// A magnitude in decimal. `digits` are the `decimals` places behind the point.
 struct Decimal {
   uint32_t whole = 0;
   uint64_t digits = 0;

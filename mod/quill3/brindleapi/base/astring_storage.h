@@ -16,8 +16,8 @@ struct AStringSegment {
   bool full () const { return buflen == capacity; }
 };
 
-/// A place in a store. Meaningful only together with the string that produced it, while that string or a copy
-/// of it lives.
+/// A position in a store. It is valid only for the string that produced it, while that string or a copy of it
+/// lives.
 struct AStringPosition {
   const AStringSegment *current_segment = nullptr;
   uint64_t segment_offset = 0;    ///< index inside the segment
@@ -43,8 +43,8 @@ struct AStringStorage {
   /// Ends the writing.
   void finish ();
 
-  // Reading, after `finish`. Each gives false, and leaves `pos` alone, where there is no such position. All
-  // take constant time.
+  // Reading, after `finish`. Each returns false and leaves `pos` unchanged where there is no such position.
+  // All take constant time.
   bool seek (AStringPosition *pos, uint64_t index) const;
   bool next (AStringPosition *pos) const;
   bool skip (AStringPosition *pos, uint64_t skip_count) const;
@@ -65,7 +65,7 @@ private:
   const AStringSegment *segment_at (uint64_t number) const;
 
   AStringSegment first_; // short texts need no second allocation
-  // The chain by number, for stores of more than a few segments. Walking from the head would make every scan
-  // that jumps about a long text quadratic.
+  // The segments by number, for stores of more than a few. Without it, a search with random access to a long
+  // text would be quadratic.
   std::unique_ptr<const AStringSegment *[]> by_number_;
 };

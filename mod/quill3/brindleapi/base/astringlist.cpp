@@ -69,7 +69,7 @@ AStringList AString::split (const ADelimiterFinder &finder, bool keep_delimiters
     int64_t position = -1;
     int64_t length = 1;
     finder.run (*this, start, &position, &length);
-    // A finder that goes back would never come to an end.
+    // A finder that goes back would make this loop endless.
     if (position < 0 || !KELVANE_ASSERT (position >= start) || !KELVANE_ASSERT (length >= 0))
       break;
     add (start, position - start, position > start || keep_empty);

@@ -14,9 +14,8 @@ inline bool atomic_compare_and_set_32 (uint32_t *p, uint32_t expected, uint32_t 
   return std::atomic_ref<uint32_t> (*p).compare_exchange_strong (expected, desired);
 }
 
-/// Replaces *p by @p desired if it equals @p expected. All of these in the process are serialised on one
-/// recursive mutex: a settled trait of the library, so mixing it with other writes of the same word is the
-/// caller's fault.
+/// Replaces *p by @p desired if it equals @p expected. All calls in the process are serialised by one
+/// recursive mutex. So the caller must not write the same word in another way.
 /// @param p aligned to 8. @return true if swapped. Any thread; allocates nothing after its first call.
 bool atomic_compare_and_set_64 (uint64_t *p, uint64_t expected, uint64_t desired);
 

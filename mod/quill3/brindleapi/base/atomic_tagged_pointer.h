@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-/// A pointer and a generation: what one 16-byte swap replaces together. The generation, raised by every swap,
-/// tells a pointer that left and came back from one that stayed.
+/// A pointer and a generation, which one 16-byte swap replaces together. Every swap raises the generation. So
+/// a pointer that was replaced and then stored again differs from one that was never replaced.
 struct TaggedPointer {
   uint64_t pointer = 0;
   uint64_t generation = 0;
@@ -11,8 +11,8 @@ struct TaggedPointer {
   bool operator== (const TaggedPointer &) const noexcept = default;
 };
 
-/// A `TaggedPointer` that any number of threads may read and change. All three operations are single steps of
-/// the processor's own 16-byte instruction; a load is one too, and so writes the line it reads.
+/// A `TaggedPointer` that any number of threads may read and change. All three operations use the processor's
+/// 16-byte compare and swap. A load does too, and so writes the cache line that it reads.
 class atomic_tagged_pointer {
 public:
   atomic_tagged_pointer () noexcept = default;

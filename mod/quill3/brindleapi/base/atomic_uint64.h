@@ -4,10 +4,9 @@
 
 #include <concepts>
 
-/// One 64-bit word that any number of threads may read and change. Each change is a single atomic step; all
-/// changes of all such words in the process are serialised on one mutex, which is a settled trait: they are
-/// for rare events, not for hot paths. A load is one instruction and sees all that came before the store it
-/// reads.
+/// One 64-bit word that any number of threads may read and change. Each change is one atomic step. One mutex
+/// serialises all changes of all such words in the process, so use them for rare events only. A load is one
+/// instruction, and sees everything that happened before the store that it reads.
 class atomic_uint64 {
 public:
   /// Stores 0.

@@ -6,7 +6,7 @@
 #include <type_traits>
 
 /// One 32-bit word that any number of threads may read and change. Each operation that changes it is a single
-/// atomic step, sequentially consistent; a load sees all that came before the store it reads.
+/// atomic step, sequentially consistent; a load sees everything that happened before the store that it reads.
 class atomic_unsigned {
 public:
   /// Stores 0.
@@ -65,12 +65,13 @@ public:
   bool compare_and_set (unsigned expected, unsigned desired) noexcept {
     return atomic_compare_and_set_32 (&word_, expected, desired);
   }
-  /// Takes @p amount off unless that would go below @p floor. @return true if done; else nothing changed.
+  /// Subtracts @p amount unless the result would be below @p floor. @return true if done; else nothing
+  /// changed.
   bool subtract_with_floor (unsigned amount, unsigned floor) noexcept {
     return change_if ([=] (unsigned value) { return value >= amount && value - amount >= floor; },
                       [=] (unsigned value) { return value - amount; });
   }
-  /// Adds @p amount unless that would go above @p ceiling. @return true if done; else nothing changed.
+  /// Adds @p amount unless the result would be above @p ceiling. @return true if done; else nothing changed.
   bool add_with_ceiling (unsigned amount, unsigned ceiling) noexcept {
     return change_if ([=] (unsigned value) { return value <= ceiling && ceiling - value >= amount; },
                       [=] (unsigned value) { return value + amount; });
@@ -84,7 +85,7 @@ public:
     return change_if ([=] (unsigned value) { return value > x; }, [=] (unsigned) { return x; });
   }
 
-  /// The following eight change the value and give true.
+  /// The following eight change the value and return true.
   bool multiply_by (unsigned x) noexcept {
     return change ([=] (unsigned value) { return value * x; });
   }

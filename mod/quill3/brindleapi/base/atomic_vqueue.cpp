@@ -22,8 +22,8 @@ TaggedPointer successor (TaggedPointer before, AVQueueNode *node) {
   return {reinterpret_cast<uintptr_t> (node), before.generation + 1};
 }
 
-/// The stack of nodes that are in no queue. Nodes are never freed, so a thread that still looks at one that
-/// has left sees memory that is a node for ever.
+/// The stack of nodes that are in no queue. Nodes are never freed, so a thread that still reads a node which
+/// was removed reads valid memory.
 class FreeNodes {
 public:
   void push (AVQueueNode *node) {
@@ -52,7 +52,7 @@ FreeNodes &free_nodes () {
   return nodes;
 }
 
-// The list is there when the library is loaded; a queue that is built earlier makes it earlier.
+// Makes the list when the library is loaded, unless a queue has needed it earlier.
 const RunOnce free_nodes_at_load ([] { free_nodes (); });
 
 AVQueueNode *take_node () {
@@ -60,7 +60,8 @@ AVQueueNode *take_node () {
   return node != nullptr ? node : new AVQueueNode;
 }
 
-// Clearing the successor raises its generation: a thread that is about to link behind this node must fail.
+// Clearing the successor raises its generation, so that a thread which is about to link behind this node
+// fails.
 void release_node (AVQueueNode *node) {
   node->next.store (successor (node->next.load (), nullptr));
   node->value = nullptr;
@@ -106,7 +107,7 @@ void AVQueue::link (AVQueueNode *node) {
 }
 
 void *AVQueue::pop () {
-  // Whoever has lowered the length is owed one node.
+  // A thread that has lowered the length finds a node.
   return length_.subtract_with_floor (1, 0) ? unlink () : nullptr;
 }
 

@@ -5,9 +5,9 @@
 
 struct AVQueueNode;
 
-/// A queue of pointers for any number of producers and consumers, without locks. What the pointers point at
-/// stays the caller's. The nodes come from one free list of the process and go back there, never to the heap,
-/// so that a queue in steady use allocates nothing.
+/// A queue of pointers for any number of producers and consumers, without locks. The caller owns what the
+/// pointers point at. The nodes come from one free list of the process and return to it, never to the heap.
+/// So a queue in steady use allocates nothing.
 ///
 /// Threads: `push` and `pop` from any; construction and destruction while nobody else uses the queue. Values
 /// of one producer come out in the order they went in.
@@ -21,8 +21,8 @@ public:
 
   /// Puts a value at the end. @return how many were in the queue before.
   unsigned push (void *value);
-  /// Takes the oldest value without waiting. @return it, null when the queue is empty: a queue that holds
-  /// null values can't be told from an empty one.
+  /// Takes the oldest value without waiting. @return it, or null when the queue is empty. A null value in the
+  /// queue looks the same.
   // C78: doc/compatibility.md
   void *pop ();
   /// How many values are in the queue, at some moment during the call.

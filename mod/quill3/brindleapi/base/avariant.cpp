@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Where the texts of all variants come from. It lives for ever.
+/// Allocates the texts of all variants. It is never destroyed.
 class TextAllocator {
 public:
   AString *get (const AString &text) {

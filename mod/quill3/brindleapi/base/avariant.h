@@ -17,8 +17,8 @@ enum AVariantType : uint32_t {
   AVariantString = 7
 };
 
-/// One value of a small closed set of types. Conversions never fail: each getter takes the value to give when
-/// the content can't be converted.
+/// One value of a small closed set of types. Conversions never fail: each getter takes the value to return
+/// when the content can't be converted.
 ///
 /// Threads: any number may read one AVariant; changing it while another thread uses it is a race.
 class AVariant {

@@ -2,11 +2,11 @@
 
 #include "base/csem.h"
 
-/// A semaphore that is set or not. Any thread may wait and post.
+/// A semaphore with a count of 0 or 1. Any thread may wait and post.
 class bsem : public csem {
 public:
   explicit bsem (bool initially_set) : csem (initially_set ? 1 : 0, 1) {}
 
-  /// Sets it. Posting one that is set already is no failure.
+  /// Sets the count to 1. A count that is 1 already is no failure.
   void post ();
 };

@@ -6,7 +6,8 @@
 
 namespace {
 
-// The systems say "none" with a null handle, which passes the constructor's test and fails at the first wait.
+// When a system has no semaphore left it returns a null handle, which is not invalid here. The first wait
+// then fails.
 bool is_invalid (platform::SemaphoreHandle handle) {
   return reinterpret_cast<uintptr_t> (handle) == UINTPTR_MAX;
 }

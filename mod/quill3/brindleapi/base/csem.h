@@ -7,17 +7,18 @@ class csem {
 public:
   static constexpr unsigned INFINITE_TIME = platform::infinite;
 
-  /// @param initial count at first, at most @p maximum. @param maximum at least 1. A semaphore that could not
-  /// be made shows that at its first wait.
+  /// @param initial count at first, at most @p maximum. @param maximum at least 1. When the system has no
+  /// semaphore left, the first wait fails.
   csem (unsigned initial, unsigned maximum);
   csem (const csem &) = delete;
   csem &operator= (const csem &) = delete;
   ~csem ();
 
-  /// Whether the system had a semaphore to give.
+  /// Whether the system had a semaphore left.
   bool is_valid () const noexcept { return sem_ != nullptr; }
 
-  /// Takes one off the count, waiting at most @p milliseconds; `INFINITE_TIME` waits for ever, 0 only looks.
+  /// Lowers the count by one, and waits for that at most @p milliseconds. `INFINITE_TIME` is without limit;
+  /// with 0 it returns at once.
   /// @return true when the count was taken, false when the time ran out. Interruptions do not shorten the
   /// wait.
   bool wait (unsigned milliseconds = INFINITE_TIME);

@@ -35,8 +35,8 @@ public:
   EnumString (const EnumStringTextRow *rows, size_t tblcount, uint32_t default_number,
               const AString &default_spelling);
 
-  /// Enters a pair; an empty spelling is ignored. In each direction by itself the first entry stays: two
-  /// numbers may share a spelling, which then reads as the first of them, and the other way round.
+  /// Adds a pair; an empty spelling is ignored. Two numbers may share a spelling: looking it up returns the
+  /// first of them. In the same way, the first spelling of a number is the one that is found.
   // C77: doc/compatibility.md
   void add (uint32_t number, const AString &spelling);
 

@@ -10,12 +10,11 @@
 #include <memory>
 #include <utility>
 
-/// A doubly linked list of shared entries. One thread at a time; a cursor keeps its entry alive, even after
-/// the list has let go of it.
+/// A doubly linked list of shared entries. One thread at a time. A cursor keeps its entry alive, even when
+/// the list has removed it.
 ///
-/// A `T` whose values hold lists of `T` themselves declares `static constexpr bool holds_lists = true;`: such
-/// lists are destroyed one after another in the thread's outermost destructor, so that no depth of nesting
-/// can exhaust a stack.
+/// A `T` that itself holds lists of `T` declares `static constexpr bool holds_lists = true;`. Nested lists
+/// are then destroyed in a loop, not by recursion, so that no depth of nesting overflows the stack.
 template <class T>
 class nonstd_list {
 public:
@@ -29,7 +28,7 @@ public:
   };
   using Entry = std::shared_ptr<EntryStruct>;
 
-  /// Walks forward. An empty cursor is the end, and going on from it does nothing.
+  /// Walks forward. An empty cursor is the end; advancing it does nothing.
   template <class V>
   class Cursor {
   public:
@@ -107,7 +106,7 @@ public:
     (e->next != nullptr ? e->next->previous : last_) = e;
     ++count_;
   }
-  /// Moves all entries of @p other behind those of this list, in constant time.
+  /// Moves all entries of @p other to the end of this list, in constant time.
   void append (nonstd_list &&other) noexcept {
     if (other.count_ == 0)
       return;
@@ -130,7 +129,7 @@ public:
     return e;
   }
 
-  /// Lets go of all entries.
+  /// Removes all entries.
   void clear () noexcept {
     if constexpr (requires { T::holds_lists; })
       clear_nested ();
@@ -146,7 +145,7 @@ public:
   const_iterator begin () const noexcept { return const_iterator (first_); }
   const_iterator end () const noexcept { return const_iterator (); }
 
-  /// The value @p index steps from the first. @param index below `size`.
+  /// The value at @p index, in linear time. @param index below `size`.
   T &at (uint32_t index) noexcept { return walk (index)->value; }
   const T &at (uint32_t index) const noexcept { return walk (index)->value; }
 
@@ -173,7 +172,7 @@ private:
     }
   }
 
-  // While a list is being cleared on this thread, lists inside its values hand their entries over to it.
+  // While a list is being cleared on this thread, lists inside its values pass their entries to it.
   void clear_nested () noexcept {
     static thread_local nonstd_list *clearing = nullptr;
     if (count_ == 0)
@@ -192,15 +191,15 @@ private:
   uint32_t count_ = 0;
 };
 
-/// The one empty list that reads of empty values give; it lives for ever. Any thread.
+/// The empty list that an empty `cow_list` reads as. It is never destroyed. Any thread.
 template <class T>
 const nonstd_list<T> &empty_nonstd_list () {
   static const nonstd_list<T> &empty = *new nonstd_list<T>;
   return empty;
 }
 
-/// A list shared between copies until one of them writes. A copy costs one count. Copies may live on
-/// different threads; one `cow_list` is used by one thread at a time.
+/// A list that copies share until one of them writes. A copy only raises a count. Copies may be used by
+/// different threads, each by one thread at a time.
 template <class T>
 class cow_list {
 public:
@@ -212,9 +211,9 @@ public:
   }
   cow_list (const nonstd_list<T> &list) : cow_list (nonstd_list<T> (list)) {}
 
-  /// The list to look at. It is valid until this object is written to, assigned or destroyed.
+  /// The list for reading. It is valid until this object is written to, assigned or destroyed.
   const nonstd_list<T> &read () const { return list_ != nullptr ? *list_ : empty_nonstd_list<T> (); }
-  /// The list to change; first made this object's own. Valid as `read`.
+  /// The list for writing. A shared list is copied first. Valid as `read`.
   nonstd_list<T> &write () {
     if (list_ == nullptr)
       list_ = std::make_shared<nonstd_list<T>> ();
@@ -222,8 +221,7 @@ public:
       list_ = std::make_shared<nonstd_list<T>> (std::as_const (*list_));
     return *list_;
   }
-  /// The list to move from, leaving this object empty: the entries themselves when nobody shares them, else
-  /// copies.
+  /// Empties this object and returns its list: the entries themselves when no copy shares them, else copies.
   nonstd_list<T> take () {
     nonstd_list<T> taken;
     if (list_ != nullptr)
@@ -231,7 +229,7 @@ public:
     list_.reset ();
     return taken;
   }
-  /// Lets go of the list.
+  /// Drops the list.
   void clear () noexcept { list_.reset (); }
 
   uint32_t size () const noexcept { return list_ != nullptr ? list_->size () : 0; }

@@ -2,8 +2,8 @@
 
 #include "base/kelvane_assert.h"
 
-/// Runs a function while it is constructed: as a static object, during static initialisation. A null function
-/// is an assertion failure and nothing runs.
+/// Runs a function when it is constructed. As a static object it does so during static initialisation. A null
+/// function is an assertion failure and nothing runs.
 class RunOnce {
 public:
   explicit RunOnce (void (*run_function) ()) {

@@ -3,9 +3,9 @@
 #include <atomic>
 #include <memory>
 
-/// Whether @p owner is the only one to share its object, so that it may be changed in place. The count is
-/// read without order; when it is 1, all that other threads did to the object before they let go of it is
-/// seen here. Any thread, each its own pointer.
+/// Whether @p owner is the only one to share its object, so that it may be changed in place. When it is, this
+/// thread sees everything that other threads did to the object before they dropped their pointers. Any thread
+/// may call this with its own pointer.
 template <class T>
 bool is_sole_owner (const std::shared_ptr<T> &owner) noexcept {
   if (owner.use_count () != 1)

@@ -1,7 +1,7 @@
 #pragma once
 
-/// clang's thread-safety annotations; nothing elsewhere. They say which lock guards what, and clang checks
-/// it.
+/// clang's thread-safety annotations. They name the lock that guards a member, and clang checks it. For other
+/// compilers they are empty.
 #if defined(__clang__)
 #define KELVANE_THREAD_ATTRIBUTE(x) __attribute__ ((x))
 #else

@@ -37,8 +37,8 @@ const RateConstants &constants (uint32_t rate, bool dropframe) {
   return plain_constants[rate];
 }
 
-// What a second counts when a position is taken apart. Rate 3 is taken apart at 50 and always
-// was: callers count on it.
+// The fields of a second when a position is split into parts. Rate 3 is taken apart at 50 and always was:
+// callers count on it.
 uint32_t decoding_fields_per_second (uint32_t rate) {
   constexpr uint32_t divisors[rate_count] = {60, 60, 50, 50, 30, 30, 25, 24};
   return rate < rate_count ? divisors[rate] : divisors[1];

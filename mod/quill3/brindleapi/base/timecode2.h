@@ -31,15 +31,15 @@ public:
   uint32_t count () const { return count_; }
   bool is_dropframe () const { return dropframe_; }
 
-  /// The parts of the position. Asking an undefined value is an assertion failure and gives the part as it
-  /// was last worked out.
+  /// The parts of the position. For an undefined value they fail an assertion and return the part as it was
+  /// last computed.
   uint32_t days () const { return part (days_); }
   uint32_t hours () const { return part (hours_); }
   uint32_t minutes () const { return part (minutes_); }
   uint32_t seconds () const { return part (seconds_); }
   uint32_t frames () const { return part (frames_); }
-  /// Whether the position is the second field of its frame. Asking an undefined value is an assertion failure
-  /// and gives bit 0 of the count.
+  /// Whether the position is the second field of its frame. An undefined value fails an assertion and returns
+  /// bit 0 of the count.
   bool is_odd_field () const;
 
   /// The changes below do nothing to an undefined value, except where they say otherwise. Counts wrap at
@@ -55,11 +55,11 @@ public:
   void subtract (uint32_t n, bool wrap);
   /// Subtracts the count of @p other, whatever its rate; an undefined @p other clears this value.
   void subtract (const timecode2 &other, bool wrap);
-  /// Takes whole days off.
+  /// Removes whole days.
   void normalise ();
 
-  /// An undefined value is below any defined one; then the higher rate is greater; then the higher count. The
-  /// counting plays no part.
+  /// An undefined value is less than any defined one. Of two defined values the one with the higher rate is
+  /// greater; at equal rates it is the one with the higher count. Drop-frame counting makes no difference.
   // C75: doc/compatibility.md
   static bool greater (const timecode2 &a, const timecode2 &b);
   friend bool operator<(const timecode2 &a, const timecode2 &b) { return greater (b, a); }
@@ -69,11 +69,10 @@ public:
   friend bool operator!= (const timecode2 &a, const timecode2 &b) { return greater (a, b) || greater (b, a); }
   friend bool operator== (const timecode2 &a, const timecode2 &b) { return !(a != b); }
 
-  /// The text of the position: frames, seconds, minutes, hours and days as far as they are not 0, and at
-  /// least
-  /// @p minimum_parts of them (0 to 5). An odd field stands behind `:` or, with drop-frame counting, `;`, an
-  /// even one behind `.` or `,`; days stand in front of `+`. An undefined value is an assertion failure and
-  /// gives the empty text.
+  /// The position as text. The parts are days, hours, minutes, seconds and frames. Leading parts that are 0
+  /// are left out, but at least @p minimum_parts of them (0 to 5) are written. The separator is `:` for an
+  /// odd field and `.` for an even one, with drop-frame counting `;` and `,`. Behind the days it is `+`. An
+  /// undefined value fails an assertion and returns the empty text.
   AString to_text (uint32_t minimum_parts) const;
   /// The same into a buffer of @p capacity bytes, cut to fit and always terminated. A capacity of 0 writes
   /// nothing.

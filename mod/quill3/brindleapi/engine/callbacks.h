@@ -3,8 +3,8 @@
 #include "base/afunction.h"
 #include "engine/bodies.h"
 
-/// The callbacks that the sender of a command may supply, one type for each kind of reply, named as the
-/// reply. A callback receives the values of its reply in the order of bodies.inc: `callback::ok` is
+/// The callbacks that the sender of a command may supply, one type for each kind of reply, with the name of
+/// the reply. A callback receives the values of its reply in the order of bodies.inc: `callback::ok` is
 /// `AFunction<void ()>`, `callback::error` is `AFunction<void (AString, uint32_t)>`.
 namespace QUILL3::callback {
 

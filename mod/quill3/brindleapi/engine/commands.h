@@ -5,9 +5,9 @@
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Winvalid-offsetof"
 
-/// The commands of commands.inc, as structs in namespace command. The members are the arguments, under the
-/// names and in the order of their tags. An absent argument is not written, nor is a flag that is false; the
-/// server decides what then applies.
+/// The commands of commands.inc, as structs in namespace command. Their members are the arguments, with the
+/// names of their tags and in the order of writing. An absent argument and a flag that is false are not
+/// written; the server decides what then applies.
 namespace QUILL3 {
 
 #define COMMAND(name, answers, ...)                                                                          \

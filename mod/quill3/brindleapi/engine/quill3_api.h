@@ -10,30 +10,32 @@ namespace QUILL3 {
 class XIDRegistry;
 class XIDRegistryEntry;
 
-/// Keeps the commands that are open, hands out their identifiers, and turns each incoming reply into a call
-/// of the callback that the sender supplied for that kind of reply. Nothing expires by itself: a command ends
-/// with a reply that closes it, with `cancel_command`, with a failure (of all, or its own when it is sent
-/// behind the end), or without a word when this object is destroyed. Threads: any.
+/// Keeps the open commands, gives them identifiers, and calls for each reply the callback that the sender
+/// supplied for that kind of reply. No command times out. It ends with a reply that closes it, with
+/// `cancel_command`, when all commands fail, or when it is sent while this object is ending. When this object
+/// is destroyed, open commands are dropped without a callback. Threads: any.
 class API : public APICommand {
 public:
   API ();
   ~API () override;
 
-  // One wrapper for each command, named as the command, in two forms, and one named `send` for all commands:
+  // One wrapper for each command, with the name of the command, in two forms. One more, `send`, takes any
+  // command:
   //
   //   AString play (const command::play &arguments);
   //   AString play (const command::play &arguments, callback::ok ok, callback::error error);
   //   AString send (const command::play &arguments, callback::ok ok, callback::error error);
   //
-  // The first is the second with empty callbacks, and the third is the second. The callbacks are those of the
-  // replies that the command can get, in the order of commands.inc, `error` last; any of them may be empty.
-  // The result is the identifier that went out with the command; it begins with `none` when all callbacks are
-  // empty, and nothing is kept of such a command here.
+  // The first is the second with empty callbacks, and `send` is the second. There is a callback for each
+  // answer of the command, in the order of commands.inc, and `error` is the last. Any of them may be empty.
+  // The result is the identifier that was sent with the command. When all callbacks are empty it begins with
+  // `none`, and the command is never open.
   //
-  // With a callback that is not empty the command is open from before its first byte is sent, and ends once:
-  // callbacks may run on the connection's thread or, when the link is down, on any that finds it so, this one
-  // included, and so before the wrapper returns. A failure that another thread has begun to tell may also
-  // come after it. A wrapper that throws, for want of memory, leaves no command open and runs no callback.
+  // With a callback that is not empty, the command is open before its first byte is sent. It ends once.
+  // Callbacks run on the connection's thread. When the link is down they run on the thread that finds this
+  // out, which may be this one before the wrapper returns. When another thread has begun to fail the command,
+  // its callback may run after the wrapper returns. A wrapper that throws because memory ran out leaves no
+  // command open and runs no callback.
 #define CALLBACK(reply) callback::reply reply
 #define PASS(reply) reply
 #define COMMAND(name, answers, ...)                                                                          \
@@ -49,21 +51,21 @@ public:
   /// Number of open commands.
   uint32_t outstanding_count ();
 
-  /// Ends an open command without a callback; one that is running on another thread goes on.
+  /// Ends an open command without a callback. A callback that is running on another thread continues.
   /// @return false when no such command is open.
   bool cancel_command (const AString &xid);
 
-  /// Fails all open commands with "Failing all outstanding commands" and the code 0, each once, in text order
-  /// of the identifiers, and with them those that the callbacks open; called by such a callback, it leaves
-  /// them to the call that is running and returns at once. What other threads open meanwhile is not touched,
-  /// and what another call has begun to fail is left to that one. No lock of the registry is held while a
-  /// callback runs. A command that a running callback leaves open fails
-  /// when that callback has returned; one whose last callback is running does not fail.
+  /// Fails all open commands with "Failing all outstanding commands" and the code 0, in text order of their
+  /// identifiers. Commands that the callbacks open fail too. A callback that calls this returns at once,
+  /// because the running call fails what is left. Commands that other threads open meanwhile stay open, and a
+  /// command that another call has begun to fail is left to that call. No lock is held while a callback runs.
+  /// When a callback of a command is running that leaves it open, the command fails after that callback. When
+  /// it is the command's last callback, the command does not fail.
   void fail_all_commands () noexcept;
 
 protected:
-  /// Whether commands are of no use any more, because the end of this object has begun: one that is sent then
-  /// fails, and those that were open before are left without a word.
+  /// Whether this object is ending. A command that is sent then fails. Commands that were open before are
+  /// dropped without a callback.
   virtual bool is_ending () const {
     return false;
   }

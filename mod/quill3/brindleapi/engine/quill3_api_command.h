@@ -24,9 +24,8 @@ protected:
   using Output = AFunction<void (const void *data, uint64_t length)>;
 
   /// Sends a document. All commands leave through here.
-  /// @param is_over asked when the lock is held. When it returns true, the command has already failed with
-  /// the
-  ///   link that it was meant for, and must not appear on another link: nothing is written.
+  /// @param is_over called when the lock is held. When it returns true, the command has already failed with
+  /// its own link. It must not appear on another link, so nothing is written.
   void send_document (const XMLTree &document, AFunction<bool ()> is_over);
 
   /// Writes a document with `render`, unless `is_over`. Called with the send lock held.

@@ -135,9 +135,9 @@ bool APIParser::read_identifier (const XMLElement &message, AString *identifier)
   return get_value (message, Tag::xid, identifier, &text) || record_error ({}, text);
 }
 
+// Children that are no body of this kind of message are ignored. So a message with a body of a newer server
+// counts as one without a body.
 // C105: doc/compatibility.md
-// A child that is no body of this kind of message is passed over, so a body that only a newer server knows
-// counts as none.
 bool APIParser::find_body (const XMLElement &message, bool is_reply, const AString &identifier,
                            Found *found) {
   for (const XMLElement child : message.children ()) {

@@ -7,8 +7,8 @@
 
 namespace QUILL3 {
 
-/// The bodies that a message from the server can hold, in one numbering: 0 to 23 the answers to commands, 24
-/// to 70 the reports.
+/// The numbers of the bodies that a message from the server can hold: first the answers to commands, then the
+/// reports.
 enum class BodyNumber : uint32_t {
 #define REPLY(name, ...) name,
 #define REPORT(name, ...) name,
@@ -18,10 +18,9 @@ inline constexpr uint32_t reply_count = 24;
 inline constexpr uint32_t report_count = 47;
 inline constexpr uint32_t body_count = reply_count + report_count;
 
-/// Gives a received message its meaning: checks its form, finds out which of the 71 known bodies it holds,
-/// reads the body's tags and calls the handler of that name. A message that can't be used is dropped with a
-/// record of its first error. Threads: the connection's own thread only, but for the hook's setter, which
-/// belongs in front of the first message.
+/// Interprets received messages: checks the form, finds the body, reads its tags and calls its handler. A
+/// message that can't be used is dropped, and its first error is recorded. Threads: the connection's own
+/// thread only. The setter of the hook is called before the first message.
 class APIParser {
 public:
   APIParser () = default;
@@ -43,15 +42,15 @@ public:
   void dispatch_message (const XMLNodes &message);
   void dispatch_message (const XMLTree &message);
 
-  /// Notes why the message in hand can't be used; of several errors in one message the first is kept.
-  /// @param identifier of the command that the message answers, empty where none is known.
+  /// Records why the present message can't be used. Only the first error of a message is kept.
+  /// @param identifier of the command that the message answers, or empty.
   /// @return false, always.
   bool record_error (const AString &identifier, const AString &text);
 
-  /// Sets what is called with each message before anything about it is checked.
+  /// Sets a hook that is called with each message before it is checked.
   void set_receive_hook (AFunction<void (const XMLTree &)> hook) { receive_hook_ = hook; }
 
-  /// True while the message in hand, or the last one, has recorded no error.
+  /// Whether the present message, or the last one, has recorded no error.
   bool error_slot_free () const { return error_slot_free_; }
   /// Identifier of the last message that failed. It stays until a later message fails.
   const AString &first_error_xid () const { return first_error_xid_; }

@@ -36,8 +36,8 @@ void APIParser2::feed_bytes (const char *bytes, uint64_t length) {
   }
 }
 
-// The stream is asked whether it has failed after each attempt, so that an element which is refused latches
-// in the very feed that completed it.
+// Tests for a failure after each attempt, so that a bad element fails the stream in the same call that
+// completed it.
 bool APIParser2::take_messages () {
   while (!abort_take_) {
     const XMLNodes *message = stream_.next_nodes ();

@@ -5,23 +5,25 @@
 
 namespace QUILL3 {
 
-/// Cuts the received bytes into messages. A message is one element `reply` or `report`, with at most 32768
-/// bytes together with what stands in front of it. Threads: the connection's own thread only.
+/// Splits the received bytes into messages. A message is one element `reply` or `report`. It has at most
+/// 32768 bytes, counted with the bytes before it that belong to no message. Threads: the connection's own
+/// thread only.
 class APIParser2 : public APIParser {
 public:
   APIParser2 ();
 
-  /// Takes bytes as they came; every message that they complete has been handled on return, unless the stream
-  /// has failed.
+  /// Adds received bytes. When this returns, all messages that they complete have been handled, unless the
+  /// stream has failed.
   void feed_bytes (const char *bytes, uint64_t length);
-  /// Whether the stream can't be trusted any more: an element was no XML, or a message too long. Further
-  /// bytes are dropped until `reset_stream`.
+  /// Whether the stream has failed: an element was not XML, or a message was too long. Further bytes are
+  /// dropped until `reset_stream`.
   bool stream_failed () const { return stream_failed_; }
-  /// Drops what is held of an unfinished message, forgets a failure and ends the taking of messages.
+  /// Drops the bytes of an unfinished message, clears a failure, and stops the handling of messages until the
+  /// next `feed_bytes`.
   void reset_stream ();
 
 protected:
-  /// Ends the taking of messages until the next `feed_bytes`.
+  /// Stops the handling of messages until the next `feed_bytes`.
   void set_abort_take () { abort_take_ = true; }
 
 private:

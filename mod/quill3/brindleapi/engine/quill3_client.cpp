@@ -27,7 +27,7 @@ struct Client::StartBlock {
 Client::Client () : Client (default_server_address) {}
 
 Client::Client (uint32_t server_address) : server_address_ (server_address), stop_semaphore_ (false) {
-  // Without these its thread could neither run nor be ended: then there is no connection at all.
+  // The thread needs all three.
   if (!link_lock_.is_valid () || !stop_semaphore_.is_valid () || !idle_lock_.is_valid ())
     throw std::bad_alloc ();
   platform::sockets_start ();
@@ -84,8 +84,8 @@ bool Client::defer_destruction (void (*destroy) (void *), void *holder) noexcept
 
 // -- The connection's thread
 
-// Either this object outlives the thread, whose last act is to say that it has left, or the thread outlives
-// the object, whose last reference fell on it.
+// When the last reference was dropped on this thread, it destroys the object. Otherwise the object waits for
+// the thread, and `thread_running_` is the last thing that the thread writes.
 void Client::run_thread (void *start_block) {
   StartBlock block = *static_cast<StartBlock *> (start_block);
   delete static_cast<StartBlock *> (start_block);
@@ -108,8 +108,8 @@ void Client::main_loop () noexcept {
   }
 }
 
-// What is thrown on the way, by an allocation that failed, costs the link and no more: its commands are told,
-// and the next one starts clean.
+// An exception, from an allocation that failed, ends the link: its commands fail, and the next link starts
+// afresh.
 void Client::serve () noexcept {
   try {
     if (!stop_requested_)
@@ -182,7 +182,7 @@ void Client::call_idle_function () {
   function.run ();
 }
 
-// Once the end has begun nothing is told to anyone any more: destruction is no failure.
+// While this object ends no callback runs any more, because its destruction is no failure.
 // C106: doc/compatibility.md
 void Client::disconnect () noexcept {
   if (stop_requested_)

@@ -9,18 +9,18 @@
 
 namespace QUILL3 {
 
-/// One TCP connection while it lasts: its socket and how it stands. Shared by the connection's thread and all
-/// who are sending, so that the socket's handle is given back when none of them uses it any more, and what
-/// goes wrong with a link is known of that link alone. Threads: any.
+/// One TCP connection: its socket and its state. The connection's thread and all senders share it. So the
+/// socket is closed when none of them uses it any more, and a failure is known of this link alone. Threads:
+/// any.
 struct Link {
   Link () = default;
   Link (const Link &) = delete;
   Link &operator= (const Link &) = delete;
   ~Link () { platform::socket_close (socket); }
 
-  /// Whether bytes may be given to it.
+  /// Whether bytes can be sent on it.
   bool is_up () const { return !closed && !send_failed; }
-  /// Ends it: whoever waits in a send or a receive returns.
+  /// Ends it. Waiting sends and receives return.
   void close () {
     closed = true;
     platform::socket_shutdown (socket);
@@ -31,16 +31,17 @@ struct Link {
   std::atomic<bool> send_failed{false}; ///< the connection's thread ends the link when it sees this
 };
 
-/// The connection to one server: connects, serves, and connects again 100 ms after each failure or loss, for
-/// as long as it lives, on one thread of its own. A command is never queued: without a link it fails at once.
+/// The connection to one server. It has a thread of its own, which connects and receives. After a failure or
+/// a loss the thread connects again, 100 ms later, until this object ends. A command is never queued: without
+/// a link it fails at once.
 ///
-/// Threads: any, except where said. The thread alone connects, receives, and runs handlers, `on_connected`
-/// and `on_disconnected`.
+/// Threads: any, except where a comment says otherwise. Handlers, `on_connected` and `on_disconnected` run on
+/// the connection's thread only.
 ///
-/// End: the destructor of the most derived class calls `stop_and_join` before anything else, while the
-/// handlers that it overrides can still run. An object held by an `ARef` whose last reference falls on its
-/// own thread lives on until that thread has left its loop, and is then destroyed by it. Commands that are
-/// open are dropped without a callback.
+/// End: the destructor of the most derived class must call `stop_and_join` first, because until then its
+/// handlers may run. When the last `ARef` to an object is dropped on the object's own thread, the object
+/// lives until that thread has left its loop, and the thread destroys it. Open commands are dropped without a
+/// callback.
 class Client : public API {
 public:
   static constexpr uint16_t server_port = 8913;
@@ -55,27 +56,28 @@ public:
   /// Takes effect at the next attempt to connect. @param server_address IPv4 address in host byte order
   void set_server_address (uint32_t server_address) { server_address_ = server_address; }
 
-  /// Starts the thread, once. Returns at once; the first attempt to connect comes after 100 ms. Where the
-  /// system has no thread to give, the object stays without.
+  /// Starts the thread; later calls do nothing. Returns at once. The first attempt to connect follows after
+  /// 100 ms. When the system has no thread left, the object stays without one.
   /// @param priority of the thread, relative to normal
   void start_thread (int32_t priority);
 
-  /// Whether there is a link. What is sent on it may fail all the same.
+  /// Whether there is a link. A send may fail all the same.
   bool is_connected () const { return connected_; }
 
-  /// Sets what the thread calls when a connection has had nothing to do for a while: after @p seconds at the
-  /// earliest, counted from the last call or from when the link came up, looked at about once a second, and
-  /// only with fewer than 4 commands open. An empty function ends the calls. The function is called with no
-  /// lock held; one that is being called may still run when this returns.
+  /// Sets a function that the thread calls while the connection is idle, with fewer than 4 open commands. The
+  /// first call follows @p seconds after the link came up, each further call @p seconds after the last. The
+  /// thread tests this about once a second. An empty function ends the calls. No lock is held during a call,
+  /// and a call may still be running when this returns.
   void set_idle_function (uint32_t seconds, AFunction<void ()> function);
 
-  /// For `ARef`: when the last reference falls on the connection's own thread, takes over the destruction.
+  /// For `ARef`: takes over the destruction when the last reference is dropped on the connection's own
+  /// thread.
   bool defer_destruction (void (*destroy) (void *), void *holder) noexcept;
 
 protected:
-  /// Called on the thread when the link has come up, before anything is received. Must not wait for a reply.
+  /// Called on the thread when the link is up, before anything is received. It must not wait for a reply.
   virtual void on_connected () {}
-  /// Called on the thread when the link has gone and all commands have failed. What it throws is lost.
+  /// Called on the thread when the link is lost and all commands have failed. Exceptions are ignored.
   virtual void on_disconnected () {}
 
   /// Sends all bytes of a document on one link. When the link is lost, the rest of the document must not
@@ -95,7 +97,7 @@ protected:
   /// The present link, null when there is none.
   std::shared_ptr<Link> current_link () noexcept;
 
-  /// Gives bytes to the system. Tests override it to have a send fail or fall short.
+  /// Passes bytes to the system. Tests override it to simulate a failed or short send.
   /// @return the number of bytes taken, below 1 after a failure
   virtual int64_t transmit (platform::SocketHandle socket, const void *data, uint64_t length);
 
@@ -106,9 +108,9 @@ protected:
   bool stop_requested () const { return stop_requested_; }
   bool is_ending () const override { return stop_requested_; }
 
-  /// Ends the thread and waits until it has left; wakes it from whatever it waits in. Commands that are open
-  /// are left alone, later ones fail. Any number of times; on the connection's own thread it does not wait,
-  /// and neither for a thread that the system has ended with the process.
+  /// Ends the thread and waits until it has left. It interrupts all waits of the thread. Open commands are
+  /// dropped without a callback, later ones fail. It may be called again. It does not wait on the
+  /// connection's own thread, nor for a thread that the system has ended with the process.
   void stop_and_join () noexcept;
 
 private:
@@ -145,7 +147,7 @@ private:
   AFunction<void ()> idle_function_ KELVANE_GUARDED_BY (idle_lock_);
   int64_t last_idle_time_ = 0; ///< seconds since 1970; the thread's own
 
-  // Set on the thread when the last reference falls there.
+  // Set when the last reference is dropped on the thread itself.
   void (*destroy_) (void *) = nullptr;
   void *holder_ = nullptr;
 };

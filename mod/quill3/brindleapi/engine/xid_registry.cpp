@@ -1,6 +1,5 @@
 #include "engine/xid_registry.h"
 
-#include "base/atomic_unsigned.h"
 #include "platform/threads.h"
 
 #include <new>
@@ -9,7 +8,7 @@ namespace QUILL3 {
 
 namespace {
 
-// Made with the first registry, because failing must not have to allocate.
+// Built with the first registry, because a failure must not allocate.
 const AString &failure_text () {
   static const AString &text = *new AString ("Failing all outstanding commands");
   return text;
@@ -21,8 +20,8 @@ const AString &untracked_prefix () {
 }
 
 uint32_t next_number () {
-  static atomic_unsigned &counter = *new atomic_unsigned;
-  return ++counter;
+  static constinit std::atomic<uint32_t> last{0};
+  return ++last;
 }
 
 constexpr uint32_t code_general = 0;
@@ -83,7 +82,7 @@ AString XIDRegistry::free_number () {
   AMutexScope hold (lock_);
   for (;;) {
     AString xid = AString::from_uint32 (next_number ());
-    if (place_of (xid).table == nullptr)
+    if (locate (xid).table == nullptr)
       return xid;
   }
 }
@@ -97,20 +96,20 @@ void XIDRegistry::enter (const Shared &entry) {
   (run != nullptr ? run->taken : entries_).emplace (entry->xid_, entry);
 }
 
-XIDRegistry::Place XIDRegistry::place_of (const AString &xid) noexcept {
-  Place place{&entries_, entries_.find (xid)};
-  for (Run *run = runs_; place.at == place.table->end (); run = run->next) {
+XIDRegistry::Location XIDRegistry::locate (const AString &xid) noexcept {
+  Location found{&entries_, entries_.find (xid)};
+  for (Run *run = runs_; found.entry == found.table->end (); run = run->next) {
     if (run == nullptr)
       return {nullptr, {}};
-    place = {&run->taken, run->taken.find (xid)};
+    found = {&run->taken, run->taken.find (xid)};
   }
-  return place;
+  return found;
 }
 
 XIDRegistry::Shared XIDRegistry::find_entry (const AString &xid) {
   AMutexScope hold (lock_);
-  Place place = place_of (xid);
-  return place.table != nullptr ? place.at->second : nullptr;
+  Location found = locate (xid);
+  return found.table != nullptr ? found.entry->second : nullptr;
 }
 
 uint32_t XIDRegistry::outstanding_count () {
@@ -123,9 +122,9 @@ uint32_t XIDRegistry::outstanding_count () {
 
 void XIDRegistry::remove_entry (const Shared &entry) noexcept {
   AMutexScope hold (lock_);
-  Place place = place_of (entry->xid_);
-  if (place.table != nullptr && place.at->second == entry)
-    place.table->erase (place.at);
+  Location found = locate (entry->xid_);
+  if (found.table != nullptr && found.entry->second == entry)
+    found.table->erase (found.entry);
 }
 
 bool XIDRegistry::cancel (const AString &xid) {
@@ -136,21 +135,21 @@ bool XIDRegistry::cancel (const AString &xid) {
   return true;
 }
 
-void XIDRegistry::tell (const Shared &entry) noexcept {
+void XIDRegistry::run_error (const Shared &entry) noexcept {
   try {
     entry->error.run (failure_text (), code_general);
-  } catch (...) { // it has been told; what it does with that is its own affair
+  } catch (...) { // the command has failed all the same
   }
 }
 
 void XIDRegistry::end_item (const Shared &entry) noexcept {
   if (entry->end_item ())
-    tell (entry);
+    run_error (entry);
 }
 
 void XIDRegistry::fail (const Shared &entry) noexcept {
   if (entry->claim_failure () == XIDRegistryEntry::Failure::now)
-    tell (entry);
+    run_error (entry);
   remove_entry (entry);
 }
 
@@ -170,7 +169,7 @@ XIDRegistry::Run *XIDRegistry::run_of_this_thread () noexcept {
   return run;
 }
 
-bool XIDRegistry::begin (Run &run) noexcept {
+bool XIDRegistry::begin_run (Run &run) noexcept {
   AMutexScope hold (lock_);
   if (run_of_this_thread () != nullptr)
     return false;
@@ -181,7 +180,7 @@ bool XIDRegistry::begin (Run &run) noexcept {
 }
 
 // C102: doc/compatibility.md
-XIDRegistry::Shared XIDRegistry::next_of (Run &run) noexcept {
+XIDRegistry::Shared XIDRegistry::next_to_fail (Run &run) noexcept {
   AMutexScope hold (lock_);
   if (!run.taken.empty ())
     return run.taken.begin ()->second;
@@ -194,9 +193,9 @@ XIDRegistry::Shared XIDRegistry::next_of (Run &run) noexcept {
 
 void XIDRegistry::fail_all () noexcept {
   Run run{platform::thread_number ()};
-  if (!begin (run))
+  if (!begin_run (run))
     return;
-  while (Shared entry = next_of (run))
+  while (Shared entry = next_to_fail (run))
     fail (entry);
 }
 

@@ -18,44 +18,46 @@ enum class Entry {
   Stays ///< more replies may come
 };
 
-/// One open command: its callbacks and who may still run them. It is shared between the table and whoever is
-/// ending it, and ended by exactly one of them. Threads: the callbacks are set before the entry enters the
-/// table and never change after that; everything else is atomic.
+/// One open command: its callbacks and its state. Several threads may try to end it, and exactly one of them
+/// does. Threads: the callbacks are set before the entry enters the table and do not change afterwards. The
+/// rest is atomic.
 class XIDRegistryEntry {
 public:
-  // One slot for each kind of reply, named as the reply; empty where nobody waits for it.
+  // One callback for each kind of reply, with the name of the reply. It is empty when the sender does not
+  // want that reply.
 #define REPLY(name, ...) callback::name name{};
 #include "engine/bodies.inc"
 
-  /// Whether any slot is set.
+  /// Whether any callback is set.
   bool is_awaited () const;
 
-  /// Whether somebody has taken the right to end this command.
+  /// Whether a thread has claimed the right to end this command.
   bool has_ended () const {
     return (state_ & ended) != 0;
   }
 
-  /// Takes the right to end this command. @return true to exactly one caller.
+  /// Claims the right to end this command. @return true to exactly one caller.
   bool claim ();
 
-  /// How the right to fail a command was taken.
+  /// How the right to fail a command was claimed.
   enum class Failure {
-    refused, ///< the command is being ended by somebody else, or has ended
-    now,     ///< the caller tells the failure
-    later    ///< a callback is running; its thread tells the failure when it has returned
+    refused, ///< another thread ends the command or has ended it
+    now,     ///< the caller runs the error callback
+    later    ///< a callback is running; its thread runs the error callback after it
   };
   /// `claim` for a failure, which must not overtake a callback that is running.
   Failure claim_failure ();
 
-  /// Before a callback that leaves the command open. @return false when the command has ended.
+  /// Called before a callback that leaves the command open. @return false when the command has ended.
   bool begin_item ();
-  /// After such a callback. @return true when the caller has to tell a failure that came meanwhile.
+  /// Called after such a callback. @return true when the command has failed meanwhile; the caller then runs
+  /// the error callback.
   bool end_item ();
 
 private:
   friend class XIDRegistry;
 
-  // The number of callbacks in progress that leave the command open, and these two marks.
+  // The state is the number of running callbacks that leave the command open, and two marks.
   static constexpr uint32_t ended = 0x80000000;
   static constexpr uint32_t failed_meanwhile = 0x40000000;
   static constexpr uint32_t running = 0x3FFFFFFF;
@@ -72,22 +74,22 @@ public:
   XIDRegistry ();
   XIDRegistry (const XIDRegistry &) = delete;
   XIDRegistry &operator= (const XIDRegistry &) = delete;
-  /// Lets go of all commands without a word.
+  /// Drops all commands without a callback.
   ~XIDRegistry () = default;
 
-  /// Opens a command whose slots are set, under the next free identifier of the process.
-  /// @return the identifier for the document. When no slot is set nobody can be waiting: the command is not
-  /// entered, and its identifier has `none` in front, which no entry ever has.
+  /// Opens a command under the next free identifier of the process.
+  /// @return the identifier for the document. When no callback is set, the command is not entered, and its
+  /// identifier begins with `none`.
   AString issue_id (const Shared &entry);
 
   /// @return the open command of that identifier, or null.
   Shared find_entry (const AString &xid);
-  /// Number of open commands. One counts until its last callback has returned, unless a failure meets that
-  /// callback: then it leaves at once.
+  /// Number of open commands. A command counts until its last callback has returned. When `fail_all` runs
+  /// during that callback, it stops counting at once.
   uint32_t outstanding_count ();
 
-  /// Hands a reply to the slot of the command that it answers. Nothing happens when that command is not open
-  /// or did not ask for this kind, except that a reply which ends commands ends it.
+  /// Passes a reply to its callback. Nothing happens when the command is not open. When the callback is
+  /// empty, a reply that closes commands still closes this one.
   // C103: doc/compatibility.md
   template <class... Values>
   void fire (const AString &xid, Entry effect, AFunction<void (Values...)> XIDRegistryEntry::*slot,
@@ -99,33 +101,35 @@ public:
     (entry.get ()->*slot).run (std::move (values)...);
   }
 
-  /// Ends a command without a callback; one that is running goes on. @return false when it was not open.
+  /// Ends a command without a callback. A callback that is running continues. @return false when the command
+  /// was not open.
   bool cancel (const AString &xid);
-  /// Takes a command back. @return true: nobody has been told or will be. false: it is being ended elsewhere,
-  /// or the thread that runs a callback of it tells the failure behind that.
+  /// Takes a command back after it could not be sent. @return true when no callback has ended it or will.
+  /// false when another thread ends it, or runs a callback of it and then its error callback.
   bool withdraw (const Shared &entry) noexcept;
-  /// Fails one command as `fail_all` does, unless somebody else ends it.
+  /// Fails one command as `fail_all` does, unless another thread ends it.
   void fail (const Shared &entry) noexcept;
-  /// Fails all open commands in text order of their identifiers, and those that their callbacks open on this
-  /// thread; called by such a callback, leaves them to the run that it belongs to. What other threads open
-  /// meanwhile stays open: so a run ends however busy they are. What another thread's run has taken is left
-  /// to that one.
+  /// Fails all open commands in text order of their identifiers. Commands that the callbacks open on this
+  /// thread fail too. A callback that calls this returns at once, because the running call fails what is
+  /// left. Commands that other threads open meanwhile stay open, so that a run always ends. Commands that the
+  /// run of another thread has taken are left to it.
   void fail_all () noexcept;
 
 private:
   using Table = std::map<AString, Shared>;
-  /// One `fail_all` in progress, on the stack of its thread, and what it still has to fail.
+  /// One `fail_all` in progress, on the stack of its thread, with the commands that it still has to fail.
   struct Run {
     const uint32_t thread;
     Table taken{};
     Run *next = nullptr;
   };
-  struct Place {
+  /// Where an entry is, with a null table when it is nowhere.
+  struct Location {
     Table *table;
-    Table::iterator at;
+    Table::iterator entry;
   };
 
-  // Behind a reply's callback, whatever way it was left.
+  // Ends a reply's callback, also when it has thrown.
   struct Finish {
     XIDRegistry &registry;
     const Shared &entry;
@@ -142,17 +146,17 @@ private:
   void enter (const Shared &entry);
   void remove_entry (const Shared &entry) noexcept;
   void end_item (const Shared &entry) noexcept;
-  Place place_of (const AString &xid) noexcept KELVANE_REQUIRES (lock_);
+  Location locate (const AString &xid) noexcept KELVANE_REQUIRES (lock_);
   Run *run_of_this_thread () noexcept KELVANE_REQUIRES (lock_);
-  // Takes all that is open into the run. False when this thread is in a run already, which goes on with it.
-  bool begin (Run &run) noexcept;
-  // The next to fail. Null when none is left: the run is over then, under the same hold of the lock, so that
-  // nothing is entered into it behind that.
-  Shared next_of (Run &run) noexcept;
-  static void tell (const Shared &entry) noexcept;
+  // Moves all open commands into the run. False when this thread has a run already, which then fails them.
+  bool begin_run (Run &run) noexcept;
+  // The next command to fail. Null when none is left. The run then ends under the same lock, so that no
+  // command is entered into it afterwards.
+  Shared next_to_fail (Run &run) noexcept;
+  static void run_error (const Shared &entry) noexcept;
 
   AMutex lock_;                                    ///< recursive
-  Table entries_ KELVANE_GUARDED_BY (lock_);       ///< open, but for those that a run has taken
+  Table entries_ KELVANE_GUARDED_BY (lock_);       ///< the open commands that no run has taken
   Run *runs_ KELVANE_GUARDED_BY (lock_) = nullptr; ///< one for each thread that is failing commands
 };
 

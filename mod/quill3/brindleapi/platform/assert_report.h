@@ -2,12 +2,12 @@
 
 namespace platform {
 
-/// Tells a failed assertion the way this platform does, whatever NDEBUG says: through the C runtime's
-/// wide-character reporter on Windows, elsewhere on standard error; then ends the process. Where the runtime
-/// lets its user ignore the report, the function returns. Any thread.
+/// Reports a failed assertion as this platform does, also with NDEBUG, and ends the process. On Windows the
+/// report is that of the C runtime for wide characters, elsewhere it is a line on standard error. The
+/// function returns where the runtime lets its user ignore the report. Any thread.
 void report_assertion (const char *expression, const char *file, unsigned line);
 
-/// The same text on standard error, and no more.
+/// Writes the same text to standard error and returns.
 void print_assertion (const char *expression, const char *file, unsigned line);
 
 } // namespace platform

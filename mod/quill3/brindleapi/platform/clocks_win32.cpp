@@ -12,6 +12,6 @@ int64_t platform::steady_milliseconds () noexcept {
   LARGE_INTEGER now;
   QueryPerformanceFrequency (&rate);
   QueryPerformanceCounter (&now);
-  // In two parts: a product of the whole count would overflow after some weeks on fast counters.
+  // In two parts, because the product of the whole count would overflow after some weeks on fast counters.
   return now.QuadPart / rate.QuadPart * 1000 + now.QuadPart % rate.QuadPart * 1000 / rate.QuadPart;
 }

@@ -45,7 +45,7 @@ timespec steady_time_after (unsigned milliseconds) {
   return end;
 }
 
-// The caller holds the lock. An error of the condition other than the time-out ends the wait as well.
+// The caller holds the lock. Any error of the condition but a time-out ends the wait as failed.
 platform::Wait wait_for_count (Semaphore &semaphore, unsigned milliseconds) {
   timespec end = milliseconds == platform::infinite ? timespec{} : steady_time_after (milliseconds);
   while (semaphore.count == 0) {
@@ -100,8 +100,8 @@ platform::Wait platform::semaphore_wait (SemaphoreHandle handle, unsigned millis
   return result;
 }
 
-// The condition is raised with the lock held: a waiter that closes the semaphore as soon as it has its count
-// must not meet a poster that still touches it.
+// The condition is signalled with the lock held. A waiter may close the semaphore as soon as it has its
+// count, and no poster may then still use it.
 platform::Post platform::semaphore_post (SemaphoreHandle handle, unsigned count) noexcept {
   if (handle == nullptr || count == 0 || pthread_mutex_lock (&of (handle)->lock) != 0)
     return Post::failed;
@@ -143,8 +143,8 @@ void platform::mutex_close (MutexHandle handle) noexcept {
   delete of (handle);
 }
 
-// A mutex whose owner ended is put right and given back: the caller is told that it holds nothing, and the
-// next one must not wait for it.
+// A mutex whose owner has ended is repaired and unlocked. This call returns false, and the next one must not
+// wait for it.
 bool platform::mutex_lock (MutexHandle handle) noexcept {
   if (handle == nullptr)
     return false;

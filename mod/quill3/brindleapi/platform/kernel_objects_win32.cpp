@@ -23,7 +23,8 @@ void platform::semaphore_close (SemaphoreHandle handle) noexcept {
     CloseHandle (of (handle));
 }
 
-// Alertable: completion routines queued for the waiting thread run here, and each begins the wait anew.
+// The wait is alertable. Completion routines of the waiting thread run here, and after each the wait starts
+// again.
 platform::Wait platform::semaphore_wait (SemaphoreHandle handle, unsigned milliseconds) noexcept {
   DWORD result = 0;
   do
@@ -55,8 +56,7 @@ void platform::mutex_close (MutexHandle handle) noexcept {
     CloseHandle (of (handle));
 }
 
-// A mutex whose owner ended is given back: the caller is told that it holds nothing, and the next one must
-// not wait for it.
+// A mutex whose owner has ended is unlocked. This call returns false, and the next one must not wait for it.
 bool platform::mutex_lock (MutexHandle handle) noexcept {
   if (handle == nullptr)
     return false;

@@ -38,8 +38,8 @@ sockaddr_in ipv4 (uint32_t address, uint16_t port) {
   return a;
 }
 
-// A datagram socket that is connected to itself: a byte sent through it makes it readable, and nobody else's
-// counts.
+// A datagram socket that is connected to itself. A byte that it sends makes it readable, and it takes bytes
+// from no other sender.
 SocketHandle open_wake_socket () {
   SocketHandle handle = open (SOCK_DGRAM, IPPROTO_UDP);
   if (handle == platform::no_socket)
@@ -154,7 +154,7 @@ int64_t platform::socket_send (SocketHandle socket, const void *data, size_t len
   return static_cast<int64_t> (length);
 }
 
-// A shutdown alone fails later calls but leaves one that waits already; cancelling ends that one.
+// The shutdown makes later calls fail. A call that waits already ends only when it is cancelled.
 void platform::socket_shutdown (SocketHandle socket) noexcept {
   (void)shutdown (socket_of (socket), SD_BOTH);
   (void)CancelIoEx (reinterpret_cast<HANDLE> (socket), nullptr);

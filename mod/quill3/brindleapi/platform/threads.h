@@ -5,11 +5,11 @@
 
 namespace platform {
 
-/// What a connection thread gets of stack, in bytes.
+/// The stack of a connection thread, in bytes.
 inline constexpr unsigned small_stack = 65536;
 
-/// A thread that was started, to see whether it has been ended from outside: on Windows the end of the
-/// process ends all threads but one wherever they are, and that one must not wait for them.
+/// A thread that was started. It shows whether the system has ended the thread: at the end of a process,
+/// Windows ends all threads but one, wherever they are, and that one must not wait for the others.
 class ThreadHandle {
 public:
   ThreadHandle () noexcept = default;
@@ -19,11 +19,11 @@ public:
     std::swap (handle_, other.handle_);
     return *this;
   }
-  /// The thread goes on.
+  /// The thread continues.
   ~ThreadHandle ();
 
-  /// True once the thread is surely gone. Only Windows can tell: elsewhere, and without a thread, always
-  /// false.
+  /// True when the thread has certainly ended. Only Windows knows. Elsewhere, and without a thread, it is
+  /// always false.
   bool was_ended () const noexcept;
 
 private:
@@ -36,12 +36,12 @@ private:
 /// module that holds this code in the process.
 /// @param started receives the thread on Windows; may be null. It is written after the thread may have begun
 ///   to run, so the thread itself must not look at it.
-/// @return false when no thread could be had. Any thread may call.
+/// @return false when the system has no thread left. Any thread may call.
 bool thread_start (void (*run) (void *argument), void *argument, unsigned stack_bytes = small_stack,
                    ThreadHandle *started = nullptr) noexcept;
 
-/// Calls @p call with @p argument while all signals are blocked in the calling thread. A thread that is made
-/// meanwhile inherits that. What @p call throws is passed on.
+/// Calls @p call with @p argument while all signals are blocked in the calling thread. A thread that is
+/// started meanwhile inherits that. Exceptions of @p call are passed on.
 void call_with_signals_blocked (void (*call) (void *argument), void *argument);
 
 /// Sets the priority of the calling thread relative to normal, -1 being just below normal, +1 just above. A
@@ -51,8 +51,7 @@ void thread_set_priority (int priority) noexcept;
 /// The system's number of the calling thread. Not given to another thread while this one lives.
 uint32_t thread_number () noexcept;
 
-/// Lets the calling thread rest for at least @p milliseconds of the steady clock; signals do not shorten
-/// that.
+/// Sleeps for at least @p milliseconds of the steady clock. Signals do not shorten that.
 void sleep_milliseconds (unsigned milliseconds) noexcept;
 
 /// Offers the processor to other threads.

@@ -56,7 +56,7 @@ bool create_detached (size_t stack_bytes, Start *start) {
   return ok;
 }
 
-// Some hosts carry so much thread-local data that a small stack is refused.
+// The system refuses a small stack when the host has much thread-local data.
 bool create_with_stack_at_least (size_t stack_bytes, Start *start) {
   while (!create_detached (stack_bytes, start)) {
     if (stack_bytes >= largest_stack)
@@ -83,7 +83,8 @@ bool platform::thread_start (void (*run) (void *), void *argument, unsigned stac
   size_t stack = stack_bytes;
   if ((under_address_sanitizer || under_thread_sanitizer) && stack < sanitizer_stack)
     stack = sanitizer_stack;
-  // A thread inherits its maker's mask, so that not even its first instruction can be interrupted.
+  // A thread inherits the mask of the thread that starts it. So not even its first instruction can be
+  // interrupted.
   SignalBlock block;
   if (create_with_stack_at_least (stack, start))
     return true;
@@ -96,7 +97,7 @@ void platform::call_with_signals_blocked (void (*call) (void *), void *argument)
   call (argument);
 }
 
-// Linux keeps a nice value for each thread; a thread that may not raise its own stays as it is.
+// Linux has a nice value for each thread. A thread that may not lower its own keeps it.
 void platform::thread_set_priority (int priority) noexcept {
   id_t self = static_cast<id_t> (gettid ());
   errno = 0;

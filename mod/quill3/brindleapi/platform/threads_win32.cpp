@@ -20,7 +20,7 @@ unsigned __stdcall thread_main (void *given) {
   return 0;
 }
 
-// A thread that still runs while its code is unloaded takes the process with it.
+// The process crashes when code is unloaded while a thread still runs it.
 bool pin_this_module () {
   HMODULE module = nullptr;
   auto *inside = reinterpret_cast<LPCWSTR> (reinterpret_cast<uintptr_t> (&thread_main));
@@ -39,8 +39,7 @@ bool platform::ThreadHandle::was_ended () const noexcept {
   return handle_ != nullptr && WaitForSingleObject (handle_, 0) == WAIT_OBJECT_0;
 }
 
-// Not _beginthread: the handle that it gives is gone when the thread ends, which may be before it is looked
-// at.
+// Not _beginthread, because its handle becomes invalid when the thread ends, which may be before it is used.
 bool platform::thread_start (void (*run) (void *), void *argument, unsigned stack_bytes,
                              ThreadHandle *started) noexcept {
   [[maybe_unused]] static const bool pinned = pin_this_module ();
@@ -61,7 +60,7 @@ bool platform::thread_start (void (*run) (void *), void *argument, unsigned stac
   return true;
 }
 
-// There are no signals here that a thread could be interrupted by.
+// Windows has no signals that interrupt a thread.
 void platform::call_with_signals_blocked (void (*call) (void *), void *argument) {
   call (argument);
 }

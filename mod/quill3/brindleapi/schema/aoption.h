@@ -2,8 +2,8 @@
 
 #include <utility>
 
-/// A value that may be absent. Default: absent. Assigning a value makes it present; what an absent one holds
-/// never matters. A plain value: one thread at a time.
+/// A value that may be absent. It is absent at first. Assigning a value makes it present. One thread at a
+/// time.
 template <class T>
 struct AOption {
   bool present{}; ///< whether `value` counts
@@ -13,7 +13,7 @@ struct AOption {
   /// Present, with @p given.
   AOption (T given) : present (true), value (std::move (given)) {}
 
-  /// Makes it absent. The value stays behind, unseen.
+  /// Makes it absent. The value stays in memory but is not used.
   void clear () { present = false; }
   /// The value, or @p fallback when it is absent.
   T value_or (T fallback) const { return present ? value : fallback; }

@@ -4,7 +4,7 @@
 
 #include <type_traits>
 
-/// What tags.inc says of a tag, for the engine that reads and writes values by it.
+/// What tags.inc says of a tag, for the functions that read and write values.
 namespace QUILL3 {
 
 /// The ways of writing and reading a value.
@@ -24,7 +24,7 @@ enum class Kind : uint8_t {
   list
 };
 
-/// A list without limit, for code that does not know its elements.
+/// Access to a std::list, for code that does not know the type of its elements.
 struct ListAccess {
   void (*clear) (void *list);
   void *(*append) (void *list); ///< a new element at the end

@@ -6,9 +6,9 @@
 #include <cstdint>
 #include <string_view>
 
-/// The closed sets of values of the protocol: small numbers in memory, fixed spellings on the wire. The
-/// numbers of each run from 0 without a gap, in the order of enumerations.inc. All tables are built when the
-/// library is loaded and never destroyed; any thread may read them.
+/// The enumerations of the protocol: small numbers in memory, fixed spellings on the wire. The numbers of
+/// each begin at 0 and follow the order of enumerations.inc. All tables are built when the library is loaded
+/// and never destroyed. Any thread may read them.
 namespace QUILL3 {
 
 /// Names the tables.
@@ -32,11 +32,9 @@ bool number_of_spelling (Enumeration which, std::string_view spelling, uint32_t 
 /// @return whether @p value has a spelling in @p which.
 bool is_valid (Enumeration which, uint32_t value);
 
-/// For each enumeration E:
-/// `E_to_string (value)`: the spelling, or the empty text for a number that has none.
-/// `E_from_string (text, value)`: false if @p text is no spelling, and @p value stays as it was; a null
-/// pointer only tests. Spellings are case-sensitive.
-/// `E_is_valid (value)`: whether the number has a spelling.
+/// For each enumeration E: `E_to_string (value)`: the spelling, or the empty text for a number that has none.
+/// `E_from_string (text, value)`: false if @p text is no spelling, and @p value is then unchanged; it may be
+/// null. Spellings are case-sensitive. `E_is_valid (value)`: whether the number has a spelling.
 #define ENUMERATION(name, ...)                                                                               \
   AString name##_to_string (uint32_t value);                                                                 \
   bool name##_from_string (const AString &text, uint32_t *value);                                            \

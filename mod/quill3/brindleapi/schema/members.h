@@ -6,8 +6,8 @@
 
 namespace QUILL3 {
 
-/// The number of a spelling, told when it is compiled: `member (Enumeration::TrackType, "audio")` is 2. A
-/// spelling that the enumeration lacks does not compile.
+/// The number of a spelling, computed at compile time: `member (Enumeration::TrackType, "audio")` is 2. An
+/// unknown spelling does not compile.
 consteval uint32_t member (Enumeration which, std::string_view spelling) {
   const auto place = [spelling] (auto... spellings) {
     const std::string_view all[] = {spellings...};

@@ -7,24 +7,24 @@
 
 #include <cstdint>
 
-/// How single values become elements and elements become values again, for callers that have a tag's name as
-/// data. Everything that can fail gives false and, if its `err` is not null, a text there; on success `err`
-/// is left alone. Free functions on values; any thread.
+/// Writing single values as elements and reading them, for callers that have a tag's name as data. A function
+/// that fails returns false and stores a text in `err`, unless that is null. On success `err` is unchanged.
+/// Any thread.
 namespace QUILL3 {
 
-/// Finds the one element called @p name: @p tree itself if it bears the name, else its only direct child of
-/// that name. None and more than one are failures.
+/// Finds the one element called @p name: @p tree itself if it has that name, else its only direct child of
+/// that name. No child and more than one child are failures.
 /// @param out receives the element; may be null
 bool find_one (const XMLTree &tree, const AString &name, XMLTree *out, AString *err);
 
 /// Always false; the text says that within @p element there is no @p name, or that there are several.
 bool not_one (uint32_t count, const AString &name, const AString &element, AString *err);
-/// Always false; the text says that the element holds the invalid @p value.
+/// Always false; the text is that the element holds the invalid @p value.
 bool invalid_value (const AString &element, const AString &value, AString *err);
 inline bool invalid_value (const XMLTree &tree, const AString &value, AString *err) {
   return invalid_value (tree.name (), value, err);
 }
-/// Always false; the text says that the element holds a @p value that is no @p type_name.
+/// Always false; the text is that the element holds a @p value that is no @p type_name.
 bool invalid_typed_value (const AString &element, const AString &type_name, const AString &value,
                           AString *err);
 inline bool invalid_typed_value (const XMLTree &tree, const AString &type_name, const AString &value,

@@ -60,18 +60,18 @@ constexpr Rows rows_of (const S *) {
   return {FieldsOf<S>::fields, std::size (FieldsOf<S>::fields) - 1, sizeof (S)};
 }
 
-/// The elements of all members of a struct, in the order of the rows: what is present of optional ones, and
-/// flags that are set.
+/// The elements of the members of a struct, in the order of the rows. Absent members and flags that are not
+/// set have none.
 XMLTree::List write_fields (const Rows &rows, const void *from);
-/// Reads a struct by the rule of records: first the required members in order, then which of the optional
-/// ones are there, then those. The first failure ends it: a required one that is missing, or any that is
-/// doubled or bad. Unknown children are passed over.
+/// Reads a struct by the rule of records: first the required members in order, then the optional ones that
+/// exist. The first failure ends it: a required member that is missing, or any member that is doubled or bad.
+/// Unknown children are ignored.
 /// @param element its children are the members; the table of its names begins with those of the tags
-/// @param err may be null; gets the text of the failure
+/// @param err may be null; receives the text of the failure
 bool read_record (const XMLElement &element, const Rows &rows, void *to, AString *err);
 bool read_record (const XMLTree &tree, const Rows &rows, void *to, AString *err);
-/// Reads a struct by the rule of message bodies: members in order, required ones as above; an optional one
-/// that is missing, doubled or bad is simply absent.
+/// Reads a struct by the rule of message bodies: all members in order. Required members are read as above. An
+/// optional member that is missing, doubled or bad is absent.
 bool read_body (const XMLElement &element, const Rows &rows, void *to, AString *err);
 bool read_body (const XMLTree &tree, const Rows &rows, void *to, AString *err);
 

@@ -7,9 +7,9 @@
 
 namespace QUILL3 {
 
-/// A set of values of one enumeration with room for @p Capacity, in order of insertion. A plain value of
-/// `4 + 4 * Capacity` bytes. What was read from the wire may hold a member twice, and a caller that writes
-/// the fields himself can make a set invalid; every operation takes that into account.
+/// A set of values of one enumeration with room for @p Capacity, in order of insertion. A plain value of `4 +
+/// 4 * Capacity` bytes. A set that was received may hold a value twice, and a caller that writes the members
+/// directly can make a set invalid. Every operation handles both.
 template <Enumeration Of, uint32_t Capacity>
 struct EnumSet {
   static constexpr uint32_t capacity = Capacity;
@@ -30,8 +30,7 @@ struct EnumSet {
       add (tbl[i]);
   }
 
-  /// Puts @p value at the end unless it is a member already. A full set is an assertion failure and stays as
-  /// it is.
+  /// Adds @p value at the end unless the set has it already. A full set fails an assertion and is unchanged.
   void add (uint32_t value) {
     if (contains (value))
       return;
@@ -40,7 +39,7 @@ struct EnumSet {
     else
       KELVANE_ASSERT_VALUE (count < Capacity);
   }
-  /// Takes out every occurrence of @p value; the others close up in order.
+  /// Removes every occurrence of @p value. The others keep their order.
   void remove (uint32_t value) {
     uint32_t *const last = vec + used ();
     uint32_t *to = vec;
@@ -65,8 +64,8 @@ struct EnumSet {
         return false;
     return true;
   }
-  /// Two invalid sets are equal, a valid and an invalid one are not. Of valid ones the order counts: the
-  /// members are compared position by position.
+  /// Two invalid sets are equal, a valid and an invalid one are not. Valid sets are compared position by
+  /// position, so their order counts.
   // C94: doc/compatibility.md
   bool operator== (const EnumSet &other) const {
     const bool valid = is_valid ();
@@ -95,14 +94,14 @@ struct FixedVector {
   uint32_t count{};
   T vec[Capacity]{};
 
-  /// Puts @p value at the end. A full vector is an assertion failure and stays as it is.
+  /// Adds @p value at the end. A full vector fails an assertion and is unchanged.
   void add (const T &value) {
     if (count < Capacity)
       vec[count++] = value;
     else
       KELVANE_ASSERT_VALUE (count < Capacity);
   }
-  /// The counts, then the elements up to them; what lies behind never matters.
+  /// Compares the counts, then the elements up to them. Elements behind the count are ignored.
   bool operator== (const FixedVector &other) const {
     if (count != other.count)
       return false;

@@ -8,8 +8,8 @@
 #include <cstdint>
 #include <list>
 
-/// The tags of the protocol: elements with a fixed name and a fixed type of value. tags.inc says each of them
-/// once; everything else about a tag follows from its line there.
+/// The tags of the protocol: elements with a fixed name and a fixed type of value. tags.inc lists them, and
+/// everything about a tag follows from its line there.
 namespace QUILL3 {
 
 /// Names the tags.
@@ -66,8 +66,8 @@ namespace tag_type {
 #include "schema/tags.inc"
 } // namespace tag_type
 
-/// The names of all tags, `tag_count` of them, one constant text each: comparing with it is comparing with
-/// the same object. Built when the library is loaded, never destroyed; any thread.
+/// The names of all tags, `tag_count` of them. There is one constant text for each, so most comparisons find
+/// the same object on both sides. They are built when the library is loaded and never destroyed. Any thread.
 const AString *tag_names ();
 /// The name of @p tag.
 inline const AString &tag_name (Tag tag) {
@@ -87,8 +87,8 @@ const AString &word_false ();
 /// The element of @p tag holding the value at @p value, which is of the tag's type in memory.
 XMLTree make_value (Tag tag, const void *value);
 /// Finds @p tag in @p tree, which may be the tag itself or its parent, and reads it.
-/// @param value where to, of the tag's type in memory. After a failure it holds anything.
-/// @param err may be null; gets the text of a failure, and is left alone on success.
+/// @param value receives the value, of the tag's type in memory. After a failure it is undefined.
+/// @param err may be null; receives the text of a failure, and is unchanged on success.
 /// @return false if the tag is missing, doubled or bad. A flag never fails: it is set if @p tree has the
 /// child.
 bool get_value (const XMLElement &element, Tag tag, void *value, AString *err);
