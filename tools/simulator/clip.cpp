@@ -1,9 +1,12 @@
 #include "clip.h"
 
+#include "message_limits.h"
 #include "words.h"
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <set>
+#include <string_view>
 
 namespace sim {
 
@@ -115,9 +118,13 @@ void change_frame0 (Clip &clip, const Arguments &frame0) {
     clip.frame0_drop = frame0.text ("DropFrameFlag") == "df";
 }
 
+constexpr std::size_t most_pairs = 1000; // more than a message holds
+
 void set_pair (Clip &clip, const std::string &key, const std::string &value) {
   if (key.empty ())
     throw Refusal ("A key is empty");
+  if (clip.metadata.size () >= most_pairs)
+    throw Refusal (fmt::format ("A clip has {} pairs of metadata at most", most_pairs));
   for (auto &[known, old] : clip.metadata)
     if (known == key) {
       old = value;
@@ -126,13 +133,19 @@ void set_pair (Clip &clip, const std::string &key, const std::string &value) {
   clip.metadata.emplace_back (key, value);
 }
 
+void erase_keys (Clip &clip, const std::vector<Element> &keys) {
+  std::set<std::string_view> wanted;
+  for (const Element &key : keys)
+    wanted.insert (key.text);
+  std::erase_if (clip.metadata, [&] (const auto &pair) { return wanted.contains (pair.first); });
+}
+
 void change_metadata (Clip &clip, const Arguments &change) {
   if (change.has ("MetadataList"))
     for (const Element &pair : change.list ("MetadataList"))
       set_pair (clip, pair.child ("Key")->text, pair.child ("Value")->text);
   if (change.has ("KeyList"))
-    for (const Element &key : change.list ("KeyList"))
-      std::erase_if (clip.metadata, [&] (const auto &pair) { return pair.first == key.text; });
+    erase_keys (clip, change.list ("KeyList"));
 }
 
 void change_tracks (Clip &clip, const Arguments &change) {
@@ -174,6 +187,14 @@ void write_clip_info (Writer &out, const Clip &clip) {
   out.close ("ClipInfo");
 }
 
+// Lengths and stamps are written with more digits later.
+void check_clip_size (const Clip &clip) {
+  constexpr std::size_t room_for_numbers = 300;
+  Writer out;
+  write_clip_info (out, clip);
+  check_size ("What is known of the clip", out.result ().size () + room_for_numbers);
+}
+
 void change_clip (Clip &clip, const Arguments &change) {
   set_text (clip.id8, change, "ID8");
   set_text (clip.title, change, "Title");
@@ -194,6 +215,7 @@ void change_clip (Clip &clip, const Arguments &change) {
   change_tracks (clip, change);
   if (change.has ("Frame0Timecode"))
     change_frame0 (clip, change.record ("Frame0Timecode"));
+  check_clip_size (clip);
 }
 
 } // namespace sim

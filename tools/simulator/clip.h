@@ -43,6 +43,9 @@ std::string directory_of (const std::string &name);
 /// Writes the record `ClipInfo`.
 void write_clip_info (Writer &out, const Clip &clip);
 
+/// @throws Refusal when the record `ClipInfo` would not fit into a message.
+void check_clip_size (const Clip &clip);
+
 /// Changes the clip as a `ClipAttrChange` says. @throws Refusal, and the clip may be half changed then.
 void change_clip (Clip &clip, const Arguments &change);
 

@@ -1,5 +1,6 @@
 #include "clips.h"
 
+#include "message_limits.h"
 #include "vocabulary.h"
 
 #include <algorithm>
@@ -210,6 +211,7 @@ std::optional<std::string> Clips::locked_below (const std::string &directory) co
 }
 
 void Clips::check_new_name (const std::string &name) const {
+  check_name_length (name);
   if (name.empty () || name.front () == '/' || name.back () == '/' || name.find ("//") != name.npos)
     throw Refusal (fmt::format ("'{}' is no good name", name));
   if (exists (name))
@@ -236,6 +238,7 @@ void Clips::insert (const Clip &clip) {
 
 void Clips::add (Clip clip) {
   check_new_name (clip.id);
+  check_clip_size (clip);
   take_in (std::move (clip));
 }
 
@@ -275,9 +278,10 @@ void Clips::remove (const std::string &id) {
 void Clips::rename (const std::string &from, const std::string &to) {
   Clip clip = find (from);
   check_new_name (to);
+  clip.id = to;
+  check_clip_size (clip);
   Transaction transaction (database_);
   remove (from);
-  clip.id = to;
   store (clip);
   transaction.finish ();
 }

@@ -1,5 +1,6 @@
 #include "commands.h"
 
+#include "message_limits.h"
 #include "vocabulary.h"
 
 #include <fmt/format.h>
@@ -61,6 +62,7 @@ void get_clip_info (Call &call) {
 
 void clip_exists (Call &call) {
   const std::string &id = call.arguments.text ("ClipID");
+  check_name_length (id);
   Writer out;
   out.open ("clipexists").text ("ClipID", id).boolean ("Exists", call.world.clips.exists (id));
   call.answer (out.close ("clipexists").take ());
@@ -170,22 +172,27 @@ void rename_dir (Call &call) {
   });
 }
 
-// What lies behind the clip: its file, or the segments of a virtual clip.
+// What is behind the clip: its file, or the segments of a virtual clip.
+std::vector<std::string> file_lines (World &world, const std::string &id) {
+  if (world.vclips.exists (id))
+    return world.vclips.find (id).lines ();
+  const Clip clip = world.clips.find (id);
+  return {fmt::format ("fields {}", clip.untrimmed), fmt::format ("bytes {}", clip.untrimmed * field_size)};
+}
+
 void get_volatile_file_info (Call &call) {
-  const std::string &id = call.arguments.text ("ClipID");
-  std::vector<std::string> lines;
-  if (call.world.vclips.exists (id)) {
-    lines = call.world.vclips.find (id).lines ();
-  } else {
-    const Clip clip = call.world.clips.find (id);
-    lines = {fmt::format ("fields {}", clip.untrimmed),
-             fmt::format ("bytes {}", clip.untrimmed * field_size)};
-  }
-  Writer out;
-  out.open ("volatile_file_info").open ("KeyList");
-  for (const std::string &line : lines)
-    out.text ("Key", line);
-  call.row (out.close ("KeyList").close ("volatile_file_info").take ());
+  constexpr std::size_t full_message = 16384;
+  const auto next = [lines = file_lines (call.world, call.arguments.text ("ClipID")), place = std::size_t{0},
+                     started = false] () mutable -> std::vector<std::string> {
+    if (std::exchange (started, true) && place == lines.size ())
+      return {};
+    Writer out;
+    out.open ("volatile_file_info").open ("KeyList");
+    while (place < lines.size () && out.result ().size () < full_message)
+      out.text ("Key", lines[place++]);
+    return {out.close ("KeyList").close ("volatile_file_info").take ()};
+  };
+  call.rows (next);
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "commands.h"
 
+#include "message_limits.h"
+
 #include <fmt/format.h>
 
 namespace sim {
@@ -13,6 +15,15 @@ const std::string &key_of (Call &call) {
   return key;
 }
 
+std::string change_body (const std::string &key, const std::string &value) {
+  Writer out;
+  return out.open ("userdict_change")
+      .text ("Key", key)
+      .text ("Value", value)
+      .close ("userdict_change")
+      .take ();
+}
+
 void check_owner (const Call &call, const std::string &key) {
   const auto known = call.world.dictionary.find (key);
   if (known != call.world.dictionary.end () && known->second.owner != 0 &&
@@ -23,6 +34,7 @@ void check_owner (const Call &call, const std::string &key) {
 void change_entry (Call &call, int owner) {
   const std::string &key = key_of (call);
   check_owner (call, key);
+  check_size ("The entry", change_body (key, call.arguments.text ("Value")).size ());
   call.world.dictionary[key] = {call.arguments.text ("Value"), owner};
   report_key (call.world, key, call.arguments.text ("Value"));
 }
@@ -40,15 +52,6 @@ void userdict_erase (Call &call) {
   check_owner (call, key);
   if (call.world.dictionary.erase (key) != 0)
     report_key (call.world, key, "");
-}
-
-std::string change_body (const std::string &key, const std::string &value) {
-  Writer out;
-  return out.open ("userdict_change")
-      .text ("Key", key)
-      .text ("Value", value)
-      .close ("userdict_change")
-      .take ();
 }
 
 void userdict_watch (Call &call) {

@@ -60,7 +60,9 @@ void reorder_start (Call &call) {
 
 template <const ListKind &kind>
 void reorder_item (Call &call) {
-  open_draft (call, kind).items.push_back (call.arguments.number (kind.index));
+  ReorderDraft &draft = open_draft (call, kind);
+  check_count (draft.items.size () + 1);
+  draft.items.push_back (call.arguments.number (kind.index));
 }
 
 template <const ListKind &kind>

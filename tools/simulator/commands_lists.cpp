@@ -1,5 +1,7 @@
 #include "commands.h"
 
+#include "message_limits.h"
+
 #include <fmt/format.h>
 
 namespace sim {
@@ -81,12 +83,15 @@ void save_start (Call &call) {
   const std::string &id = call.arguments.text (kind.id);
   if (id.empty ())
     throw Refusal ("A list needs a name");
+  check_name_length (id);
   draft_of (call, kind) = ListDraft{id, {}};
 }
 
 template <const ListKind &kind>
 void save_element (Call &call) {
-  open_draft (call, kind).items.push_back (item_of (call.arguments.record (kind.item), kind));
+  ListDraft &draft = open_draft (call, kind);
+  check_count (draft.items.size () + 1);
+  draft.items.push_back (item_of (call.arguments.record (kind.item), kind));
 }
 
 template <const ListKind &kind>

@@ -1,16 +1,16 @@
 #include "commands.h"
 
+#include "message_limits.h"
+
 #include <fmt/format.h>
 
 namespace sim {
 
 namespace {
 
-// A message may not be longer than 32768 bytes. One is closed well before; a pair that would not even fit
-// into one of its own is refused.
+// A message is closed well before it is too long. A pair that does not fit into one of its own is refused.
 constexpr std::size_t full_message = 16384;
 constexpr std::size_t items_of_message = 200;
-constexpr std::size_t longest_body = 32500;
 
 std::string prefix_of (const Arguments &arguments) {
   return arguments.maybe_text ("MetadataPrefix").value_or ("");

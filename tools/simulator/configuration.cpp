@@ -1,5 +1,6 @@
 #include "configuration.h"
 
+#include "message_limits.h"
 #include "vocabulary.h"
 
 #include <algorithm>
@@ -21,13 +22,27 @@ ConfigurationItem item (const char *name, const char *access, const std::string 
 
 } // namespace
 
+namespace {
+
+void check_item_size (const ConfigurationItem &known) {
+  constexpr std::size_t room_for_report = 100;
+  Writer out;
+  write_configuration_item (out, known);
+  check_size (fmt::format ("The configuration item {}", known.name), out.result ().size () + room_for_report);
+}
+
+} // namespace
+
 Configuration::Configuration (const Options &options)
     : items_ ({
           item ("ComputerName", "eng", options.name, {}, true),
           item ("OperatorMessage", "user", "", {}, false),
           item ("ReferenceSource", "user", "freerun", words_of ("ReferenceSource"), false),
           item ("VideoStandard", "eng", options.standard, words_of ("VideoStandard"), true),
-      }) {}
+      }) {
+  for (const ConfigurationItem &known : items_)
+    check_item_size (known);
+}
 
 const ConfigurationItem &Configuration::find (const std::string &name) const {
   for (const ConfigurationItem &known : items_)
@@ -42,6 +57,9 @@ const ConfigurationItem &Configuration::set (const std::string &name, const std:
     throw Refusal (fmt::format ("'{}' is no value for {}", value, name), "configvalue_invalid");
   const auto found = std::find_if (items_.begin (), items_.end (),
                                    [&] (const ConfigurationItem &known) { return known.name == name; });
+  ConfigurationItem longest = *found;
+  longest.effective = longest.boot = longest.saved = value;
+  check_item_size (longest);
   found->saved = value;
   if (!found->requires_reboot)
     found->effective = value;

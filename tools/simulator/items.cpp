@@ -1,6 +1,9 @@
 #include "items.h"
 
+#include "message_limits.h"
 #include "words.h"
+
+#include <fmt/format.h>
 
 namespace sim {
 
@@ -42,6 +45,18 @@ Transition transition_of (const Arguments &record) {
   return {record.word ("TransitionType"), record.maybe_number ("TransitionDuration")};
 }
 
+namespace {
+
+// A change of the item later takes some more.
+void check_item_size (const Item &item, const ListKind &kind) {
+  constexpr std::size_t room_for_changes = 500;
+  Writer out;
+  write_item (out, item, kind);
+  check_size ("The item", out.result ().size () + room_for_changes);
+}
+
+} // namespace
+
 Item item_of (const Arguments &record, const ListKind &kind) {
   const Arguments content = record.record ("ContentID");
   Item item;
@@ -53,7 +68,14 @@ Item item_of (const Arguments &record, const ListKind &kind) {
   if (record.has ("Angle"))
     item.angle = static_cast<int> (record.number ("Angle"));
   change_item (item, record, kind);
+  check_item_size (item, kind);
   return item;
+}
+
+void check_count (std::size_t items) {
+  constexpr std::size_t most_items = 0x10000;
+  if (items > most_items)
+    throw Refusal (fmt::format ("A list has {} items at most", most_items));
 }
 
 void change_item (Item &item, const Arguments &change, const ListKind &kind) {

@@ -40,7 +40,10 @@ struct Item {
 };
 
 Transition transition_of (const Arguments &record);
+/// @throws Refusal when the item would not fit into a message.
 Item item_of (const Arguments &record, const ListKind &kind);
+/// @throws Refusal when a list cannot have so many items: the last one would have no index.
+void check_count (std::size_t items);
 void write_item (Writer &out, const Item &item, const ListKind &kind);
 
 /// Changes the item as a `ListElementChange` or `ChaseElementChange` says.

@@ -142,13 +142,14 @@ void repeat_item (World &world, int channel) {
 // The old places in their new order.
 std::vector<std::size_t> new_order (std::size_t size, const std::vector<std::size_t> &moved,
                                     std::size_t before) {
-  if (std::set<std::size_t> (moved.begin (), moved.end ()).size () != moved.size ())
+  const std::set<std::size_t> taken (moved.begin (), moved.end ());
+  if (taken.size () != moved.size ())
     throw Refusal ("An item is to be moved twice");
   std::vector<std::size_t> order;
   for (std::size_t index = 0; index <= size; ++index) {
     if (index == std::min (before, size))
       order.insert (order.end (), moved.begin (), moved.end ());
-    if (index < size && std::find (moved.begin (), moved.end (), index) == moved.end ())
+    if (index < size && !taken.contains (index))
       order.push_back (index);
   }
   return order;
@@ -189,6 +190,7 @@ void unload_list (World &world, int channel, const ListKind &kind) {
 
 void insert_item (World &world, int channel, const ListKind &kind, std::size_t index, const Item &item) {
   LoadedList &list = loaded_list (world, channel, kind);
+  check_count (list.items.size () + 1);
   if (index > list.items.size ())
     throw Refusal (
         fmt::format ("The list has {} items, none can be inserted at {}", list.items.size (), index));

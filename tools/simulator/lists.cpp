@@ -1,5 +1,6 @@
 #include "lists.h"
 
+#include "message_limits.h"
 #include "wire.h"
 
 #include <fmt/format.h>
@@ -77,6 +78,7 @@ void Lists::rename (const ListKind &kind, const std::string &from, const std::st
   const std::vector<Item> items = find (kind, from);
   if (to.empty ())
     throw Refusal (fmt::format ("A {} needs a name", kind.id));
+  check_name_length (to);
   if (exists (kind, to))
     throw Refusal (fmt::format ("{} '{}' exists already", kind.name, to));
   Transaction transaction (database_);

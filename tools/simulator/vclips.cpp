@@ -1,5 +1,6 @@
 #include "vclips.h"
 
+#include "message_limits.h"
 #include "vocabulary.h"
 
 #include <algorithm>
@@ -97,6 +98,7 @@ std::vector<std::string> VirtualClip::lines () const {
 void VirtualClips::create (const std::string &id, std::uint32_t length) {
   if (id.empty ())
     throw Refusal ("A virtual clip needs a name");
+  check_name_length (id);
   if (exists (id))
     throw Refusal (fmt::format ("Virtual clip '{}' exists already", id));
   VirtualClip clip;

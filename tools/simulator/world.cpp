@@ -3,6 +3,7 @@
 #include "clip_file.h"
 #include "commands.h"
 #include "log.h"
+#include "message_limits.h"
 #include "vocabulary.h"
 #include "wire.h"
 
@@ -13,6 +14,8 @@
 namespace sim {
 
 namespace {
+
+constexpr std::size_t longest_error = 2000; // bytes of a text, which may quote what a client has sent
 
 std::string report_text (const std::string &body) {
   return "<report>" + body + "</report>";
@@ -25,10 +28,25 @@ std::string reply_text (const std::string &xid, const std::string &body) {
 std::string error_body (std::string_view text, std::string_view code) {
   return Writer ()
       .open ("error")
-      .text ("ErrorMessage", text)
+      .text ("ErrorMessage", shortened (text, longest_error))
       .text ("ErrorCode", code)
       .close ("error")
       .take ();
+}
+
+// The one place where messages go out. One that no client could take is left out.
+bool deliver (Client &client, std::string message) {
+  if (message.size () > longest_message) {
+    log_line (fmt::format ("#{} is not sent a message of {} bytes: {}", client.number, message.size (),
+                           shortened (message, 100)));
+    return false;
+  }
+  client.send (std::move (message));
+  return true;
+}
+
+void deliver_error (Client &client, const std::string &xid, std::string_view text, std::string_view code) {
+  deliver (client, reply_text (xid, error_body (text, code)));
 }
 
 // `Channel=A Transition{TransitionType=cut}`
@@ -75,6 +93,8 @@ const std::string &identifier_of (const Element &root) {
   const Element *xid = root.child ("xid");
   if (root.name != "cmd" || !xid || !xid->children.empty ())
     throw Malformed ("a document without an identifier");
+  if (escaped (xid->text).size () > longest_identifier)
+    throw Malformed ("an identifier that is too long");
   return xid->text;
 }
 
@@ -230,7 +250,7 @@ void World::receive (Client &client, const std::string &document) {
       call.answer (empty_body ("ok"));
   } catch (const Refusal &refusal) {
     outcome = std::string ("error, ") + refusal.what ();
-    client.send (reply_text (xid, error_body (refusal.what (), refusal.code)));
+    deliver_error (client, xid, refusal.what (), refusal.code);
   }
   if (!options.quiet)
     log_line (fmt::format ("#{} {} {}: {}", client.number, xid, line, outcome));
@@ -277,7 +297,7 @@ void World::each_second () {
 void World::send_report (Client &client, const std::string &body) {
   if (options.verbose)
     log_line (fmt::format ("#{} is told {}", client.number, body));
-  client.send (report_text (body));
+  deliver (client, report_text (body));
 }
 
 void World::each_client (const std::function<void (const Client &)> &visit) const {
@@ -380,7 +400,7 @@ void World::report_positions () {
 }
 
 void Call::row (const std::string &body) {
-  client.send (reply_text (xid_, body));
+  deliver (client, reply_text (xid_, body));
 }
 
 void Call::rows (std::function<std::vector<std::string> ()> next) {
@@ -389,12 +409,12 @@ void Call::rows (std::function<std::vector<std::string> ()> next) {
     try {
       const std::vector<std::string> bodies = more ();
       for (const std::string &body : bodies)
-        to.send (reply_text (xid, body));
+        deliver (to, reply_text (xid, body));
       if (!bodies.empty ())
         return true;
-      to.send (reply_text (xid, empty_body ("ok")));
+      deliver (to, reply_text (xid, empty_body ("ok")));
     } catch (const Refusal &refusal) {
-      to.send (reply_text (xid, error_body (refusal.what (), refusal.code)));
+      deliver_error (to, xid, refusal.what (), refusal.code);
       log_line (fmt::format ("#{} {} ends with error, {}", to.number, xid, refusal.what ()));
     }
     return false;
@@ -403,7 +423,8 @@ void Call::rows (std::function<std::vector<std::string> ()> next) {
 
 void Call::answer (const std::string &body) {
   answered_ = true;
-  client.send (reply_text (xid_, body));
+  if (!deliver (client, reply_text (xid_, body)))
+    deliver_error (client, xid_, "The answer would be longer than a message may be", "general");
 }
 
 } // namespace sim
