@@ -133,7 +133,8 @@ class Answers(Faulty):
         self.serve({"fault": "wrong_kind", "command": "play"})
         client = self.client()
         client.send(command(1, PLAY % "A"))
-        self.assertEqual(client.message(), "<reply><xid>1</xid><clipid><ClipID>WRONG</ClipID></clipid></reply>")
+        self.assertEqual(client.message(), "<reply><xid>1</xid><computername><ComputerName>WRONG</ComputerName>"
+                         "</computername></reply>")
 
     def test_wrong_kind_with_a_body(self):
         self.serve({"fault": "wrong_kind", "command": "get_computer_name"},

@@ -21,9 +21,9 @@ std::string error_reply (const Rule &rule, const std::string &xid) {
                       escaped (xid), escaped (rule.text), escaped (rule.code));
 }
 
-// A body that belongs to other commands: no list is answered with `ok`, and nothing but a list with a name.
+// A body that ends other commands than this one.
 std::string foreign_body (const Glance &message) {
-  return message.name == "ok" ? "<clipid><ClipID>WRONG</ClipID></clipid>" : "<ok />";
+  return message.name == "ok" ? "<computername><ComputerName>WRONG</ComputerName></computername>" : "<ok />";
 }
 
 std::string with_inserted (std::string_view message, std::string_view text) {
