@@ -1,7 +1,7 @@
 // What a server must not do, as orva.h lists it, done on purpose by the simulator: what becomes of a caller.
 
 #include "exports/stores.h"
-#include "simulated/talk.h"
+#include "simulated/simulated_connection.h"
 #include "support/simulator_process.h"
 #include "support/wait.h"
 
@@ -118,9 +118,9 @@ TEST (ServerFaults, NoAnswerLeavesTheCommandOpen) {
 
 TEST (ServerFaults, AnAnswerOfAnotherKindEndsTheCommandWithoutAResult) {
   const FaultsFile faults (R"([{"fault": "wrong_kind", "command": "play"}])");
-  Talk talk ({"--faults", faults.name ()});
-  EXPECT_THAT (talk.ask (command::play{}), IsEmpty ());
-  EXPECT_THAT (talk.ask (command::stop{}), testing::ElementsAre ("ok"));
+  SimulatedConnection connection ({"--faults", faults.name ()});
+  EXPECT_THAT (connection.ask (command::play{}), IsEmpty ());
+  EXPECT_THAT (connection.ask (command::stop{}), testing::ElementsAre ("ok"));
 }
 
 TEST (ServerFaults, ADownloadOfAnotherKindDoesNotEnd) {
