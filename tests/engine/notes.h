@@ -92,7 +92,7 @@ public:
   }
 
 protected:
-  void write_document (const XMLTree &document, const AFunction<bool ()> &is_over) override {
+  void write_document (const QUILL3::CommandDocument &document, const AFunction<bool ()> &is_over) override {
     if (!is_over.run ())
       render (document, AMethod::bind (this, &WireInHand::send_bytes));
   }

@@ -73,7 +73,7 @@ protected:
     in_transmit = false;
     return sent;
   }
-  void write_document (const XMLTree &document, const AFunction<bool ()> &is_over) override {
+  void write_document (const QUILL3::CommandDocument &document, const AFunction<bool ()> &is_over) override {
     struct Asked {
       const TestClient &client;
       const AFunction<bool ()> &is_over;

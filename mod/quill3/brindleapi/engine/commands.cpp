@@ -2,9 +2,24 @@
 
 namespace QUILL3 {
 
-XMLTree make_document (const AString &xid, const AString &wire_name, const Rows &rows, const void *command) {
+void CommandDocument::write_to (XMLSink &sink) const {
   static const AString &root = *new AString ("cmd");
-  return XMLTree (root, make_child_list (make_xid (xid), XMLTree (wire_name, write_fields (rows, command))));
+  sink.open (root);
+  write_value (sink, Tag::xid, &xid);
+  sink.open (wire_name);
+  write_fields (sink, rows, command);
+  sink.close (wire_name);
+  sink.close (root);
+}
+
+XMLTree CommandDocument::tree () const {
+  XMLTreeSink sink;
+  write_to (sink);
+  return sink.take_first ();
+}
+
+XMLTree make_document (const AString &xid, const AString &wire_name, const Rows &rows, const void *command) {
+  return CommandDocument{xid, wire_name, rows, command}.tree ();
 }
 
 } // namespace QUILL3

@@ -25,11 +25,18 @@ inline constexpr uint32_t command_count = 0
 #include "engine/commands.inc"
     ;
 
-/// The document of a command: the root `cmd` with the identifier, then the element with the wire name over
-/// the arguments.
-/// @param rows, command the struct and its rows
+/// A command on its way out: the root `cmd` with the identifier, then the element with the wire name over the
+/// arguments. What it refers to must outlive it.
+struct CommandDocument {
+  const AString &xid;
+  const AString &wire_name;
+  const Rows rows; ///< of the command's struct
+  const void *command;
+
+  void write_to (XMLSink &sink) const;
+  XMLTree tree () const;
+};
+
 XMLTree make_document (const AString &xid, const AString &wire_name, const Rows &rows, const void *command);
 
 } // namespace QUILL3
-
-#pragma GCC diagnostic pop

@@ -48,8 +48,7 @@ AString API::open_command (const Shared &entry, const AString &name, const Rows 
                            const void *arguments) {
   AString xid = registry_->issue_id (entry);
   try {
-    send_document (make_document (xid, name, rows, arguments),
-                   AMethod::bind (entry.get (), &XIDRegistryEntry::has_ended));
+    send_document ({xid, name, rows, arguments}, AMethod::bind (entry.get (), &XIDRegistryEntry::has_ended));
   } catch (...) { // out of memory: passed on, unless the command has ended meanwhile and its callback has run
     if (!entry->is_awaited () || registry_->withdraw (entry))
       throw;

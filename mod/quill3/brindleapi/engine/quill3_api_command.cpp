@@ -13,15 +13,18 @@ APICommand::APICommand () : send_lock_ (new AMutex) {
 
 APICommand::~APICommand () = default;
 
-void APICommand::send_document (const XMLTree &document, AFunction<bool ()> is_over) {
-  send_hook_.run (document);
+void APICommand::send_document (const CommandDocument &document, AFunction<bool ()> is_over) {
+  if (!send_hook_.is_empty ())
+    send_hook_.run (document.tree ());
   AMutexScope hold (*send_lock_);
   write_document (document, is_over);
 }
 
-void APICommand::render (const XMLTree &document, const Output &output) {
+void APICommand::render (const CommandDocument &document, const Output &output) {
   ABuffer buffer (output);
-  document.write_to (buffer.sink (), XMLLines, true);
+  XMLByteSink sink (buffer.sink ());
+  document.write_to (sink);
+  sink.finish ();
   buffer.flush ();
 }
 

@@ -26,14 +26,14 @@ protected:
   /// Sends a document. All commands leave through here.
   /// @param is_over called when the lock is held. When it returns true, the command has already failed with
   /// its own link. It must not appear on another link, so nothing is written.
-  void send_document (const XMLTree &document, AFunction<bool ()> is_over);
+  void send_document (const CommandDocument &document, AFunction<bool ()> is_over);
 
   /// Writes a document with `render`, unless `is_over`. Called with the send lock held.
-  virtual void write_document (const XMLTree &document, const AFunction<bool ()> &is_over)
+  virtual void write_document (const CommandDocument &document, const AFunction<bool ()> &is_over)
       KELVANE_REQUIRES (*send_lock_) = 0;
 
   /// Passes the text of a document to @p output, in pieces of at most 1500 bytes.
-  static void render (const XMLTree &document, const Output &output);
+  static void render (const CommandDocument &document, const Output &output);
 
 private:
   AFunction<void (const XMLTree &)> send_hook_;

@@ -215,7 +215,7 @@ void Client::replace_link (std::shared_ptr<Link> link) noexcept {
 
 // The link is taken before `is_over` is asked. So a command that is still open has not failed with an earlier
 // link, and fails with this one if this one is lost.
-void Client::write_document (const XMLTree &document, const AFunction<bool ()> &is_over) {
+void Client::write_document (const CommandDocument &document, const AFunction<bool ()> &is_over) {
   Outgoing outgoing{*this, current_link ()};
   if (is_over.run ())
     return;

@@ -82,7 +82,7 @@ protected:
 
   /// Sends all bytes of a document on one link. When the link is lost, the rest of the document must not
   /// appear on the next one.
-  void write_document (const XMLTree &document, const AFunction<bool ()> &is_over) override;
+  void write_document (const CommandDocument &document, const AFunction<bool ()> &is_over) override;
 
   /// One document on its way out: the link that is to carry all of it.
   struct Outgoing {

@@ -119,29 +119,4 @@ bool read_spelling (const XMLElement &element, Enumeration which, uint32_t *valu
   return enumeration (which).from_string (element.text ().trim (), value);
 }
 
-XMLTree write_string (const AString &name, const AString &value) {
-  return XMLTree (name, value);
-}
-XMLTree write_u8 (const AString &name, uint8_t value) {
-  return write_u32 (name, value);
-}
-XMLTree write_u16 (const AString &name, uint16_t value) {
-  return write_u32 (name, value);
-}
-XMLTree write_u32 (const AString &name, uint32_t value) {
-  return XMLTree (name, value);
-}
-XMLTree write_u64 (const AString &name, uint64_t value) {
-  return XMLTree (name, value);
-}
-XMLTree write_i32 (const AString &name, int32_t value) {
-  return XMLTree (name, int64_t{value});
-}
-XMLTree write_fixed (const AString &name, Kelvane::fixed value) {
-  return XMLTree (name, AString::from_fixed (value, 15));
-}
-XMLTree write_bool (const AString &name, bool value) {
-  return XMLTree (name, value ? word_true () : word_false ());
-}
-
 } // namespace QUILL3

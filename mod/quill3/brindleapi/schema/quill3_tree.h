@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-/// Writing single values as elements and reading them, for callers that have a tag's name as data. A function
+/// Reading single values of elements, for callers that have a tag's name as data. A function
 /// that fails returns false and stores a text in `err`, unless that is null. On success `err` is unchanged.
 /// Any thread.
 namespace QUILL3 {
@@ -48,16 +48,5 @@ bool read_fixed (const XMLElement &element, Kelvane::fixed *value, AString *err)
 bool read_bool (const XMLElement &element, bool *value, AString *err);
 /// A spelling of the enumeration. @return false, without a text, for what is none.
 bool read_spelling (const XMLElement &element, Enumeration which, uint32_t *value);
-
-/// Writers: the element called @p name.
-XMLTree write_string (const AString &name, const AString &value);
-XMLTree write_u8 (const AString &name, uint8_t value);
-XMLTree write_u16 (const AString &name, uint16_t value);
-XMLTree write_u32 (const AString &name, uint32_t value);
-XMLTree write_u64 (const AString &name, uint64_t value);
-XMLTree write_i32 (const AString &name, int32_t value);
-/// At most fifteen places, without zeros at the end: one is `1X`.
-XMLTree write_fixed (const AString &name, Kelvane::fixed value);
-XMLTree write_bool (const AString &name, bool value);
 
 } // namespace QUILL3

@@ -5,10 +5,15 @@
 #include "schema/quill3_tree.h"
 
 #include <algorithm>
+#include <charconv>
+#include <iterator>
+#include <limits>
 
 namespace QUILL3 {
 
 namespace {
+
+constexpr unsigned most_fixed_places = 15;
 
 template <class T>
 T &as (void *value) {
@@ -27,37 +32,72 @@ char *at (void *base, size_t offset) {
 
 // -- Writing
 
-XMLTree::List write_vector (const Codec &codec, const void *from) {
-  XMLTree::List children;
+template <class Number>
+void write_number (XMLSink &sink, const void *value) {
+  char digits[std::numeric_limits<Number>::digits10 + 2]; // one for the sign
+  const auto end = std::to_chars (digits, std::end (digits), as<Number> (value)).ptr;
+  sink.plain_text ({digits, static_cast<size_t> (end - digits)});
+}
+
+void write_vector (XMLSink &sink, const Codec &codec, const void *from) {
   const uint32_t count = as<uint32_t> (from);
   for (uint32_t i = 0; i < count; ++i) {
     if (!KELVANE_ASSERT (i < codec.capacity))
       break;
-    children.push_back (make_value (codec.element, at (from, codec.first + size_t{i} * codec.stride)));
+    write_value (sink, codec.element, at (from, codec.first + size_t{i} * codec.stride));
   }
-  return children;
 }
 
 struct ListWriter {
+  XMLSink &sink;
   Tag element;
-  XMLTree::List children;
 
   static void take (void *context, const void *element) {
-    ListWriter &writer = as<ListWriter> (context);
-    writer.children.push_back (make_value (writer.element, element));
+    const ListWriter &writer = as<ListWriter> (context);
+    write_value (writer.sink, writer.element, element);
   }
 };
 
-XMLTree::List write_list (const Codec &codec, const void *from) {
-  ListWriter writer{codec.element, {}};
+void write_list (XMLSink &sink, const Codec &codec, const void *from) {
+  ListWriter writer{sink, codec.element};
   codec.access->each (from, ListWriter::take, &writer);
-  return std::move (writer.children);
 }
 
 bool is_written (const Field &field, const void *member) {
   if (field.optional && !as<bool> (member))
     return false;
   return codec_of (field.tag).kind != Kind::flag || as<bool> (at (member, field.value_offset));
+}
+
+void write_content (XMLSink &sink, const Codec &codec, const void *value) {
+  switch (codec.kind) {
+  case Kind::string:
+    return sink.text (as<AString> (value));
+  case Kind::u8:
+    return write_number<uint8_t> (sink, value);
+  case Kind::u16:
+    return write_number<uint16_t> (sink, value);
+  case Kind::u32:
+    return write_number<uint32_t> (sink, value);
+  case Kind::u64:
+    return write_number<uint64_t> (sink, value);
+  case Kind::i32:
+    return write_number<int32_t> (sink, value);
+  case Kind::fixed: // without zeros at the end: one is `1X`
+    return sink.text (AString::from_fixed (as<Kelvane::fixed> (value), most_fixed_places));
+  case Kind::boolean:
+    return sink.text (as<bool> (value) ? word_true () : word_false ());
+  case Kind::enumerated: // C92: doc/compatibility.md
+    return sink.text (enumeration (codec.enumeration).text_of (as<uint32_t> (value)));
+  case Kind::record:
+    return write_fields (sink, codec.rows, value);
+  case Kind::vector:
+    return write_vector (sink, codec, value);
+  case Kind::list:
+    return write_list (sink, codec, value);
+  case Kind::flag:
+    break;
+  }
 }
 
 // -- Reading
@@ -210,39 +250,17 @@ bool read_member (const XMLElement &element, Tag tag, const Occurrence &place, v
 
 } // namespace
 
-XMLTree make_value (Tag tag, const void *value) {
+void write_value (XMLSink &sink, Tag tag, const void *value) {
   const AString &name = tag_name (tag);
-  const Codec &codec = codec_of (tag);
-  switch (codec.kind) {
-  case Kind::string:
-    return write_string (name, as<AString> (value));
-  case Kind::u8:
-    return write_u8 (name, as<uint8_t> (value));
-  case Kind::u16:
-    return write_u16 (name, as<uint16_t> (value));
-  case Kind::u32:
-    return write_u32 (name, as<uint32_t> (value));
-  case Kind::u64:
-    return write_u64 (name, as<uint64_t> (value));
-  case Kind::i32:
-    return write_i32 (name, as<int32_t> (value));
-  case Kind::fixed:
-    return write_fixed (name, as<Kelvane::fixed> (value));
-  case Kind::boolean:
-    return write_bool (name, as<bool> (value));
-  case Kind::enumerated:
-    // C92: doc/compatibility.md
-    return XMLTree (name, enumeration (codec.enumeration).text_of (as<uint32_t> (value)));
-  case Kind::record:
-    return XMLTree (name, write_fields (codec.rows, value));
-  case Kind::vector:
-    return XMLTree (name, write_vector (codec, value));
-  case Kind::list:
-    return XMLTree (name, write_list (codec, value));
-  case Kind::flag:
-    break;
-  }
-  return XMLTree (name);
+  sink.open (name);
+  write_content (sink, codec_of (tag), value);
+  sink.close (name);
+}
+
+XMLTree make_value (Tag tag, const void *value) {
+  XMLTreeSink sink;
+  write_value (sink, tag, value);
+  return sink.take_first ();
 }
 
 bool get_value (const XMLElement &element, Tag tag, void *value, AString *err) {
@@ -257,14 +275,18 @@ bool get_value (const XMLTree &tree, Tag tag, void *value, AString *err) {
   return get_value (TreeNodes (tree).root (), tag, value, err);
 }
 
-XMLTree::List write_fields (const Rows &rows, const void *from) {
-  XMLTree::List children;
+void write_fields (XMLSink &sink, const Rows &rows, const void *from) {
   for (const Field &field : rows) {
     const void *const member = at (from, field.offset);
     if (is_written (field, member))
-      children.push_back (make_value (field.tag, at (member, field.value_offset)));
+      write_value (sink, field.tag, at (member, field.value_offset));
   }
-  return children;
+}
+
+XMLTree::List write_fields (const Rows &rows, const void *from) {
+  XMLTreeSink sink;
+  write_fields (sink, rows, from);
+  return sink.take ();
 }
 
 bool read_record (const XMLElement &element, const Rows &rows, void *to, AString *err) {

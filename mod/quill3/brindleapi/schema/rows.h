@@ -62,6 +62,7 @@ constexpr Rows rows_of (const S *) {
 
 /// The elements of the members of a struct, in the order of the rows. Absent members and flags that are not
 /// set have none.
+void write_fields (XMLSink &sink, const Rows &rows, const void *from);
 XMLTree::List write_fields (const Rows &rows, const void *from);
 /// Reads a struct by the rule of records: first the required members in order, then the optional ones that
 /// exist. The first failure ends it: a required member that is missing, or any member that is doubled or bad.

@@ -4,6 +4,7 @@
 #include "base/fixed.h"
 #include "schema/sets.h"
 #include "xml/xml_nodes.h"
+#include "xml/xml_sink.h"
 
 #include <cstdint>
 #include <list>
@@ -85,6 +86,7 @@ const AString &word_true ();
 const AString &word_false ();
 
 /// The element of @p tag holding the value at @p value, which is of the tag's type in memory.
+void write_value (XMLSink &sink, Tag tag, const void *value);
 XMLTree make_value (Tag tag, const void *value);
 /// Finds @p tag in @p tree, which may be the tag itself or its parent, and reads it.
 /// @param value receives the value, of the tag's type in memory. After a failure it is undefined.

@@ -1,8 +1,7 @@
+#include "xml/xml_byte_output.h"
 #include "xml/xml_children.h"
-#include "xml/xml_entities.h"
 #include "xml/xml_parse.h"
 
-#include <cstring>
 #include <vector>
 
 namespace {
@@ -59,70 +58,17 @@ private:
   AStringBuilder builder_;
 };
 
-/// Hands the pieces to a sink as UTF-8, gathered in a buffer.
-class ByteOutput {
+/// Takes the pieces as UTF-8.
+class ByteOutput : public XMLByteOutput {
 public:
-  explicit ByteOutput (const AByteSink &sink) : sink_ (sink) {}
-  ByteOutput (const ByteOutput &) = delete;
-  ByteOutput &operator= (const ByteOutput &) = delete;
+  using XMLByteOutput::put;
+  using XMLByteOutput::XMLByteOutput;
 
   void put (Mark mark) { put_ascii (mark_texts[mark]); }
-  void put (const AString &text) {
-    text.walk_runs ([this] (const AChar *run, uint64_t count) { return put_run<false> (run, count); });
-  }
-  void put_escaped (const AString &text) {
-    text.walk_runs ([this] (const AChar *run, uint64_t count) { return put_run<true> (run, count); });
-  }
   void put_blanks (uint64_t count) {
     for (; count != 0; --count)
       put_ascii (" ");
   }
-  void finish () {
-    if (used_ != 0)
-      sink_.run (buffer_, used_);
-    used_ = 0;
-  }
-
-private:
-  void make_room (size_t wanted) {
-    if (sizeof (buffer_) - used_ < wanted)
-      finish ();
-  }
-  void put_ascii (std::string_view text) {
-    make_room (text.size ());
-    std::memcpy (buffer_ + used_, text.data (), text.size ());
-    used_ += text.size ();
-  }
-  template <bool escape>
-  bool put_run (const AChar *run, uint64_t count) {
-    for (uint64_t i = 0; i != count; ++i)
-      if (!put_char<escape> (run[i]))
-        return false;
-    return true;
-  }
-  template <bool escape>
-  bool put_char (AChar c) {
-    make_room (MAX_UTF8_CHAR_LENGTH);
-    if (!c.is_ascii ())
-      return put_encoded (c);
-    const XMLEntity *row = escape ? xml_entity_of (c) : nullptr;
-    if (row != nullptr)
-      put_ascii (row->entity);
-    else
-      buffer_[used_++] = static_cast<char> (c.value ());
-    return true;
-  }
-  bool put_encoded (AChar c) {
-    unsigned nbytes = 0;
-    if (!encode_utf8_received (c, buffer_ + used_, sizeof (buffer_) - used_, &nbytes))
-      return false;
-    used_ += nbytes;
-    return true;
-  }
-
-  const AByteSink &sink_;
-  size_t used_ = 0;
-  char buffer_[1024];
 };
 
 // C88: doc/compatibility.md
