@@ -256,7 +256,9 @@ private:
     return AString::from_utf32 (text.first, decode_entities_in_place (text.first, text.length ()));
   }
 
-  static AString string (Piece text) { return AString::from_utf32 (text.first, text.length ()); }
+  static AString string (Piece text) {
+    return text.is_empty () ? AString () : AString::from_utf32 (text.first, text.length ());
+  }
 
   bool failed_ = false;
   bool finished_ = false;
