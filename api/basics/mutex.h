@@ -6,10 +6,10 @@
 #include <condition_variable>
 #include <new>
 
-/// The mutex of everything in `api/`: an `AMutex` that exists for certain. Held with `AMutexScope`.
+/// The mutex of everything in `api/`: an `AMutex` that is always valid. Held with `AMutexScope`.
 class KELVANE_CAPABILITY ("mutex") Mutex : public AMutex {
 public:
-  /// Throws std::bad_alloc when the system has no mutex to give.
+  /// Throws std::bad_alloc when the system cannot make a mutex.
   Mutex () {
     if (!is_valid ())
       throw std::bad_alloc ();
@@ -48,7 +48,7 @@ public:
     return changed_.wait_for (mutex, std::chrono::milliseconds (milliseconds), condition);
   }
 
-  /// Wakes all who wait, to look at their conditions.
+  /// Wakes all waiting threads. Each calls its condition again.
   void notify_all () noexcept { changed_.notify_all (); }
 
 private:

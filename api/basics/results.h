@@ -10,15 +10,15 @@
 /// What an exported function returns: 0 is success, the rest are the codes of orva.h.
 using ResultCode = uint32_t;
 
-/// The text that each thread recorded last. One for the process, made at first use and never destroyed. An
-/// entry is never removed: a new thread that receives the number of an old one inherits its text until its
+/// The text that each thread recorded last. The process has one table, made at first use and never destroyed.
+/// An entry is never removed: a new thread that receives the number of an old one inherits its text until its
 /// own first result. Any thread may call any member; a thread sees only its own entry.
 // C6: doc/compatibility.md
 class LastErrorTable {
 public:
   static LastErrorTable &instance ();
 
-  /// Throws std::bad_alloc when there is no lock to be had.
+  /// Throws std::bad_alloc when the system cannot make a lock.
   LastErrorTable () = default;
   LastErrorTable (const LastErrorTable &) = delete;
   LastErrorTable &operator= (const LastErrorTable &) = delete;
@@ -47,7 +47,7 @@ ResultCode result_timeout ();
 ResultCode result_invalid_argument ();
 ResultCode result_write_only ();
 
-/// The text that belongs to a code; for code 2 that of an internal fault.
+/// The text that belongs to a code. For code 2 it is the text of an internal error.
 const AString &result_text (ResultCode code);
 
 /// Code 2 with a text of its own.

@@ -33,7 +33,7 @@ inline uint8_t angle_argument (uint32_t angle) {
 // C16: doc/compatibility.md
 QUILL3::ChannelSet channel_set_from_mask (uint32_t mask);
 
-/// `Loop`, 0 to 4. The wire knows two more values, which no caller can reach.
+/// `Loop`, 0 to 4. The protocol has two more values, which no caller can send.
 // C19: doc/compatibility.md
 uint32_t repeat_to_wire (uint32_t repeat);
 
@@ -41,7 +41,7 @@ uint32_t repeat_to_wire (uint32_t repeat);
 // C45: doc/compatibility.md
 uint32_t playback_to_wire (uint32_t playback);
 
-/// `PrecueCondition`, 0 to 3. The wire knows a fifth, which no caller can reach.
+/// `PrecueCondition`, 0 to 3. The protocol has one more value, which no caller can send.
 // C19: doc/compatibility.md
 uint32_t precue_condition_to_wire (uint32_t condition);
 
@@ -65,7 +65,7 @@ uint32_t timecode_source_to_wire (uint32_t source);
 // C17: doc/compatibility.md
 bool min_latency_wanted (uint32_t flag);
 
-/// `AutoEE`: false for exactly 1. The sense is reversed on purpose: the exported mode 1 means manual.
+/// `AutoEE`: false for exactly 1. It is reversed on purpose, because the exported mode 1 means manual.
 // C18: doc/compatibility.md
 bool auto_ee_to_wire (uint32_t mode);
 
@@ -77,7 +77,7 @@ uint16_t edit_mask_to_wire (uint32_t bits);
 // C40: doc/compatibility.md
 QUILL3::TrackSet track_set_from_mask (uint32_t mask, bool with_timecode);
 
-/// Held to -200.0 to 200.0 and cut toward zero to steps of 1/65536. What is not a number gives
+/// Limited to -200.0 to 200.0 and cut toward zero to steps of 1/65536. A value that is not a number becomes
 /// the smallest value, as the processor converts it.
 // C21: doc/compatibility.md
 Kelvane::fixed speed_to_wire (double speed);
@@ -133,7 +133,7 @@ uint32_t standard_rate (uint32_t standard);
 /// True for rate class 1. A number above 4 is an assertion failure and returns false.
 bool rate_is_drop_frame (uint32_t rate_class);
 
-/// The two above in a chain.
+/// Whether a `VideoStandard` has drop frame, by its rate class.
 bool standard_is_drop_frame (uint32_t standard);
 
 // Text across the exported interface.
@@ -143,7 +143,7 @@ bool standard_is_drop_frame (uint32_t standard);
 // C14: doc/compatibility.md
 AString text_argument (const orva_char *text);
 
-/// The same as units, which are valid UTF-16 therefore.
+/// The same as UTF-16 units, which are always valid.
 std::u16string units_argument (const orva_char *text);
 
 /// Copies at most capacity - 1 units, cut between two characters, and a terminator. Nothing for capacity 0.

@@ -24,9 +24,11 @@ struct ChannelItem {
   static constexpr uint32_t report_type = ReportType;
 
   Mutex lock;
-  /// The server has accepted the registration and reported a first value. Each new link asks again.
+  /// The server has accepted the registration and reported a first value. It is registered again on each new
+  /// link.
   std::atomic<bool> registered{false};
-  /// A first value has been reported. Reports of lists set that of `info`; none sets that of `listplay`.
+  /// A first value has been reported. Reports of playlists set the flag of `info`. No report sets the flag of
+  /// `listplay`.
   std::atomic<bool> valid{false};
   V value KELVANE_GUARDED_BY (lock){};
 };

@@ -13,12 +13,13 @@ void ChannelStates::set_valid (std::atomic<bool> &valid) {
   if (valid.exchange (true))
     return;
   {
-    const AMutexScope hold (first_value_lock_); // whoever saw no value is waiting now
+    const AMutexScope hold (first_value_lock_); // a thread that saw no value is waiting now
   }
   first_value_.notify_all ();
 }
 
-// The limit is one of the wall clock, so that clock is looked at again and again.
+// The limit is counted by the system's clock, which may be set meanwhile. So the clock is read again and
+// again.
 bool ChannelStates::wait_for_first_value (const std::atomic<bool> &valid) {
   const int64_t start = platform::seconds_since_1970 ();
   const auto is_valid = [&valid] { return valid.load (); };

@@ -38,8 +38,8 @@ public:
       notices_.post (kind, channel);
   }
 
-  /// Calls @p change with the list of a channel, to change it as the server has reported. It marks the value
-  /// of `info` as valid, and not the list.
+  /// Calls @p change with the playlist of a channel, to change it as the server has reported. This marks the
+  /// value of `info` as valid, and not the playlist.
   // C28: doc/compatibility.md
   template <class Change>
   void change_list (uint32_t channel, Change change) {
@@ -53,8 +53,9 @@ public:
     set_valid (cache.info.valid);
   }
 
-  /// Waits for a first value, which the server sends right after the registration as a rule: five to six
-  /// seconds at most, counted in whole seconds of the wall clock. @return whether there is one.
+  /// Waits for a first value, which the server usually sends right after the registration. The wait ends
+  /// after five to six seconds, counted in whole seconds of the system's clock. @return whether there is a
+  /// value.
   // C27: doc/compatibility.md
   bool wait_for_first_value (const std::atomic<bool> &valid);
 

@@ -12,7 +12,7 @@ ResultCode ordinary_command (const Connection &self, const Command &command) {
   return pending.outcome ();
 }
 
-/// Asks for values, and waits for them in any case.
+/// Asks for values and waits for them, on an asynchronous connection too.
 /// @param variables receive the values if the result is ORVA_OK
 template <class Command, class... Values>
 ResultCode ask (const Connection &self, const Command &command, Values &...variables) {
@@ -22,8 +22,9 @@ ResultCode ask (const Connection &self, const Command &command, Values &...varia
   return pending.outcome ();
 }
 
-/// Marks a report as registered. A new link counts itself before it looks at the marks. So either it sees
-/// this mark, or the count has changed here; then the report is asked for again on the new link.
+/// Marks a report as registered. `on_connected` counts the new link before it reads the marks. So either it
+/// sees this mark, or the count has changed when it is compared here. Then the report is registered again on
+/// the new link.
 /// @param link the one on which the server has accepted the registration
 template <class Command>
 void keep_registered (const Connection &self, std::atomic<bool> &registered, uint32_t link,
@@ -39,9 +40,9 @@ void keep_registered (const Connection &self, std::atomic<bool> &registered, uin
   }
 }
 
-/// Has the server send a kind of report, unless that has been done; each new link then asks for it again, for
-/// the life of the connection. Waits for the answer in any case. Nothing keeps two threads from asking at the
-/// same time: the server is asked twice then.
+/// Registers a kind of report unless it is registered. It is registered again on each new link, as long as
+/// the connection exists. Waits for the answer, on an asynchronous connection too. Two threads that call this
+/// at the same time both send the registration.
 /// @param registered the mark of this kind of report
 /// @param accepted is called when the server has accepted, and returns the result; the report counts as
 ///   registered if that is ORVA_OK

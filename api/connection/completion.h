@@ -10,15 +10,14 @@
 #include <tuple>
 #include <utility>
 
-/// Joins a command, whose callbacks the connection's thread runs, with the thread that waits for its outcome.
-/// Counted: whoever waits holds one reference, and the command another until it has finished. Threads: one
-/// creates and waits; the callbacks run on the connection's thread or, when the link is down, on any that
-/// finds it so: the caller's own, or that of another caller of this connection. What the callbacks write is
-/// read after the wait.
+/// Takes the outcome of a command from its callbacks to the thread that waits for it. It is counted: the
+/// waiting thread holds one reference, and the command holds another until it has finished. Threads: one
+/// thread creates it and waits. The callbacks run on the connection's thread or, when the link is down, on
+/// the thread of any caller of this connection. What they write is read after the wait.
 class Completion {
 public:
-  /// @param waits whether somebody waits for the outcome. Throws std::bad_alloc when there is no semaphore to
-  ///   be had; nothing is counted then.
+  /// @param waits whether somebody waits for the outcome. Throws std::bad_alloc when the system cannot make a
+  ///   semaphore; the connection has not counted the command then.
   Completion (Connection connection, bool waits);
   Completion (const Completion &) = delete;
   Completion &operator= (const Completion &) = delete;
@@ -30,7 +29,7 @@ public:
   void succeed ();
   /// The command failed: code 2 with the given text. The number is not kept.
   void fail (AString text, uint32_t number);
-  /// The command is over: wakes the waiter, takes the command off the connection's count and drops the
+  /// The command has ended: wakes the waiter, lowers the connection's count of commands and drops the
   /// command's reference, in this order. The object may be gone on return.
   void finish ();
 
@@ -39,7 +38,7 @@ public:
   // C2, C3: doc/compatibility.md
   ResultCode wait ();
 
-  /// Which of the connection's links, counted from 1, has brought the `ok`.
+  /// The number of the link, counted from 1, on which `ok` was received.
   uint32_t link () const { return link_; }
 
 private:
@@ -51,9 +50,9 @@ private:
   ARef<Completion> self_;
 };
 
-/// A command in the hands of the thread that sends it: made before, its callbacks given to the wrapper of
-/// QUILL3::API, and then asked for its outcome. A command whose wrapper has thrown is over when this is
-/// destroyed: such a wrapper has run no callback and never will.
+/// A command as its sender sees it. The sender makes one, passes the callbacks to `QUILL3::API::send`, and
+/// then calls `outcome`. When `send` has thrown, it has run no callback and never will. Then the destructor
+/// ends the command.
 class PendingCommand {
 public:
   PendingCommand (const Connection &connection, bool waits)
@@ -70,7 +69,8 @@ public:
   QUILL3::callback::ok on_ok () const { return AMethod::bind (completion_.get (), &Completion::succeed); }
   QUILL3::callback::error on_error () const { return AMethod::bind (completion_.get (), &Completion::fail); }
 
-  /// The wrapper has returned: waits if that is wanted, and returns the outcome, recorded for this thread.
+  /// To be called when `send` has returned. Waits if that is wanted, and returns the outcome, recorded for
+  /// this thread.
   ResultCode outcome () {
     sent_ = true;
     return completion_->wait ();
@@ -83,7 +83,7 @@ private:
   bool sent_ = false;
 };
 
-/// The callback of a reply that brings values and ends its command: stores them and finishes.
+/// The callback of a reply that has values and ends its command. It stores the values and ends the command.
 /// The variables belong to a thread that waits for the outcome.
 template <class... Values>
 class AnswerReceiver {

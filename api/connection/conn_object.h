@@ -17,7 +17,7 @@
 /// connection's own thread.
 class OrvaConnObject : public QUILL3::Client {
 public:
-  /// Not started, with 127.0.0.1 as its server. Throws std::bad_alloc when the system has no locks to give.
+  /// Not started, with 127.0.0.1 as its server. Throws std::bad_alloc when the system cannot make locks.
   OrvaConnObject () = default;
 
   /// Stops the connection's thread and waits for it before any member is destroyed. Never runs on that
@@ -29,11 +29,11 @@ public:
 
   // --- Waiting or not
 
-  /// Says whether ordinary commands that start from now on wait for their answers. @param flag 0: they do
+  /// Sets whether ordinary commands that start from now on wait for their answers. @param flag 0: they wait
   void set_asynchronous (uint32_t flag) { asynchronous_ = flag; }
   bool is_asynchronous () const { return asynchronous_ != 0; }
 
-  /// Counts the commands whose outcome somebody is to hear of; for `Completion`.
+  /// Count the commands that are not answered yet. Only `Completion` calls them.
   void command_started () { ++pending_commands_; }
   void command_finished () { --pending_commands_; }
 
@@ -51,8 +51,8 @@ public:
   FolderWatches folders{*this};
 
 protected:
-  /// Registers again, without waiting, what callers have asked for so far: the server forgets it with the
-  /// link, the library does not.
+  /// Registers again, without waiting, all that callers have asked for so far. The server has forgotten it
+  /// with the old link.
   void on_connected () override;
 
   // --- Reports of the server (reports.cpp)

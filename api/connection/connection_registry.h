@@ -6,6 +6,7 @@
 /// The connections of the process by number. Their lock is never held while a command waits.
 using ConnectionRegistry = HandleTable<Connection>;
 
-/// The one of the process, made at first use and never destroyed. A connection is closed under its lock: one
-/// that nobody uses ends its thread there, and all who look for a connection wait for that.
+/// The registry of the process, made at first use and never destroyed. A connection is closed under the lock
+/// of the registry. When nobody else uses it, its thread ends there, and whoever looks up a connection waits
+/// for that.
 ConnectionRegistry &connections ();

@@ -18,8 +18,8 @@ FolderWatches::~FolderWatches () {
     scan->abandon ();
 }
 
-// Every new listener has the folder downloaded, also when there are others: they receive the present values
-// again, and change nothing that is the same.
+// Every new listener causes a download, even when the folder has other listeners. They receive all values
+// again.
 void FolderWatches::add (FolderListener *listener, const std::u16string &folder) {
   const AMutexScope hold (lock_);
   if (!KELVANE_ASSERT (!folders_.contains (listener)))
@@ -37,7 +37,7 @@ void FolderWatches::add (FolderListener *listener, const std::u16string &folder)
   }
 }
 
-// When there is no memory to tell the server, it goes on reporting, and the reports are ignored.
+// Without memory the server is not told. It goes on reporting, and the reports are ignored.
 void FolderWatches::remove (FolderListener *listener) noexcept {
   const AMutexScope hold (lock_);
   const auto found = folders_.find (listener);

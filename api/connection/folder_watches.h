@@ -36,8 +36,8 @@ public:
   FolderWatches &operator= (const FolderWatches &) = delete;
   ~FolderWatches ();
 
-  /// Enters a listener: watches its folder, if it is the first one there, and has the folder downloaded,
-  /// which the listener receives like reports. Throws when memory runs out; the listener is not entered then.
+  /// Adds a listener. Watches the folder if this is its first listener, and downloads it. The listener
+  /// receives the download like reports. Throws when memory runs out; the listener is not added then.
   // C61: doc/compatibility.md
   void add (FolderListener *listener, const std::u16string &folder);
   /// Removes a listener; no report reaches it after this has returned.
@@ -45,7 +45,7 @@ public:
   /// Waits until no download of the folder is under way and the last one has succeeded.
   bool wait_for_download (const std::u16string &folder, uint32_t milliseconds);
 
-  /// There is a new link: asks for all watches and downloads again, without waiting.
+  /// To be called on each new link. Sends all watches and downloads again, without waiting.
   void watch_again ();
   void on_change (const AString &folder, const AString &prefix, const QUILL3::MetadataList &items);
   void on_remove (const AString &folder, const AString &prefix, const QUILL3::KeyList &keys);

@@ -5,29 +5,31 @@
 #include <cstdint>
 #include <vector>
 
-/// The list of clips that is loaded on a channel, as the server's reports tell it. A plain value.
+/// The list of clips that is loaded on a channel, as the server has reported it. A plain value.
 struct ListPlayState {
   using Position = AOption<uint16_t>; ///< a place in `items`, or none
 
   void load (const AString &id, uint32_t list_mode);
   // C35: doc/compatibility.md
   void unload ();
-  /// Puts an element at a place; the places before it that are new have none.
+  /// Sets the element at a place. The list grows if the place is behind its end; the new places before it are
+  /// empty.
   // C33: doc/compatibility.md
   void set_item (uint16_t index, const QUILL3::ListElement &element);
-  /// Moves the element at a place, and those behind it, one on, together with the air positions there. Beyond
-  /// the end it is `set_item`, and the air positions stay.
+  /// Inserts an element at a place. The elements from there on move up by one, and so do the air positions
+  /// that point to them. Behind the end it does the same as `set_item`, and the air positions stay.
   // C33: doc/compatibility.md
   void insert_item (uint16_t index, const QUILL3::ListElement &element);
-  /// Moves the elements behind a place one back, together with the air positions there; one that stood on the
-  /// place is cleared.
+  /// Removes the element at a place. The elements behind it move down by one, and so do the air positions
+  /// that point to them. An air position that points to the place is cleared.
   void remove_item (uint16_t index);
-  /// Takes all elements and air positions; the list's identifier stays.
+  /// Removes all elements and air positions. The list's identifier stays.
   // C35: doc/compatibility.md
   void clear_items ();
 
   bool is_loaded () const { return list_id.present; }
-  /// Elements of the loaded list. A last one with nothing in it marks the end of the list and does not count.
+  /// The number of elements of the loaded list. An empty last element marks the end of the list and does not
+  /// count.
   // C34: doc/compatibility.md
   uint32_t count () const;
 

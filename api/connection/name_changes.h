@@ -9,9 +9,9 @@
 #include <set>
 #include <string_view>
 
-/// Names that reports of the server have added, changed or deleted, until a caller takes them: of clips, or
-/// of directories, which are never changed. A name is in one of the three sets at most. Names are taken in
-/// the order of their characters. An empty name is ignored. Any thread may call any member.
+/// Names of clips or directories that the server has reported as added, changed or deleted, until a caller
+/// takes them. Directories are never reported as changed. A name is in one of the three sets at most. Names
+/// are taken in the order of their characters. An empty name is ignored. Any thread may call any member.
 // C36, C37: doc/compatibility.md
 class NameChanges {
 public:
@@ -41,9 +41,9 @@ consteval uint32_t report_type (std::string_view kind) {
   return member (QUILL3::Enumeration::ReportType, kind);
 }
 
-/// One kind of report that callers may ask for, and the names that it has brought.
+/// One kind of report that callers may ask for, and the names that were reported.
 struct TrackedNames {
   const uint32_t report_type;          ///< enumeration ReportType
-  std::atomic<bool> registered{false}; ///< the server has accepted it; each new link asks again
+  std::atomic<bool> registered{false}; ///< the server has accepted it; sent again on each new link
   NameChanges changes{};
 };

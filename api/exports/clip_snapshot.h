@@ -3,8 +3,8 @@
 #include "api/exports/export_call.h"
 #include "api/handles/metadata_handles.h"
 
-// What exports that work on a metadata handle are written with. A read copies the whole snapshot and works on
-// the copy, without any traffic; a change is sent to the server first and then made in the snapshot.
+// Helpers for the exports that work on a metadata handle. A read copies the whole snapshot and sends nothing.
+// A change is sent to the server first and then made in the snapshot.
 
 /// Calls `take (const ClipInfo &)` with a copy of the record. @return "OK" or "Invalid handle", without a
 /// call.

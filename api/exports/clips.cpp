@@ -6,7 +6,7 @@ using namespace typehelp;
 
 namespace {
 
-/// The tracks of a new clip; video brings timecode along.
+/// The tracks of a new clip. A clip with video has a timecode track too.
 QUILL3::TrackSet tracks (uint32_t track_mask) {
   return track_set_from_mask (track_mask, true);
 }

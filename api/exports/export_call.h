@@ -3,7 +3,7 @@
 #include "api/connection/command_flow.h"
 #include "api/connection/connection_registry.h"
 
-// What the exported functions are written with. No exception leaves them.
+// Helpers for all exported functions. No exception leaves them.
 
 namespace command = QUILL3::command;
 using QUILL3::API;

@@ -4,8 +4,8 @@
 #include "api/exports/export_call.h"
 #include "api/handles/list_handles.h"
 
-/// What the readers of all lists do: takes a name off and fills the buffer with it, with the empty text after
-/// "Invalid handle" too.
+/// Takes the first name off a list and copies it into the buffer, for the readers of all kinds of lists. With
+/// "Invalid handle" the buffer receives the empty text.
 // C9, C11, C39: doc/compatibility.md
 inline ResultCode take_list_name (uint32_t handle, OrvaStringBuffer name) noexcept {
   return guarded ([&] {

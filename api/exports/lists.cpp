@@ -7,8 +7,8 @@ using namespace typehelp;
 
 namespace {
 
-/// Asks for names, and makes a list handle of them.
-/// @param handle receives it; may be null: the names are asked for and dropped
+/// Asks for names and opens a list of them.
+/// @param handle receives the list handle; may be null, then the names are dropped
 template <class Command>
 ResultCode open_list (uint32_t connection, uint32_t *handle) noexcept {
   return on_connection (connection, [&] (const Connection &self) {

@@ -13,9 +13,8 @@
 template <class T>
 class HandleTable {
 public:
-  /// @param next_number gives the numbers; one that is in use is passed over. Throws std::bad_alloc when
-  /// there
-  ///   is no lock to be had.
+  /// Throws std::bad_alloc when the system cannot make a lock.
+  /// @param next_number returns the numbers; a number that is in use is skipped
   explicit HandleTable (uint32_t (*next_number) () noexcept = next_unique_number)
       : next_number_ (next_number) {}
   HandleTable (const HandleTable &) = delete;
@@ -44,7 +43,7 @@ public:
   /// Takes a value out and destroys it, outside the lock; an unknown number does nothing.
   void close (uint32_t handle) { take (handle); }
 
-  /// The same under the lock: who looks for a value meanwhile waits until this one has been destroyed.
+  /// The same under the lock: a thread that looks up a value waits until this one has been destroyed.
   void close_under_lock (uint32_t handle) {
     const AMutexScope hold (lock_);
     values_.erase (handle);

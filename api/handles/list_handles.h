@@ -9,7 +9,7 @@
 /// list is given to one caller. Any thread may call any member.
 class ListHandles : public HandleTable<AStringList> {
 public:
-  /// The one of the process, made at first use and never destroyed.
+  /// The lists of the process, made at first use and never destroyed.
   static ListHandles &instance ();
 
   /// Takes the first name off a list, in constant time; the empty text when none is left, as no name is

@@ -11,15 +11,15 @@ struct ClipSnapshot {
 };
 
 /// The snapshots of clips that callers have open. They belong to the process and live until they are closed,
-/// also beyond the end of their connection. Nothing refreshes a snapshot; only changes that are made through
-/// it are repeated in it. Any thread may call any member.
+/// also beyond the end of their connection. Nothing refreshes a snapshot. Only changes that are made through
+/// it change it. Any thread may call any member.
 class MetaDataHandles : public HandleTable<ClipSnapshot> {
 public:
-  /// The one of the process, made at first use and never destroyed.
+  /// The snapshots of the process, made at first use and never destroyed.
   static MetaDataHandles &instance ();
 
-  /// Copies a snapshot out, so that what is read is of one moment.
-  /// @return "OK" or "Invalid handle", which leaves @p snapshot alone
+  /// Copies a snapshot, so that all values that are read belong together.
+  /// @return "OK", or "Invalid handle", and @p snapshot keeps its value
   ResultCode copy (uint32_t handle, ClipSnapshot &snapshot) {
     return result_of (visit (handle, [&] (const ClipSnapshot &kept) { snapshot = kept; }));
   }

@@ -3,7 +3,7 @@
 #include <atomic>
 #include <cstdint>
 
-/// Counts up by one, passing over 0. @return the new value. Any thread.
+/// Counts up by one and skips 0. @return the new value. Any thread.
 uint32_t next_nonzero (std::atomic<uint32_t> &counter) noexcept;
 
 /// The next of the numbers that connections, list handles and metadata handles share, so that no two of them

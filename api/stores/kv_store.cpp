@@ -129,8 +129,8 @@ ResultCode KVStore::send_unlocked (const Command &command) {
   return ordinary_command (connection_, command);
 }
 
-// The key stays in its table until the server has accepted it, so that whoever waits for that sees it. A
-// value that has replaced this one meanwhile stays there too, and is sent later.
+// The key stays in its table until the server has accepted it, so `flush` waits for it. A value that has
+// replaced this one meanwhile stays too, and is sent later.
 bool KVStore::send_a_setting () {
   const auto [key, value] = *pending_.set.cbegin ();
   const ResultCode code = send_unlocked (QUILL3::command::metadata_set{
@@ -153,8 +153,8 @@ bool KVStore::send_an_erasure () {
   return true;
 }
 
-// All stores share what ends this wait early: the end of the first store of the process that waited here.
-// After that nothing ends it early.
+// In all stores this wait ends early when the first store of the process that waited here is closed. After
+// that nothing ends it early.
 // C50: doc/compatibility.md
 void KVStore::wait_before_retry () {
   using Stop = std::weak_ptr<const std::atomic<bool>>;
@@ -179,7 +179,7 @@ void KVStore::close () {
   pending_.drained.wait_for (pending_.lock, close_worker_milliseconds,
                              [this] () KELVANE_REQUIRES (pending_.lock) { return pending_.worker_finished; });
   pending_.worker->join ();
-  pending_.stop_requested.reset (); // who still holds this store must not keep other stores from waiting
+  pending_.stop_requested.reset (); // a closed store must not shorten the waits of others
 }
 
 // --- From the server to callers
@@ -232,8 +232,8 @@ bool KVStore::short_key (const AString &report_prefix, const AString &key, std::
   return true;
 }
 
-// Wakes those who wait for a change when keys have been added to those that wait to be delivered, also when
-// memory has run out before the last one was.
+// Wakes the threads that wait for a change when keys have been added to the changes, also when memory has run
+// out before the last key was added.
 struct KVStore::Announcement {
   explicit Announcement (KVStore &of) KELVANE_REQUIRES (of.changes_lock_)
       : store (of), waiting (of.changes_order_.size ()) {}
@@ -263,8 +263,8 @@ void KVStore::on_remove (const AString &report_prefix, const QUILL3::KeyList &ke
       note_erasure (std::move (key));
 }
 
-// A key that waits to be delivered keeps its position in the order, whatever becomes of it. What needs memory
-// is done first, so that a failure leaves the tables as they were.
+// A key that waits to be taken keeps its position in the order when it changes again. What needs memory is
+// done first, so that a failure leaves the tables as they were.
 
 void KVStore::note_setting (std::u16string key, std::u16string value) {
   const auto set = changes_set_.find (key);

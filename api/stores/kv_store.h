@@ -11,10 +11,10 @@
 #include <unordered_map>
 #include <unordered_set>
 
-/// A client's view of the keys with one prefix in a metadata database of the server, which is called a folder
-/// here. What callers set and erase is kept as pending until the server has accepted it, one key at a time,
-/// by a thread of the store's own; what the server reports is folded into one undelivered change for each
-/// key. The server reports a store's own writes too, like those of anybody else.
+/// A view of the keys with one prefix in a metadata database of the server, which is called a folder here.
+/// What callers set and erase is pending until the server has accepted it. A thread of the store sends it,
+/// one key at a time. Of the changes that the server reports, the last one of each key waits for a caller.
+/// The server reports a store's own writes too.
 ///
 /// Threads: any number may call any member but the constructor and `close`, which are called once, first and
 /// last. Reports are received on the connection's thread, under the lock of the connection's watches. The two
@@ -22,44 +22,44 @@
 // C54, C55: doc/compatibility.md
 class KVStore final : public FolderListener {
 public:
-  /// Subscribes a store that is readable, so that reports may come before the constructor has ended, and
-  /// starts the thread of one that is writable. Throws when there is no memory or no thread to be had, and
-  /// nothing is left behind then.
+  /// A readable store watches its folder, so reports may come before the constructor has ended. A writable
+  /// store starts its thread. When there is no memory or the system cannot start a thread, the constructor
+  /// throws, and the folder is not watched any more.
   /// @param prefix of the keys, part of no key that callers see; may be empty
   /// @param mode an OrvaStoreMode
   KVStore (Connection connection, std::u16string folder, std::u16string prefix, uint32_t mode);
-  /// `close` has been called.
+  /// `close` must have been called.
   ~KVStore () = default;
 
   ResultCode set (const std::u16string &key, std::u16string value);
   ResultCode erase (const std::u16string &key);
-  /// Waits until the server has accepted all that is pending, what is added meanwhile included. After `close`
-  /// it returns OK at once, whatever was lost.
+  /// Waits until the server has accepted all that is pending, including what is added meanwhile. After
+  /// `close` it returns OK at once, even if pending keys were lost.
   // C59: doc/compatibility.md
   ResultCode flush (uint32_t timeout_ms);
   /// Waits for a change and takes the one whose key changed first. @param type receives an OrvaStoreChange.
-  /// When the time is up, @p key and @p value are empty. Out of memory takes no change.
+  /// When the time is up, @p key and @p value are empty. When memory runs out, no change is taken.
   // C60: doc/compatibility.md
   ResultCode get_change (uint32_t timeout_ms, uint32_t *type, std::u16string *key, std::u16string *value);
   /// Waits until the folder has been downloaded.
   ResultCode wait_scan (uint32_t timeout_ms);
 
-  /// Ends the store: no report reaches it from here on, and what is pending has two seconds to be sent. Then
-  /// the thread has ten more to end, and is waited for without limit. When this returns, the thread has
-  /// ended for certain.
+  /// Ends the store. It receives no more reports. It waits two seconds until all that is pending has been
+  /// sent, then ten seconds for the end of the thread, and then without limit. When this returns, the thread
+  /// has ended for certain.
   ///
-  /// Known limit: this waits for ever when a server has not answered the thread's command for twelve seconds,
-  /// because the last wait holds the pending lock, which the thread needs before it can end.
+  /// Known limit: when the server has not answered the thread's command within twelve seconds, this waits for
+  /// ever. The last wait holds the pending lock, and the thread needs that lock to end.
   void close ();
 
-  /// What was set in or removed from the folder. Keys that do not begin with this store's prefix, or are
-  /// nothing but the prefix, are not the store's.
+  /// Called when keys of the folder were set or removed. Ignores keys that do not begin with this store's
+  /// prefix, and a key that equals the prefix.
   // C57: doc/compatibility.md
   void on_change (const AString &report_prefix, const QUILL3::MetadataList &items) override;
   void on_remove (const AString &report_prefix, const QUILL3::KeyList &keys) override;
 
 private:
-  friend struct BrokenTables; // a test, because no call can break them
+  friend struct BrokenTables; // of a test: no call can break the tables
 
   struct Pending {
     Mutex lock;
