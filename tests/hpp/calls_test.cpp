@@ -17,7 +17,7 @@ using support::wait_until;
 
 TEST (Errors, GiveTheServersText) {
   FakeServer fake;
-  fake.answer_any (refusal ("Clip &apos;X&apos; is loaded \xE2\x82\xAC"));
+  fake.answer_any (::refused ("Clip &apos;X&apos; is loaded \xE2\x82\xAC"));
   const Connected server (fake);
   const result<void> outcome = server.nothrow ().clip ("X").erase ();
   ASSERT_FALSE (outcome);
@@ -26,7 +26,7 @@ TEST (Errors, GiveTheServersText) {
   try {
     server.clip ("X").erase ();
     FAIL ();
-  } catch (const refused &failed) {
+  } catch (const orva::refused &failed) {
     EXPECT_STREQ (failed.what (), "Clip 'X' is loaded \xE2\x82\xAC");
     EXPECT_FALSE (failed.outcome_unknown ());
   }
@@ -35,7 +35,7 @@ TEST (Errors, GiveTheServersText) {
 TEST (Errors, GiveALongTextWhole) {
   const std::string text (20000, 'x');
   FakeServer fake;
-  fake.answer_any (refusal (text));
+  fake.answer_any (::refused (text));
   const Connected server (fake);
   EXPECT_EQ (server.nothrow ().channel (A).play ().failure ().text, text);
 }
@@ -81,7 +81,7 @@ TEST (Errors, OfAClosedServer) {
 TEST (Errors, OfOneStepEndAnOperationOfSeveral) {
   FakeServer fake;
   fake.answer_any ("<ok />");
-  fake.answer ("insert_edit", refusal ("Locked"));
+  fake.answer ("insert_edit", ::refused ("Locked"));
   const Connected server (fake);
   EXPECT_EQ (server.nothrow ().channel (A).record ("X").failure ().text, "Locked");
   EXPECT_EQ (fake.command_count (), 2u);
@@ -221,7 +221,7 @@ TEST (Cancelling, OfAnotherDoesNothing) {
 TEST (Futures, CarryValuesAndFailures) {
   FakeServer fake;
   fake.answer ("play", "<ok />");
-  fake.answer ("stop", refusal ("No"));
+  fake.answer ("stop", ::refused ("No"));
   fake.answer ("download_clipids", {"<clipid><ClipID>ONE</ClipID></clipid>", "<ok />"});
   const Connected server (fake);
   auto played = server.async ().channel (A).play ();
@@ -264,14 +264,14 @@ TEST (Answers, CanBeIgnored) {
   fake.send (support::reply_to (fake.command (1), "<ok />"));
   EXPECT_NO_THROW (server.wait_for_answers ());
   server.ignore_answers (false);
-  fake.answer_any (refusal ("No"));
+  fake.answer_any (::refused ("No"));
   EXPECT_EQ (thrown ([&] { server.channel (A).play (); }), Kind::refused);
 }
 
 TEST (Health, IsAnAnswer) {
   FakeServer fake;
   const Connected server (fake);
-  fake.answer ("get_video_standard", refusal ("Busy"));
+  fake.answer ("get_video_standard", ::refused ("Busy"));
   EXPECT_TRUE (server.healthy (generous));
   fake.silent (true);
   EXPECT_FALSE (server.healthy (5ms));
@@ -307,7 +307,8 @@ TEST (Ends, DoNotWaitForStuckCalls) {
 TEST (Ends, ComeInTheMiddleOfEverything) {
   FakeServer fake;
   fake.answer_any ("<ok />");
-  fake.answer ("channel_report_register", refusal ("Not now")); // without a report the library waits for 6 s
+  fake.answer ("channel_report_register",
+               ::refused ("Not now")); // without a report the library waits for 6 s
   for (int round = 0; round != 20; ++round) {
     std::optional<Server> server (fake.address ());
     server->within (generous).wait_until_connected ();
@@ -336,7 +337,7 @@ TEST (Ends, OfTwentyServersThatComeAndGo) {
   for (int i = 0; i != 20; ++i) {
     fakes.push_back (std::make_unique<FakeServer> ());
     fakes.back ()->answer_any ("<ok />");
-    fakes.back ()->answer ("channel_report_register", refusal ("Not now"));
+    fakes.back ()->answer ("channel_report_register", ::refused ("Not now"));
   }
   for (int round = 0; round != 3; ++round) {
     EventQueue queue;

@@ -2,6 +2,7 @@
 
 // What tests of orva.hpp against the scripted server share.
 
+#include "exports/session.h"
 #include "orva.hpp"
 #include "support/fake_server.h"
 
@@ -12,19 +13,6 @@
 #include <string_view>
 
 inline constexpr std::chrono::milliseconds generous = support::generous;
-
-/// The body of an answer that refuses a command.
-inline std::string refusal (const std::string &text) {
-  return "<error><ErrorMessage>" + text + "</ErrorMessage><ErrorCode>general</ErrorCode></error>";
-}
-
-/// The document that a client writes around an element, with CR LF for each '|' of the pattern.
-inline std::string document (const std::string &xid, std::string_view pattern) {
-  std::string bytes = "<cmd>\r\n<xid>" + xid + "</xid>\r\n";
-  for (const char c : pattern)
-    bytes += c == '|' ? std::string ("\r\n") : std::string (1, c);
-  return bytes + "\r\n</cmd>";
-}
 
 /// A server object that is connected to a scripted server.
 class Connected : public orva::Server {

@@ -163,7 +163,7 @@ TEST (Results, HoldAValueOrAFailure) {
   EXPECT_FALSE (none);
   EXPECT_EQ (none.value_or (8), 8);
   EXPECT_EQ (none.failure ().text, "No");
-  EXPECT_THROW (none.value (), refused);
+  EXPECT_THROW (none.value (), orva::refused);
   EXPECT_NO_THROW (result<void> ().value ());
 }
 
@@ -171,7 +171,7 @@ TEST (Failures, ThrowTheirOwnExceptions) {
   EXPECT_THROW ((Failure{Kind::invalid, ""}.raise ()), invalid);
   EXPECT_THROW ((Failure{Kind::not_connected, ""}.raise ()), not_connected);
   EXPECT_THROW ((Failure{Kind::link_lost, ""}.raise ()), link_lost);
-  EXPECT_THROW ((Failure{Kind::refused, ""}.raise ()), refused);
+  EXPECT_THROW ((Failure{Kind::refused, ""}.raise ()), orva::refused);
   EXPECT_THROW ((Failure{Kind::timed_out, ""}.raise ()), timed_out);
   EXPECT_THROW ((Failure{Kind::cancelled, ""}.raise ()), cancelled);
   EXPECT_THROW ((Failure{Kind::unsupported, ""}.raise ()), unsupported);
