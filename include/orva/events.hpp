@@ -86,6 +86,8 @@ struct DirectoryAdded {
 struct DirectoryDeleted {
   std::string directory;
 };
+/** All that is to be watched is reported from now on, and its present values have been told. Told once. */
+struct Watching {};
 /** The server does not report what is to be watched. It is asked again each second. */
 struct WatchFailed {
   std::string what;
@@ -97,7 +99,7 @@ struct Event {
   using What =
       std::variant<LinkUp, LinkDown, StatusChanged, ClipLoaded, PositionChanged, SpeedChanged, LengthChanged,
                    PrecuedChanged, RepeatChanged, AngleChanged, InputChanged, ClipAdded, ClipDeleted,
-                   ClipEdited, DirectoryAdded, DirectoryDeleted, WatchFailed>;
+                   ClipEdited, DirectoryAdded, DirectoryDeleted, Watching, WatchFailed>;
 
   Address server;
   What what;
@@ -147,7 +149,9 @@ public:
   }
 
   const Interest interest;
-  bool fresh = true; ///< has not been told the present yet; only the watching thread uses it
+  // Only the watching thread uses these.
+  bool fresh = true;  ///< has not been told the present yet
+  bool ready = false; ///< has been told Watching
 
 private:
   mutable std::recursive_mutex lock_;
@@ -222,6 +226,7 @@ private:
     greet (*core);
     start_asking (core);
     look_at_new_items (*core, server);
+    tell_ready (*core);
     if (notice != ORVA_NOTICE_NONE)
       look (*core, server, Channel (channel), item_of (notice));
     if (Clock::now () >= next_names_) {
@@ -459,6 +464,26 @@ private:
   void look (const Core &core, std::uint32_t server, Channel channel, Item item) {
     if (channel.valid () && (told_[channel.number ()] & 1u << item) != 0)
       tell_item (core, server, channel, item, false);
+  }
+
+  /** Tells a subscription that all it is interested in is reported. */
+  void tell_ready (const Core &core) {
+    bool clips = false, directories = false;
+    {
+      const std::lock_guard<std::mutex> hold (lock_);
+      clips = clips_tracked_;
+      directories = directories_tracked_;
+    }
+    for (const auto &slot : present_) {
+      bool ready =
+          !slot->ready && (clips || !slot->interest.clips) && (directories || !slot->interest.directories);
+      for (const Channel channel : Channels::all ())
+        ready = ready && (items (slot->interest, channel) & ~told_[channel.number ()]) == 0;
+      if (!ready)
+        continue;
+      slot->ready = true;
+      tell_slot (core, *slot, Watching{});
+    }
   }
 
   void tell_item (const Core &core, std::uint32_t server, Channel channel, Item item, bool first) {

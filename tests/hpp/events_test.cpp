@@ -52,6 +52,7 @@ TEST (Events, BeginWithThePresent) {
   EXPECT_EQ (next<RepeatChanged> (queue).repeat, Repeat::pingpong);
   EXPECT_EQ (next<AngleChanged> (queue).angle, 2u);
   EXPECT_EQ (next<InputChanged> (queue).input.mode, InputMode::manual);
+  next<Watching> (queue);
 
   EventQueue late; // what is known is told again to who comes later, without traffic
   const size_t before = fake.command_count ();
@@ -66,7 +67,7 @@ TEST (Events, TellChanges) {
   const Connected server (fake);
   EventQueue queue;
   queue.watch (server, only (A, true));
-  next<InputChanged> (queue);
+  next<Watching> (queue);
   fake.status ("A", "stop");
   EXPECT_EQ (next<StatusChanged> (queue).status, Status::stopped);
   fake.clip ("A", "\xC3\xA4");
@@ -118,7 +119,7 @@ TEST (Events, TellOfClipsAndDirectories) {
   const Connected server (fake);
   EventQueue queue;
   queue.watch (server);
-  next<InputChanged> (queue, [] (const InputChanged &input) { return input.channel == H; }); // all is watched
+  next<Watching> (queue);
   fake.report ("<clip_created><ClipID>NEW</ClipID></clip_created>");
   EXPECT_EQ (next<ClipAdded> (queue).clip, "NEW");
   fake.report ("<clip_changed><ClipID>NEW</ClipID></clip_changed>");
@@ -138,9 +139,9 @@ TEST (Events, AreOnlyWhatIsOfInterest) {
   Interest interest = only (A);
   interest.clips = false;
   some.watch (server, interest);
-  next<InputChanged> (some);
+  next<Watching> (some);
   all.watch (server, only (A | B, true));
-  next<InputChanged> (all, [] (const InputChanged &input) { return input.channel == B; });
+  next<Watching> (all);
   fake.status ("B", "stop");
   fake.position ("A", 1);
   fake.report ("<clip_created><ClipID>NEW</ClipID></clip_created>");
@@ -214,7 +215,7 @@ TEST (Handlers, MayEndTheirOwnSubscription) {
   ASSERT_TRUE (wait_until ([&] { return calls == 1; }));
   EventQueue queue; // told after the handler would have been
   queue.watch (server, only (A));
-  next<InputChanged> (queue);
+  next<Watching> (queue);
   EXPECT_EQ (calls, 1);
 }
 
@@ -256,7 +257,7 @@ TEST (Queues, OutliveTheirServers) {
   {
     const Connected server (fake);
     queue.watch (server, only (A));
-    next<InputChanged> (queue);
+    next<Watching> (queue);
   }
   EXPECT_FALSE (queue.next (0ms));
 }
@@ -283,7 +284,7 @@ TEST (Queues, KeepTheLastPositionOnly) {
   EventQueue queue, other;
   queue.watch (server, only (A, true));
   other.watch (server, only (A, true));
-  next<InputChanged> (queue);
+  next<Watching> (queue);
   for (int position = 100; position != 120; ++position) {
     fake.position ("A", position);
     next<PositionChanged> (
@@ -315,7 +316,7 @@ TEST (Queues, TakeManyServers) {
   }
   std::vector<Address> stopped;
   for (size_t ready = 0; ready != servers.size (); ++ready)
-    next<InputChanged> (queue);
+    next<Watching> (queue);
   for (const auto &fake : fakes)
     fake->status ("A", "stop");
   while (stopped.size () != servers.size ()) {

@@ -1,0 +1,44 @@
+// Ends in good order, with threads at work: stops what waits, ends what watches, and closes the server last.
+//
+//     clean_end [address]        127.0.0.1 when none is given
+#include <orva.hpp>
+
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <thread>
+
+using namespace std::chrono_literals;
+
+int main (int argc, char **argv) try {
+  orva::Server server (argc > 1 ? argv[1] : "127.0.0.1");
+  server.wait_until_connected ();
+
+  // At work: a handler, and a thread which waits for something that never happens.
+  std::atomic<int> events{0};
+  orva::Subscription watching = server.on_event ([&] (const orva::Event &) { ++events; });
+  orva::Cancel stop;
+  std::thread worker ([control = server.cancelled_by (stop).nothrow ()] {
+    const auto state = control.channel (orva::H).wait_for (orva::Status::recording, orva::no_limit);
+    std::printf ("The worker has ended: %s.\n", state ? "recording" : state.failure ().text.c_str ());
+  });
+  std::this_thread::sleep_for (500ms);
+
+  // The end. A frozen server does not hold it up: nothing here waits for an answer.
+  watching.end (); // the handler does not run from here on
+  std::printf ("The handler has ended.\n");
+  stop.cancel (); // every operation of the worker fails from here on
+  worker.join ();
+  server.close (); // the destructor would do it, too
+  std::printf ("All is closed%s.\n", events > 0 ? "" : ", and nothing was told");
+  return 0;
+} catch (const orva::error &failed) {
+  std::printf ("%s\n", failed.what ());
+  return 1;
+}
+
+// Output:
+//
+//     The handler has ended.
+//     The worker has ended: Cancelled.
+//     All is closed.

@@ -1,0 +1,43 @@
+// A table that processes share: whatever one sets, all others see.
+//
+//     shared_store ADDRESS NAME        sets "NAME" to "here", prints what others set until somebody sets
+//     "end"
+#include <orva.hpp>
+
+#include <cstdio>
+#include <string>
+
+int main (int argc, char **argv) try {
+  if (argc != 3) {
+    std::printf ("shared_store ADDRESS NAME\n");
+    return 2;
+  }
+  setvbuf (stdout, nullptr, _IONBF, 0);
+  orva::Server server (argv[1]);
+  server.wait_until_connected ();
+
+  // The prefix keeps this table apart from others in the same folder, and is no part of the keys here.
+  const auto store = server.store ("EXAMPLES", orva::StoreMode::read_write, "shared_store/");
+  store.wait_loaded ();
+  store.set (argv[2], "here"); // goes out by itself, and again until the server has it
+  store.flush ();              // so this waits until it has
+
+  for (;;) {
+    const auto change = store.within (orva::no_limit).next_change ();
+    if (!change)
+      continue;
+    std::printf ("%s = %s\n", change->key.c_str (), change->value.value_or ("(erased)").c_str ());
+    if (change->key == "end")
+      break;
+  }
+  return 0;
+} catch (const orva::error &failed) {
+  std::printf ("%s\n", failed.what ());
+  return 1;
+}
+
+// Output of "shared_store 127.0.0.1 desk1", while "shared_store 127.0.0.1 desk2" starts and then "end":
+//
+//     desk1 = here
+//     desk2 = here
+//     end = here
