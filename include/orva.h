@@ -6,6 +6,8 @@
  * connection to that server open until orva_close(). When the connection is lost, it connects again by
  * itself.
  *
+ * Programs for common work, from playing a clip to recording one, are in doc/cookbook.md.
+ *
  * SECTIONS of this file: Connections, Last error, Waiting or not, Transport and gangs, Clips, Lists of clips
  * and directories, Changes of clips and directories, Metadata handles, Attributes of clips, Virtual clips,
  * Server information, State of channels, Notices, Playlists, Key-value stores. The rules for all functions of
@@ -358,7 +360,11 @@ ORVA_API uint32_t orva_unload_channel (uint32_t connection, uint32_t channel);
  * is nothing.
  */
 
-/** Starts or ends an insert edit of a channel. @param edit_bits see above. */
+/**
+ * Starts or ends an insert edit of a channel. @param edit_bits see above.
+ * To record: orva_create_clip3() for the channel, orva_edit_all_on(), orva_cmd_play2() at 1.0; to end it,
+ * orva_cmd_stop1() and orva_edit_all_off(). A whole program is in the cookbook, doc/cookbook.md.
+ */
 ORVA_API uint32_t orva_edit1 (uint32_t connection, uint32_t channel, uint32_t edit_bits);
 /** Starts or ends an insert edit of a set of channels. @param edit_bits see above. */
 ORVA_API uint32_t orva_gang_edit1 (uint32_t connection, uint32_t mask, uint32_t edit_bits);

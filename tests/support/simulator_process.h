@@ -33,6 +33,10 @@ public:
   /// Takes it away as a crash or a power failure does. Connections end, nothing is tidied up.
   void kill ();
 
+  /// Stops it where it is: connections stay, and nobody answers. `thaw` or `kill` ends that.
+  void freeze ();
+  void thaw ();
+
   /// Asks it to end and waits. @return its exit status, -1 when a signal ended it or it did not run
   int stop ();
 

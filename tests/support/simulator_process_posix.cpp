@@ -82,6 +82,14 @@ int SimulatorProcess::wait () {
   return WIFEXITED (status) ? WEXITSTATUS (status) : -1;
 }
 
+void SimulatorProcess::freeze () {
+  ::kill (process_, SIGSTOP);
+}
+
+void SimulatorProcess::thaw () {
+  ::kill (process_, SIGCONT);
+}
+
 void SimulatorProcess::kill () {
   if (!running ())
     return;
