@@ -4,7 +4,8 @@
 #include "xml/xml_tree.h"
 
 /// The children of a tree for a range-based loop. Unlike a cursor of the list, its iterators keep nothing
-/// alive: the tree must not be changed, assigned or destroyed meanwhile. They are plain pointers to move.
+/// alive, so the tree must not be changed, assigned or destroyed meanwhile. Moving them costs as much as
+/// moving a pointer.
 class XMLChildren {
 public:
   class Iterator {

@@ -1,4 +1,4 @@
-/// Texts whose code points lie together, as scans want them.
+/// Texts whose code points are contiguous in memory, for fast scans.
 #pragma once
 
 #include "base/astring.h"

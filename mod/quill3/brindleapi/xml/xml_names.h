@@ -7,22 +7,23 @@
 #include <string_view>
 #include <vector>
 
-/// A set of names, numbered from 0 in the order in which they were added. A parser that is given one finds
-/// the number of each element's name in it: readers then compare numbers, and a tree takes the name from here
-/// instead of building a text of its own. The parser works the same without; it knows no name itself.
+/// A set of names, numbered from 0 in the order in which they were added. A parser that has such a table
+/// looks up the number of each element's name in it. Readers then compare numbers, and a tree shares the text
+/// of the name. A parser also works without a table.
 ///
-/// Threads: filled by one; afterwards all else may be called from any.
+/// Threads: one thread fills it; afterwards any thread may read it.
 class XMLNameTable {
 public:
   /// The number of a name that is not in the table.
   static constexpr uint32_t unknown = UINT32_MAX;
 
-  /// Adds a copy that shares the store of @p name. A name that is there already, or empty, changes nothing.
+  /// Adds a copy that shares the store of @p name. An empty name, or one that is in the table, changes
+  /// nothing.
   void add (const AString &name);
 
-  /// The number of a name, `unknown` when it is not here. Constant time.
+  /// The number of a name, `unknown` when it is not in the table. Constant time.
   uint32_t find (std::string_view name) const { return find (name, hash_of (name)); }
-  /// The same for whoever has the hash of the name already.
+  /// The same for a caller that has the hash of the name.
   uint32_t find (std::string_view name, uint32_t hash) const;
   uint32_t find_text (const AString &name) const;
 

@@ -10,9 +10,9 @@
 
 class XMLElement;
 
-/// An element, as text or as a tree, turned into an array of nodes in the order of their opening tags. What
-/// `parse_xml_text` accepts is accepted here. An object is used again and again, and allocates nothing once
-/// it has seen messages of the usual size.
+/// Turns an element, given as text or as a tree, into an array of nodes in the order of their opening tags.
+/// It accepts what `parse_xml_text` accepts. An object is used for many messages, and allocates nothing once
+/// it has read messages of the usual size.
 ///
 /// Threads: one at a time.
 class XMLNodes {
@@ -24,18 +24,19 @@ public:
 
   void set_names (const XMLNameTable *names) { names_ = names; }
 
-  // Each forgets what was held before. @return false when the text is refused; nothing is held then.
+  // Each drops the previous element. @return false when the text is refused; the array is then empty.
 
-  /// UTF-8, which must stay in place. It ends at the first thing that decode_utf8_received refuses.
+  /// Reads UTF-8. The bytes must stay in place. The text ends at the first byte that decode_utf8_received
+  /// refuses.
   bool read_bytes (std::string_view bytes);
   bool read_text (const AString &text);
 
-  /// The same for a tree, which must stay as it is. The null tree is an element without a name.
+  /// Reads a tree, which must not be changed meanwhile. The null tree is an element without a name.
   void read_tree (const XMLTree &tree);
 
-  /// The outermost element. Not to be called when nothing is held.
+  /// The outermost element. It must not be called when the array is empty.
   XMLElement root () const;
-  /// The same as a tree, the null tree when nothing is held.
+  /// The same as a tree, the null tree when the array is empty.
   XMLTree tree () const;
 
 private:
@@ -85,11 +86,12 @@ public:
   AString name () const { return nodes_->name (node_); }
   /// Without entities; empty where there are children.
   AString text () const { return nodes_->text (node_); }
-  /// The text where it lies, which spares making a text of it. @return false when there is anything in it but
-  /// plain ASCII, or it does not lie in bytes: `text` has it then
+  /// The text in place, without a copy. @return false when it is not stored as bytes or is not plain ASCII;
+  /// use `text` then
   bool plain_text (std::string_view *text) const;
 
-  /// Its place in the array, for whoever keeps many; and the element at another place of the same array.
+  /// Its place in the array, and the element at another place of the same array. Callers may keep places
+  /// instead of elements.
   uint32_t place () const { return node_; }
   XMLElement at (uint32_t place) const { return {nodes_, place}; }
 

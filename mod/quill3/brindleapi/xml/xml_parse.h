@@ -4,12 +4,12 @@
 #include "xml/xml_names.h"
 #include "xml/xml_tree.h"
 
-/// Parses one element. Accepted are start tags without attributes, end tags, empty-element tags, and text
-/// with the five named entities; no comments, declarations, CDATA sections, namespaces or numeric character
-/// references. Names are an ASCII letter followed by ASCII letters, digits and `_`. Blanks around names in
-/// tags and around the root are dropped; an element holds text, kept with its blanks, or child elements with
-/// nothing but blanks between them. What is blank is a matter of AChar::is_space: every code point from 256
-/// up is.
+/// Parses one element. It accepts start tags without attributes, end tags, empty-element tags, and text with
+/// the five named entities. It refuses comments, declarations, CDATA sections, namespaces and numeric
+/// character references. Names are an ASCII letter followed by ASCII letters, digits and `_`. Blanks around
+/// names in tags and around the root are dropped. An element holds text, kept with its blanks, or child
+/// elements with nothing but blanks between them. AChar::is_space says what is a blank, so every code point
+/// from 256 up is one.
 ///
 /// @param bad_result receives whether the text was refused; may be null
 /// @param names the names that need no text of their own; may be null

@@ -7,16 +7,16 @@
 #include <string_view>
 #include <vector>
 
-/// Takes the bytes of a stream and gives the elements in it whose names were registered, one at a time. It
-/// looks for the first opening tag of a registered name and the first closing tag of that name behind it,
-/// without counting nesting, and parses the bytes from the one to the other. Whatever stands in front of the
-/// opening tag is dropped unread when the element is taken; until then it counts against the buffer.
+/// Takes the bytes of a stream and returns the elements with registered names, one at a time. It looks for
+/// the first opening tag of a registered name and for the next closing tag of that name, without counting
+/// nesting, and parses the bytes from the one to the other. The bytes before the opening tag are dropped when
+/// the element is taken. Until then they count against the buffer.
 ///
-/// An element that the parser refuses makes the stream failed: from then on all bytes are swallowed and no
-/// element comes out, until `reset`.
+/// When the parser refuses an element, the stream has failed. From then on all bytes are dropped, and no
+/// element is returned until `reset`.
 ///
-/// Bytes that are no UTF-8, and NUL, end the text of an element at that place, so that it is then refused for
-/// want of closing tags. Nothing that a stream holds can fail an assertion.
+/// A NUL, or a byte that is not UTF-8, ends the text of an element at that place. The element is then
+/// refused, because its closing tag is missing. No bytes of a stream can fail an assertion.
 ///
 /// Threads: one at a time.
 class XMLStreamParser {
@@ -33,12 +33,12 @@ public:
   void set_names (const XMLNameTable *names) { nodes_.set_names (names); }
 
   uint64_t free_space () const { return bufsize_ - used_; }
-  /// Appends as many bytes as there is room for. @return their number; 0 for a length above 0 means that the
-  /// buffer is full and, if `next_element` has nothing to give, that the element in it can never be
-  /// completed. A failed stream swallows all.
+  /// Appends as many bytes as there is room for. @return their number. 0 for a length above 0 means that the
+  /// buffer is full. If `next_element` then returns nothing, the element in the buffer can never be
+  /// completed. A failed stream takes all bytes and drops them.
   uint64_t feed (uint64_t length, const char *bytes);
   /// Takes out the next element. @return it, valid until the next call of a member that is not const; null
-  /// when none is complete yet or the stream failed
+  /// when no element is complete or the stream has failed
   const XMLNodes *next_nodes ();
   /// The same as a tree of its own, the null tree for none.
   XMLTree next_element ();

@@ -21,9 +21,9 @@ enum XMLFormat : uint32_t {
 /// A plain value. Copies share their children until one side changes them, so a copy costs a few counts.
 /// Trees of any depth are copied, compared, written and destroyed without recursion.
 ///
-/// Nothing here fails: a lookup of what is not there gives the null tree, a null pointer, zero or false.
-/// Changes to the null tree have no effect. The parser refuses text beside children and the setters clear one
-/// when they set the other; should an element hold both, its text is not written.
+/// Nothing here fails: a lookup that finds nothing returns the null tree, a null pointer, zero or false.
+/// Changes to the null tree have no effect. The parser refuses text beside children, and the setters clear
+/// one when they set the other. If an element holds both all the same, its text is not written.
 ///
 /// Threads: a tree is used by one thread at a time; its copies may be used by others.
 /// Cost: lookups compare the names of the children in order. Two names that share a store compare in constant
@@ -34,8 +34,8 @@ public:
   using Attributes = std::map<AString, AString>;
   /// Lists of trees lie inside trees: asks nonstd_list to destroy them without recursion.
   static constexpr bool holds_lists = true;
-  /// Names and texts given to a tree share the store of the given text if it holds at most this many code
-  /// points beside them, else they are copied: a small tag must not keep a whole message alive.
+  /// A name or text in a tree shares the store of the given text if the store holds at most this many other
+  /// code points. Otherwise it is copied, so that a small tag does not keep a whole message in memory.
   static constexpr uint64_t store_slack = 32;
 
   /// The null tree.
@@ -75,7 +75,7 @@ public:
   /// The child elements in document order.
   const List &children () const { return children_.read (); }
   bool has_children () const noexcept { return !children_.is_empty (); }
-  /// Carried, copied, compared and written; the parser refuses attributes and nothing here sets any.
+  /// Attributes are copied, compared and written. The parser refuses them, and nothing here sets any.
   const Attributes &attributes () const;
 
   /// True when some child is named @p n.
@@ -108,12 +108,12 @@ public:
   uint32_t remove_children (const AString &n);
 
   // -- Writing: no declaration in front, no line break behind. An element with children is written without
-  // its text. Writing the null tree, or in a format that is none, is an assertion failure and gives nothing;
-  // a null tree among the children is one as well and is left out.
+  // its text. Writing the null tree, or in an unknown format, is an assertion failure and writes nothing. A
+  // null tree among the children is an assertion failure too, and is left out.
   // @param contract whether an element with neither children nor text is written `<Name />`; its text must be
   //   empty, not just blank
 
-  /// The pieces of the text in order, none of them copied from the tree where that can be helped.
+  /// The pieces of the text in order. They share the texts of the tree where possible.
   AStringList render (XMLFormat format, bool contract) const;
   /// The same as one text.
   AString render_text (XMLFormat format, bool contract) const;
