@@ -6,18 +6,18 @@
 #include <cstdlib>
 #include <new>
 
-/// Counts what `new` has given and not got back, in the whole process, and lets it run out. For programs of
-/// their own: including this replaces the operators, so one source of a program includes it.
+/// Counts the memory that is allocated with `new` in the whole process, and can make allocations fail.
+/// Including this replaces the operators, so it is for a test program of its own, in one of its sources.
 namespace support {
 
 inline std::atomic<int64_t> living_blocks{0};
 inline std::atomic<int64_t> living_bytes{0};
 
-/// How many allocations threads have made that are not spared.
+/// The number of allocations, without those of threads that have set `spared`.
 inline std::atomic<int64_t> allocations{0};
 
-/// Lets one allocation fail: after so many that succeed, of this thread or of all threads that are not
-/// spared; below 0, none.
+/// How many allocations succeed before one fails, of this thread or of all threads that have not set
+/// `spared`. Below 0 none fails.
 inline thread_local long until_failure = -1;
 inline std::atomic<long> until_failure_of_others{-1};
 inline thread_local bool spared = false;
@@ -30,7 +30,7 @@ inline bool has_run_out () noexcept {
   return !spared && until_failure_of_others >= 0 && until_failure_of_others-- == 0;
 }
 
-// The size stands in front of what is given.
+// The size is stored in front of the block.
 constexpr std::size_t front = 16;
 
 inline void *allocate (std::size_t size) noexcept {
@@ -55,8 +55,9 @@ inline void release (void *memory) noexcept {
 
 } // namespace counted
 
-/// Makes the call with its allocation of this thread failing that comes after n others, for n from 0 up,
-/// until it needs no more of them. After each failure calls `check` with what the call gave.
+/// Makes the call again and again. Its first allocation on this thread fails, then its second, and so on,
+/// until none of its allocations is left to fail. After each failure, `check` is called with the result of
+/// the call.
 /// @return how many allocations there were to fail
 template <class Call, class Check>
 unsigned fail_each_allocation (Call call, Check check) {

@@ -316,7 +316,7 @@ int FakeServer::Machine::milliseconds_to_wait () const {
   return static_cast<int> (rest) + 1;
 }
 
-// Also before a connection is ended: a client may have taken for connected what still stands in the queue.
+// Also before a connection is ended, because a client may count as connected while it is still in the queue.
 void FakeServer::Machine::accept_all () {
   while (accepting_) {
     const net::Handle handle = net::accept_one (listener_);

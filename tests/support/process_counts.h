@@ -5,8 +5,8 @@
 
 namespace support {
 
-/// What this process has of the system at the moment, to compare before and after. 0 where it is not told, on
-/// Windows.
+/// What this process has of the system at the moment, to compare before and after. 0 where it is not known,
+/// on Windows.
 size_t open_descriptors ();
 size_t running_threads ();
 

@@ -25,7 +25,7 @@ struct Watch {
 inline constexpr int would_block = -1;
 inline constexpr int broken = -2;
 
-/// Something that one thread waits for and any thread can ring. no_handle when none can be had.
+/// Makes a bell: one thread waits for it, and any thread can ring it. no_handle when the system refuses.
 Handle open_bell ();
 
 /// Makes a bell readable. Any thread.

@@ -37,7 +37,7 @@ std::string timecode_body (const World &world, int channel) {
   Writer out = started ("channel_timecode", channel);
   out.number ("ClipPosition", world.seen (channel).position ());
   write_display_timecode (out, world, channel);
-  // No timecode is plugged in.
+  // No timecode is connected.
   out.open ("InputTimecode").boolean ("Valid", false).close ("InputTimecode");
   return out.close ("channel_timecode").take ();
 }
@@ -74,7 +74,7 @@ std::string info_body (const Deck &deck, int channel) {
   return out.close ("ChannelInformation").close ("channel_info").take ();
 }
 
-// What is compared to find news. Contents of lists are told of as they change.
+// The bodies that are compared. Changes of the contents of lists are reported when they happen.
 std::vector<std::string> watched_bodies (const World &world, int channel, int kind) {
   if (kind == report_listplay)
     return air_bodies (world, channel, playlists);

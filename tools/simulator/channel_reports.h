@@ -10,22 +10,23 @@ namespace sim {
 
 class World;
 
-/// The bodies that tell a client the present state of a channel, as one kind of report.
+/// The bodies that report the present state of a channel, for one kind of report.
 std::vector<std::string> present_bodies (const World &world, int channel, int kind);
 
-/// The field number, with what it counts in. One that a timecode cannot hold is no valid timecode.
+/// Writes a field number as a timecode with its standard. A number that no timecode can hold is written as
+/// not valid.
 void write_timecode (Writer &out, std::string_view tag, const World &world, std::int64_t field,
                      bool drop_frame);
-/// The timecode of the picture a channel shows.
+/// Writes the timecode of the picture that a channel shows.
 void write_display_timecode (Writer &out, const World &world, int channel);
 
 /// Remembers what was reported of each channel and finds out what is new.
 class ChannelReporter {
 public:
-  /// The bodies that differ from what they were the last time, but not positions.
+  /// The bodies that differ from those of the last call, without positions.
   std::vector<std::pair<int, std::string>> news (const World &world, int channel);
 
-  /// Whether the position differs from the one this told of before.
+  /// Whether the position differs from that of the last call.
   bool position_is_news (const World &world, int channel);
 
 private:

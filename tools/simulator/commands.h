@@ -26,7 +26,7 @@ int channel_of (const Arguments &arguments);
 /// The numbers of all channels in the set. @throws Refusal when the server lacks one of them.
 std::set<int> channels_of (const Arguments &arguments);
 
-/// Tells everyone who watches a key of the user dictionary what it holds now.
+/// Reports the value of a key of the user dictionary to everyone who watches it.
 void report_key (World &world, const std::string &key, const std::string &value);
 
 } // namespace sim

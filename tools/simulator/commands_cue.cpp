@@ -28,7 +28,7 @@ Content wanted_content (World &world, const Arguments &arguments) {
                                                                                  : clip_content (world, name);
 }
 
-// What no number holds becomes the greatest, which lies beyond the end of every clip, too.
+// A number that is too large becomes the largest one, which is also beyond the end of every clip.
 std::uint32_t last_of (std::uint32_t first, std::uint32_t length) {
   constexpr std::uint32_t most = 0xFFFFFFFF;
   return length - 1 > most - first ? most : first + (length - 1);
@@ -86,7 +86,7 @@ void take_waiting (Call &call) {
   take (call.world, channel_of (call.arguments), how);
 }
 
-// Without a clip: what comes in, as it comes in, so many fields late. It never ends.
+// Without a clip: the input, a number of fields late. It never ends.
 Content live_content () {
   Content content;
   content.source = Source::live;

@@ -83,8 +83,8 @@ void maybe_refuse (World &world) {
     throw Refusal ("The change of metadata is refused, as this server was asked to do");
 }
 
-// Everyone who watches the database hears of it, the one who caused it included, but only of keys that start
-// with the prefix of the watch.
+// Everyone who watches the database gets a report, also the client that caused it, but only of keys that
+// start with the prefix of the watch.
 struct Change {
   Told told;
   std::vector<std::pair<std::string, std::string>> items; ///< full keys, and what is written for them

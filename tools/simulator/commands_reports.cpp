@@ -6,7 +6,7 @@ namespace sim {
 
 namespace {
 
-// Kinds that have a present value; the others are told of when something happens.
+// Kinds that have a present value. The others are reported only when something happens.
 std::string present_value (const World &world, std::string_view kind) {
   if (const auto set = world.present_reports.find (std::string (kind)); set != world.present_reports.end ())
     return set->second;
@@ -20,7 +20,7 @@ std::string present_value (const World &world, std::string_view kind) {
     write_timecode (out, "Timecode", world, world.chase_field, world.standard.drop_frame);
     out.close ("chase_ltc_timecode");
   }
-  if (kind == "ltc_input") // no timecode is plugged in
+  if (kind == "ltc_input") // no timecode is connected
     out.open ("ltc_timecode")
         .open ("Timecode")
         .boolean ("Valid", false)
@@ -29,7 +29,7 @@ std::string present_value (const World &world, std::string_view kind) {
   return out.take ();
 }
 
-// The answer goes first, so that the present values are reports of a registration that stands.
+// The answer is sent first, so that the present values follow an accepted registration.
 void register_kinds (Call &call, const std::set<int> &kinds) {
   call.answer (empty_body ("ok"));
   for (const int kind : kinds) {

@@ -82,7 +82,7 @@ void get_compression_info (Call &call) {
   call.answer (out.close ("CompressionInfo").close ("compression_info").take ());
 }
 
-// The log line that every command gets is all there is to do for these; no melts exist here.
+// These commands have no effect but their line in the log. The simulator has no melts.
 void nothing_more (Call &) {}
 
 void export_start (Call &call) {

@@ -18,7 +18,7 @@ struct LoadedList {
   std::optional<Transition> transition; ///< for items that have none of their own
   std::vector<Item> items;
   std::optional<std::size_t> now, next;
-  bool next_stands = false; ///< the next item is only to be cued
+  bool next_stands = false; ///< the next item is cued and not played
   int loop = loop_off;
   bool modified = false;
   std::optional<Item> bed; ///< what is shown, over and over, when the list has come to its end
@@ -49,16 +49,16 @@ struct Deck : Channel {
 
 class World;
 
-// What happens to decks, with all that hangs on it: stamps of clips, precued clips, lists.
+// What happens to decks, and what follows from it: stamps of clips, precued clips, lists.
 
-/// What there is to show under that name. @throws Refusal when there is nothing.
+/// The content of the clip of that name. @throws Refusal when there is no such clip.
 Content clip_content (World &world, const std::string &name);
 Content vclip_content (World &world, const std::string &name);
 
-/// How to show it from its beginning to its end.
+/// The cue that shows it from its beginning to its end.
 Cue whole_cue (const Content &content);
 
-/// The same without the places and the angle that the content does not have. @throws Refusal
+/// @throws Refusal when the cue has a position or an angle that its content does not have
 void check_cue (const Cue &cue);
 
 void load (World &world, int channel, const Cue &cue);
@@ -66,24 +66,23 @@ void unload (World &world, int channel);
 void play (World &world, int channel, Fixed speed);
 void stop (World &world, int channel);
 
-/// Puts the clip that was precued first on the channel. It goes on as the channel went.
+/// Loads the clip that was precued first. The channel keeps its speed, or stays stopped.
 /// @throws Refusal when nothing is precued.
 void switch_to_precued (World &world, int channel);
 
 /// The channel has come to the end of what it plays.
 void reach_end (World &world, int channel);
 
-/// Brings what waits on the air: the next item of the list, or the precued clip.
+/// How `take` puts the next item of the list, or the precued clip, on air.
 struct Take {
   Transition transition;
   std::optional<int> follow; ///< number of `FollowSpeed`; absent: as the content says
 };
 void take (World &world, int channel, const Take &how);
 
-/// Makes sure that a channel that is about to run at this speed may record, if it is armed.
+/// Checks that a channel with an edit mask may record at this speed.
 /// @throws Refusal when the clip is read-only, another channel records it, the speed is not normal, or the
-/// disk is
-///   full.
+///   disk is full.
 void check_recording (const World &world, int channel, Fixed speed);
 
 /// Stores what has been recorded on a channel whose recording has ended.

@@ -94,8 +94,8 @@ void preview_next (World &world, int channel, const ListKind &kind) {
     show_preview (world, channel);
 }
 
-// The items have changed: those who mirror the list have moved its air positions on their own, so these are
-// told again.
+// The items have changed. Clients that mirror the list have moved its air positions themselves, so these are
+// reported again.
 void after_edit (World &world, int channel, const ListKind &kind, std::vector<std::string> bodies) {
   LoadedList &list = loaded_list (world, channel, kind);
   list.modified = true;
@@ -366,7 +366,8 @@ std::vector<std::string> list_bodies (const World &world, int channel, const Lis
   out.open (body).word ("Channel", channel).text (kind.id, list->id);
   if (&kind == &playlists)
     out.word ("ListPlayMode", list->mode);
-  // Whoever mirrors another list has its items still: the name of a list takes none of them away.
+  // A client that mirrors another list still has its items, because the name of a new list removes none of
+  // them.
   std::vector<std::string> bodies = {out.close (body).take (), channel_body (kind, "clear_all", channel)};
   for (std::size_t index = 0; index < list->items.size (); ++index)
     bodies.push_back (item_body (kind, "item_exists", channel, index, &list->items[index]));

@@ -21,13 +21,13 @@ void modify_item (World &world, int channel, const ListKind &kind, std::size_t i
 void reorder_items (World &world, int channel, const ListKind &kind, const std::vector<std::size_t> &moved,
                     std::size_t before);
 
-/// Puts an item on the channel, so many fields behind its first one, and starts it or not.
+/// Loads an item, at a number of fields behind its first one, and starts it or not.
 void play_item (World &world, int channel, std::size_t index, bool roll, std::int32_t distance);
-/// Names the item that comes next: it starts as its own rule says, or is only to be cued.
+/// Sets the next item. It starts as its own settings say, or is only cued.
 void choose_next (World &world, int channel, std::size_t index, bool stands);
-/// Behind the last item comes the first one again, or nothing.
+/// Sets whether the first item follows the last one.
 void set_list_loop (World &world, int channel, int loop);
-/// Puts the next item on the channel. It starts as its own rule says.
+/// Loads the next item. It starts as its own settings say.
 void take_next (World &world, int channel);
 /// The item on the air has come to its end. @return whether a list decided what follows
 bool end_item (World &world, int channel);
@@ -35,7 +35,7 @@ bool end_item (World &world, int channel);
 /// Follows a chase timecode with everything that is loaded for it.
 void chase_timecode (World &world, std::int64_t field);
 
-/// The bodies that tell a client everything about the loaded list.
+/// The bodies that report everything about the loaded list.
 std::vector<std::string> list_bodies (const World &world, int channel, const ListKind &kind);
 /// The bodies of what changes while a list plays: air positions, loop, modified flag.
 std::vector<std::string> air_bodies (const World &world, int channel, const ListKind &kind);

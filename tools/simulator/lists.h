@@ -29,7 +29,7 @@ public:
   std::vector<Item> items_from (const ListKind &kind, const std::string &id, std::int64_t first,
                                 int most) const;
 
-  /// Counts the changes of that list, so that whoever reads it in parts can find out that it is another one.
+  /// The number of changes of that list, so that a reader of its parts can notice a change in between.
   std::uint64_t changes (const ListKind &kind, const std::string &id) const;
 
   /// Stores a list under a name, in the place of one that is there.

@@ -14,12 +14,12 @@ struct Options {
   std::string clips;                 ///< file of clips; empty: a few of its own
   std::string database;              ///< file to keep everything in; empty: in memory
   std::string faults;                ///< file of faults that are set at the start
-  std::uint32_t generate = 0;        ///< so many more clips
+  std::uint32_t generate = 0;        ///< number of generated clips
   std::uint32_t report_rate = 0;     ///< most positions in a second; 0: one each field
-  std::uint32_t refuse_metadata = 0; ///< every so manyth change of metadata is refused; 0: none
+  std::uint32_t refuse_metadata = 0; ///< every Nth change of metadata is refused; 0: none
   std::optional<std::int64_t> start; ///< milliseconds since 1970 at the first field; absent: the present
   double rate = 1;                   ///< so many times faster than the real time
-  bool paused = false;               ///< no time passes but by hand
+  bool paused = false;               ///< time passes by command only
   std::optional<std::uint64_t> seed; ///< of all that is random; absent: another one each time
   bool journal = false;              ///< keep the last commands
   bool empty = false;                ///< nothing is loaded at the start

@@ -32,8 +32,8 @@ constexpr std::size_t lagging_bytes = 1u << 20;
 constexpr std::size_t filled_bytes = 1u << 16;
 constexpr std::size_t full_bytes = 16u << 20;
 
-// A client that has left so many bytes and taken none for so long is sent away, and one that has left more at
-// once.
+// A client that leaves so many bytes unread, and has read none for so long, is disconnected. One that leaves
+// more unread is disconnected at once.
 constexpr std::size_t idle_bytes = 64u << 20;
 constexpr std::chrono::seconds idle_time{10};
 constexpr std::size_t hopeless_bytes = 512u << 20;

@@ -31,8 +31,8 @@ struct VirtualClip {
 
   void clear (int track, std::uint32_t at, std::uint32_t fields);
   void add (int track, const Segment &segment);
-  /// Moves everything from a place on: later by a positive distance, earlier by a negative one, in which case
-  /// what stood in the way is gone. Nothing stays behind the end.
+  /// Moves everything from a place on, to later positions by a positive distance and to earlier ones by a
+  /// negative distance. It replaces what was at its new place. What is moved beyond the end is removed.
   void ripple (int track, std::uint32_t at, std::int32_t distance);
   /// The clips that it shows.
   std::set<std::string> sources () const;

@@ -10,7 +10,7 @@
 
 namespace sim {
 
-/// What a client sent is no document: nothing can be answered, the client is sent away.
+/// A client has sent bytes that are no document. There is no answer; the client is disconnected.
 struct Malformed : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
@@ -18,7 +18,7 @@ struct Malformed : std::runtime_error {
 /// Cuts the bytes of one connection into documents. A document ends with the end of its root element.
 class Framer {
 public:
-  /// Takes bytes as they came. @throws Malformed when more is held than any document may have.
+  /// Adds received bytes. @throws Malformed when there are more than a document may have.
   void feed (std::string_view bytes);
 
   /// The next whole document, or nothing while it is incomplete.

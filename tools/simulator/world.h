@@ -41,13 +41,13 @@ public:
   /// Carries out one document and answers it. @throws Malformed when it cannot be answered.
   void receive (Client &client, const std::string &document);
 
-  /// So many fields have gone by.
+  /// Lets a number of fields pass.
   void pass_fields (int count);
 
   /// A channel that may be changed: what has changed will be reported.
   Deck &deck (int channel);
   const Deck &seen (int channel) const { return decks_[static_cast<std::size_t> (channel)]; }
-  /// Does the same to several channels, to all of them or, when one refuses, to none.
+  /// Does the same to several channels. When one refuses, none of them is changed.
   void gang (const std::set<int> &channels, const std::function<void (int)> &action);
   /// Does something with clips and channels. When it throws a Refusal, they are as they were before.
   void all_or_nothing (const std::function<void ()> &action);
@@ -124,8 +124,8 @@ private:
 /// Bytes of one field of pictures on the disk.
 inline constexpr std::uint32_t field_size = 262144;
 
-/// A command on its way through its handler. A handler that returns without an answer has said `ok`; one
-/// that throws a Refusal has said `error`.
+/// A command while its handler runs. A handler that returns without an answer answers `ok`. One that throws a
+/// Refusal answers `error`.
 class Call {
 public:
   Call (World &whole, Client &from, std::string identifier, const Element &command)

@@ -8,7 +8,7 @@
 
 namespace sim {
 
-/// The control address: HTTP with JSON, on threads of its own, which leave all work to the loop.
+/// The control address: HTTP with JSON, on threads of its own. The loop does all the work.
 class Control {
 public:
   /// Listens from now on. @throws std::runtime_error when the address cannot be had

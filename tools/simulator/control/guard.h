@@ -7,8 +7,8 @@
 
 namespace sim {
 
-/// Decides which requests are let in: none from pages of other origins, none that took a foreign name for
-/// this address, and where a token is asked for, none without it. Any threads.
+/// Decides which requests are accepted. It refuses requests from pages of other origins, requests whose host
+/// is not this address, and requests without the token if there is one. Any thread.
 class Guard {
 public:
   /// @param token that each request must carry; empty: none is asked for

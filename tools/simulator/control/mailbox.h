@@ -11,7 +11,7 @@
 
 namespace sim {
 
-/// How other threads reach the one loop: what they post is called there, in order.
+/// Lets other threads post functions to the loop, which calls them in order.
 class Mailbox {
 public:
   explicit Mailbox (asio::io_context &context);

@@ -33,12 +33,12 @@ public:
 
   /// A command has come, and these faults have struck it.
   virtual void received (int client, std::string_view command, const std::vector<Rule> &struck) = 0;
-  /// A message is to be sent; what faults make of it is not told.
+  /// A message is to be sent, as it is before any fault.
   virtual void sent (int client, std::string_view message) = 0;
 };
 
-/// The messages of one connection, with all that is made to go wrong with them. Without faults everything
-/// passes as it is. One thread.
+/// The messages of one connection, and what the faults do to them. Without faults everything passes
+/// unchanged. One thread.
 class Line : public std::enable_shared_from_this<Line> {
 public:
   Line (asio::io_context &context, Faults &faults, Witness &witness, Endpoint &endpoint, int client,

@@ -9,7 +9,7 @@
 
 namespace sim {
 
-/// One end of a connection: what comes in is handed on, what is to go out is queued. One thread. It lives
+/// One end of a connection. It passes on what it receives and queues what is to be sent. One thread. It lives
 /// while somebody holds it or a read or write is under way.
 class Flow : public std::enable_shared_from_this<Flow> {
 public:

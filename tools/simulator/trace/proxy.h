@@ -14,7 +14,7 @@ struct ProxyOptions {
   std::optional<std::uint64_t> seed;
 };
 
-/// Stands between clients and a server until a signal asks for the end, and writes down what passes.
+/// Passes messages between clients and a server and writes them to a trace, until a signal ends it.
 /// @return the exit status. @throws std::exception when it cannot listen or write
 int run_proxy (const ProxyOptions &options);
 

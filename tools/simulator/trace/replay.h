@@ -10,8 +10,8 @@ struct ReplayOptions {
 };
 
 /// Plays the server's side of a trace: the first client gets what the first one got, and so on. Ends when all
-/// connections have been played, or a client departs from what it did, which is told on the standard error.
-/// Identifiers of commands may differ from those of the trace.
+/// connections have been played, or when a client sends something else than in the trace. The standard error
+/// then says what. Identifiers of commands may differ from those of the trace.
 /// @return the exit status. @throws std::exception when it cannot listen or read
 int run_replay (const ReplayOptions &options);
 
