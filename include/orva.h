@@ -79,7 +79,8 @@
 #include <stddef.h>
 #include <stdint.h>
 
-/** The version of this header. A library with the same first number and the same or a later second one fits.
+/** The version of this header. It fits a library with the same major version and the same or a later minor
+ * one.
  */
 #define ORVA_VERSION_MAJOR 1
 #define ORVA_VERSION_MINOR 0
@@ -465,8 +466,8 @@ ORVA_API uint32_t orva_create_directory (uint32_t connection, const orva_char *d
  *
  * The first call registers the reports. This is one round trip, on an asynchronous connection too. After that
  * nothing is sent, and the functions work while the server is away. The library registers again by itself
- * after each new connection. Changes during a loss of the connection are not learned. When the registration
- * fails, all functions for the same kind of name fail.
+ * after each new connection. Changes while the connection is lost are missed. When the registration fails,
+ * all functions for the same kind of name fail.
  */
 
 /** Starts collecting changes of clips. Does nothing if this has started. */

@@ -1,8 +1,8 @@
 /**
  * @file orva.hpp
  * Control of a networked video server, for programs in C++17 and later: all that orva.h can do, without its
- * traps. Header only; it needs orva.h and the library. Programs to begin with are in the cookbook,
- * doc/cookbook.md.
+ * traps. Header only; it needs orva.h and the library. The cookbook, doc/cookbook.md, has programs to start
+ * with.
  *
  *     #include <orva.hpp>
  *
@@ -12,10 +12,10 @@
  *     server.channel (orva::A).play (1.0);
  *     server.channel (orva::A).wait_for (orva::Status::playing);
  *
- * SERVERS. An orva::Server keeps a connection up until it goes. What can be done is grouped:
- * server.channel(), server.channels() for several on one field, server.clip(), server.virtual_clip(),
- * server.store(), and the server itself. A group is a light value; it may be kept and copied, and is refused
- * after its server is gone.
+ * SERVERS. An orva::Server keeps a connection up until it is destroyed. Its operations are in groups:
+ * server.channel(), server.channels() for several on the same field, server.clip(), server.virtual_clip(),
+ * server.store(), and the server itself. A group is cheap to make, to keep and to copy. Once its server is
+ * destroyed, its operations are invalid.
  *
  * ERRORS. An operation throws what went wrong, each kind with its own exception, all from orva::error:
  *   invalid        a bad argument or a closed object; nothing was sent
@@ -34,32 +34,32 @@
  *   server.async ().channel (orva::A).play ()     returns std::future<orva::result<void>>, at once
  * The words work on each group, and can be kept: `const auto quiet = server.nothrow ();`.
  *
- * LIMITS. Each operation has a limit: 10 s, or what Options or set_limit() say, or that of within():
+ * LIMITS. Each operation has a time limit. It is 10 s unless Options, set_limit() or within() set another:
  *   server.within (500ms).channel (orva::A).play ();
  *   server.within (orva::no_limit).clips ();
- * A call that overruns leaves its caller free at once. The call itself cannot be interrupted: it goes on in
- * the background, on one thread for each such call, until the server answers or the link goes. With no_limit
- * and without Cancel an operation runs on the calling thread and costs what the C function costs; with a
- * limit it runs on a helper thread, of which a server keeps one idle. cancelled_by() takes an orva::Cancel,
- * with which another thread ends the wait.
+ * When the limit has passed, the operation fails and its caller goes on at once. The C function cannot be
+ * interrupted: it goes on in the background, on a thread of its own, until the server answers or the link is
+ * lost. With no_limit and without Cancel an operation runs on the calling thread and costs what the C
+ * function costs. With a limit it runs on a helper thread; a server keeps one idle. cancelled_by() takes an
+ * orva::Cancel, with which another thread ends the wait.
  *
- * TEXTS are UTF-8. What is no UTF-8, or contains a NUL, is invalid and not sent. Texts out are never cut, but
- * for a name that the server writes with half a surrogate pair: the library cuts it in front of that.
+ * TEXTS are UTF-8. A text that is not valid UTF-8, or contains a NUL, is invalid and not sent. Texts from the
+ * server are whole, with one exception: a name with half a surrogate pair ends before it.
  *
  * POSITIONS AND LENGTHS are counts of fields, two to a frame; orva::Position turns them into frames, timecode
  * and time. `server.video ().timebase ()` is how this server counts.
  *
- * EVENTS. server.on_event() calls a handler, orva::EventQueue collects the events of any number of servers
- * for one thread. channel().state() is all that is known of a channel, channel().wait_for() waits for what a
- * command causes.
+ * EVENTS. server.on_event() calls a handler. orva::EventQueue collects the events of any number of servers
+ * for one thread. channel().state() returns all that is known of a channel. channel().wait_for() waits for
+ * what a command causes.
  *
  * THREADS. Everything may be used by any number of threads at a time, except that an object must not be moved
  * or destroyed while another thread uses that same object. Handlers run on a thread of their server.
  *
- * ENDS. When a Server goes, handlers are finished with, operations that begin later are invalid, and those
- * under way end when the library lets them: the destructor does not wait for them, a frozen server included.
- * A store in a mode that writes is given up to 13 s. What must not happen is left to be read in orva.h: the
- * end of a process in the middle of a call on Windows, and use between fork and exec.
+ * THE END. The destructor of a Server ends the handlers. Operations that begin later are invalid. It does not
+ * wait for operations under way, even when the server is frozen; they end when the C functions return. A
+ * store that writes takes up to 13 s. orva.h says what a program must not do, such as ending the process
+ * during a call on Windows, or calls between fork and exec.
  *
  * RECORDING. channel().record ("NEW CLIP") does all that it takes: it creates the clip for the channel,
  * starts an insert edit and plays. end_recording() ends it.

@@ -1,7 +1,7 @@
 /**
  * @file orva/call.hpp
- * How one call of a C function becomes an operation: its arguments are checked, its failure is named, its
- * wait is limited, and its result takes the form that the caller has chosen.
+ * How one call of a C function becomes an operation: its arguments are checked, its failure gets a kind, its
+ * wait is limited, and its result has the form that the caller has chosen.
  */
 #ifndef ORVA_CALL_HPP
 #define ORVA_CALL_HPP
@@ -68,7 +68,7 @@ inline Failure failure_of (std::uint32_t code) {
   return {Kind::refused, text};
 }
 
-/** For operations of several calls: goes on only when a call has worked. */
+/** For operations of several calls: goes on only when a call has succeeded. */
 inline void must (std::uint32_t code) {
   if (code != ORVA_OK)
     failure_of (code).raise ();
@@ -166,13 +166,13 @@ const char *first_bad (const First &first, const Rest &...rest) {
 // --- Threads that wait for others --------------------------------------------------------------------------
 
 /**
- * Threads for calls that nobody can interrupt. A job starts at once, on the idle thread if there is one, and
- * one thread stays idle for the next. No thread is waited for at the end: a stuck one leaves by itself when
- * the library returns.
+ * Threads for calls that cannot be interrupted. A job starts at once, on the idle thread if there is one. One
+ * thread stays idle for the next job. The destructor waits for no thread. A thread whose call is stuck ends
+ * when the call returns.
  */
 class Helpers : public std::enable_shared_from_this<Helpers> {
 public:
-  /** False when the system has no thread to give; the job is dropped then. */
+  /** False when the system cannot start a thread; the job is dropped then. */
   bool run (std::function<void ()> job) {
     {
       const std::lock_guard<std::mutex> hold (lock_);
@@ -201,7 +201,7 @@ public:
     return busy_;
   }
 
-  /** Sends the idle thread home. Jobs that run go on. */
+  /** Ends the idle thread. Jobs that run go on. */
   void stop () {
     const std::lock_guard<std::mutex> hold (lock_);
     stopped_ = true;
@@ -428,9 +428,9 @@ struct futures {
 };
 
 /**
- * What all groups of operations have in common: a group is a light value which can be copied, and which says
- * on what it acts, within which limit, and in which form it answers. It does not keep its server open: once
- * the Server object is gone, every operation fails with Kind::invalid.
+ * What all groups of operations have in common. A group is a small value that can be copied. It holds what it
+ * acts on, its time limit, and the form of its results. It does not keep its server open: once the Server
+ * object is destroyed, every operation fails with Kind::invalid.
  * @tparam Group the group, as a template of its form
  * @tparam Form throwing, returning or futures
  * @tparam Data what the group acts on
@@ -448,8 +448,8 @@ public:
   Group<returning> nothrow () const { return Group<returning> (data_); }
   /** The same operations, which throw. */
   Group<throwing> or_throw () const { return Group<throwing> (data_); }
-  /** The same operations, which return at once, with a future of result<T>. The future waits for nobody when
-   * it goes. Each operation occupies a thread until it has ended. */
+  /** The same operations, which return at once, with a future of result<T>. The destructor of the future does
+   * not wait. Each operation occupies a thread until it has ended. */
   Group<futures> async () const { return Group<futures> (data_); }
   /** The same operations with another limit; no_limit to wait for ever. */
   Group<Form> within (Limit limit) const {

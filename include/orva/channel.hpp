@@ -233,7 +233,7 @@ public:
   // --- What is on the channel
 
   /**
-   * Loads a clip. The server takes either a repeat mode and a loop, or an angle, never both: both are
+   * Loads a clip. The server takes either a repeat mode and a loop, or an angle. Both together are
    * Kind::invalid. A position, loop-in point or clip position without an angle sends Repeat::off when no
    * repeat mode is given, and 0 for the other positions that its command has.
    */
@@ -258,7 +258,7 @@ public:
       return on (orva_cmd_loadclip2, clip, repeat);
     return on (orva_cmd_loadclip1, clip);
   }
-  /** The same as load(): the clip stands at its position, ready to play. */
+  /** The same as load(): the clip is shown at its position, ready to play. */
   of<void> cue (std::string_view clip, const Load &how = {}) const { return load (clip, how); }
 
   /** Loads a virtual clip. Only `repeat` and `position` can be given. */
@@ -373,8 +373,8 @@ public:
 
   /**
    * All that the server has reported of the channel. The first call asks the server to report: five round
-   * trips, and at most 6 s for each first value. From then on it costs no traffic and never waits, and goes
-   * on giving the last values while the link is down; `age` says how old they are.
+   * trips, and at most 6 s for each first value. From then on it sends nothing and never waits. While the
+   * link is down it returns the last values, and `age` says how old they are.
    */
   of<ChannelState> state () const {
     if (!this->data_.target.valid ())
@@ -384,11 +384,11 @@ public:
   }
 
   /**
-   * Waits until the channel's state satisfies a condition, and returns that state. What a command causes is
-   * reported a moment after its answer; this waits for it. Only new reports tell an old state from the one
-   * that the command makes: wait for something that was not true before.
+   * Waits until the channel's state satisfies a condition, and returns that state. The effect of a command is
+   * reported a moment after its answer, so use this to wait for it. Wait for a condition that was false
+   * before the command, because the old state may still be known when the wait begins.
    * @param condition is called with a ChannelState, on the thread that waits, and must not throw
-   * @param limit in place of that of the server, Kind::timed_out when it passes
+   * @param limit in place of the server's limit; after it the operation fails with Kind::timed_out
    * @return Kind::link_lost when the link goes down meanwhile
    */
   template <class Condition>

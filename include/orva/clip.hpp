@@ -70,7 +70,7 @@ struct ClipEdit {
   std::optional<Position> trim_end{};    /**< an odd number is taken for the even one below it */
   std::optional<TimecodeStart> stripe{}; /**< also makes the stripe the source of the timecode */
   std::optional<TimecodeSource> timecode_source{};
-  /** Keys to set, or to take away where there is no value. */
+  /** Keys to set. A key without a value is erased. */
   std::vector<std::pair<std::string, std::optional<std::string>>> metadata{};
 };
 
@@ -365,7 +365,7 @@ public:
     change.metadata.emplace_back (key, std::string (value));
     return edit (change);
   }
-  /** Takes a pair away. Two round trips. */
+  /** Erases a pair. Two round trips. */
   of<void> erase_meta (std::string_view key) const {
     ClipEdit change;
     change.metadata.emplace_back (key, std::nullopt);

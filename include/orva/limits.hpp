@@ -102,7 +102,7 @@ private:
  */
 class Cancel {
 public:
-  /** Every operation with this object that has not ended fails with Kind::cancelled, now and later. */
+  /** Operations with this object fail with Kind::cancelled, those that run now and all later ones. */
   void cancel () const { state_->cancel (); }
   bool cancelled () const { return state_->cancelled (); }
 

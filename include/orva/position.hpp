@@ -203,10 +203,10 @@ struct Video {
   Resolution resolution = Resolution::i1080;
 
   /**
-   * Whether the library can tell this standard. What it cannot tell, 4K and progressive 1080 for instance, it
-   * gives as the first standard, rate and resolution. So a first standard with another rate is surely one
-   * that it cannot tell; but with the first rate it is either 1080i at 60 or any other, at any rate of 60
-   * or 30 and less.
+   * Whether the library can tell this standard. It returns a standard, rate or resolution that it does not
+   * know, such as 4K and progressive 1080, as the first one. So the first standard with another rate is
+   * certainly an unknown standard. With the first rate it is either 1080i at 60 or an unknown standard, at a
+   * rate of 60 or of 30 and less.
    */
   bool standard_certain () const { return standard != Standard::i1080_60; }
   /** Whether the rate is that of the server. */

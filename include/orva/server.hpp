@@ -167,14 +167,16 @@ public:
     });
   }
   /**
-   * Whether the server answers a question within a limit. A link that is up proves nothing of a server that
-   * is frozen. While a question is unanswered no other one is sent, so it may be called again and again.
+   * Whether the server answers a question within a limit. The link to a frozen server may still be up, so
+   * connected() does not show this. While a question is unanswered no other one is sent, so this may be
+   * called again and again.
    */
   of<bool> healthy (Limit limit = std::chrono::seconds (1)) const {
     return this->template deliver<bool> (
         [core = this->context ().core, limit] () -> result<bool> { return detail::answers (core, limit); });
   }
-  /** How many calls are waiting on threads of this object: calls with a limit, stuck ones among them. */
+  /** How many calls are running on threads of this object: calls with a limit, including those that are
+   * stuck. */
   std::size_t calls_under_way () const { return this->context ().core->helpers->busy (); }
 
   /**
@@ -241,13 +243,13 @@ public:
   // --- Events
 
   /**
-   * Calls a handler for each event, until the subscription goes or the server does. It begins with the
-   * present: LinkUp or LinkDown, and each value that is watched as soon as it is known; from then on changes
-   * are told. Handlers of one server run one after the other on a thread of its own, which starts with the
-   * first subscription. They may use the server, but hold up other handlers of it, and must not throw.
-   * A link that is lost for less than 20 ms, and what happens to clips and directories while it is down, are
-   * not told.
-   * @throws invalid when the server is closed, internal when there is no thread to be had; in every form
+   * Calls a handler for each event, until the subscription or the server is destroyed. The first events are
+   * the present state: LinkUp or LinkDown, and each watched value as soon as it is known. After that there is
+   * an event for each change. Handlers of one server run one after the other on a thread of its own, which
+   * starts with the first subscription. They may use the server, but delay its other handlers, and must not
+   * throw. There is no event for a link that is lost for less than 20 ms, nor for what happens to clips and
+   * directories while the link is down.
+   * @throws invalid when the server is closed, internal when the system cannot start a thread; in every form
    */
   Subscription on_event (std::function<void (const Event &)> handler, Interest interest = {}) const {
     return Subscription (detail::subscribe<> (this->context ().core, interest, std::move (handler)));
@@ -281,14 +283,14 @@ struct Options {
 };
 
 /**
- * A connection to a server, which the library keeps up by itself until this object goes.
+ * A connection to a server. The library keeps it up by itself until this object is destroyed.
  *
  *     orva::Server server ("10.0.0.5");
  *     server.wait_until_connected ();
  *     server.channel (orva::A).load ("NEWS/OPENER");
  *     server.channel (orva::A).play (1.0);
  *
- * May be used by any number of threads at a time, but for moving, closing and destroying it.
+ * Any number of threads may use it at a time. It must not be moved, closed or destroyed meanwhile.
  */
 class Server : public ServerControl<throwing> {
 public:
@@ -320,9 +322,9 @@ public:
   }
 
   /**
-   * Closes the connection: no operation starts from now on, handlers do not run any more, and calls that are
-   * under way end when the server answers or the link goes. It waits for a handler that runs, and for 20 ms
-   * if anything is watched, never for the server.
+   * Closes the connection. No operation starts from now on, and no handler runs. Calls under way end when the
+   * server answers or the link is lost. This waits for a running handler, and for 20 ms if anything is
+   * watched, but never for the server.
    */
   void close () {
     const std::shared_ptr<detail::Core> core = data_.context.core;

@@ -38,8 +38,8 @@ public:
 
   std::uint32_t handle () const { return handle_; }
 
-  /** The library takes up to 12 s, and may be held for ever by a server that does not answer: then a helper
-   * stays behind with it. */
+  /** The C function takes up to 12 s. It may never return when the server does not answer, and then its
+   * helper thread stays too. */
   void close () {
     const std::uint32_t handle = handle_.exchange (0);
     if (handle == 0)
@@ -65,7 +65,8 @@ struct StoreData {
   std::shared_ptr<OpenStore> store;
 };
 
-/** How long one look into a store waits: so late is a cancelled or closed wait noticed. */
+/** How long one call waits for a change. It is also how late the end of a wait by another thread is noticed.
+ */
 inline constexpr std::uint32_t store_look_ms = 10;
 
 /** Waits in short pieces. @param look takes a time in milliseconds and returns a code */
@@ -83,12 +84,12 @@ result<void> wait_in_store (const Context &context, Look look) {
 } // namespace detail
 
 /**
- * A store: a view of one part, told by a prefix, of a metadata database of the server, which is called a
- * folder. Made by `server.store ("folder", orva::StoreMode::read_write)`; closed with the last copy. What is
- * set and erased goes out by itself and is tried again until the server has accepted it. A store outlives the
- * loss of the link; it must go before its server does, or what is pending may be lost.
+ * A store: a view of the keys with one prefix in a metadata database of the server, which is called a folder.
+ * `server.store ("folder", orva::StoreMode::read_write)` opens it, and it is closed with its last copy. What
+ * is set and erased is sent in the background, again and again until the server has accepted it. A store
+ * outlives the loss of the link. Destroy it before its server, or what is pending may be lost.
  *
- * Closing gives what is pending 2 s to go out. It holds the caller for 13 s at most, whatever the server
+ * Closing waits up to 2 s until what is pending has been sent. It takes 13 s at most, whatever the server
  * does.
  */
 template <class Form>
@@ -115,7 +116,7 @@ public:
     };
     return this->template ask_library<void> (operation, key);
   }
-  /** Waits until the server has accepted all that is pending. Kind::timed_out loses nothing: it goes on. */
+  /** Waits until the server has accepted all that is pending. After Kind::timed_out sending goes on. */
   of<void> flush () const {
     return this->template deliver<void> ([data = this->data_] {
       return detail::wait_in_store (data.context, [&] (std::uint32_t time) {
@@ -123,7 +124,7 @@ public:
       });
     });
   }
-  /** Waits until the folder has been downloaded: all that is in it waits in next_change() then. */
+  /** Waits until the folder has been downloaded. Then next_change() returns all that is in it. */
   of<void> wait_loaded () const {
     return this->template deliver<void> ([data = this->data_] {
       return detail::wait_in_store (data.context, [&] (std::uint32_t time) {

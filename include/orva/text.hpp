@@ -1,6 +1,6 @@
 /**
  * @file orva/text.hpp
- * Between the UTF-8 of callers and the UTF-16 of the C functions, strictly in both directions.
+ * Conversions between the UTF-8 of callers and the UTF-16 of the C functions, strict in both directions.
  */
 #ifndef ORVA_TEXT_HPP
 #define ORVA_TEXT_HPP
@@ -91,8 +91,8 @@ private:
 };
 
 /**
- * What the library gave, in UTF-8. A surrogate without its partner has no UTF-8: another character in its
- * place would be the name of another clip, so that is a failure.
+ * Converts a text of the library to UTF-8. Half a surrogate pair has no UTF-8. It is a failure and not
+ * replaced, because a text with another character could be the name of another clip.
  */
 inline std::string narrow (std::basic_string_view<orva_char> units) {
   std::string text;

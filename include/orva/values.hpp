@@ -1,7 +1,7 @@
 /**
  * @file orva/values.hpp
  * The small values that operations take and give: addresses, channels, numbers with a range, enumerations.
- * A bad one can be made, without an exception, and every operation refuses it before anything is sent.
+ * A bad value can be made without an exception. Every operation refuses it before anything is sent.
  */
 #ifndef ORVA_VALUES_HPP
 #define ORVA_VALUES_HPP
@@ -24,7 +24,7 @@ template <class T>
 using if_number = std::enable_if_t<
     std::is_integral<T>::value && !std::is_same<T, bool>::value && !std::is_same<T, char>::value, int>;
 
-/** A number as 64 bits with a sign. One that is too great for them stays greater than every range here. */
+/** A number as 64 bits with a sign. A larger one becomes the largest, which is outside every range here. */
 template <class T>
 constexpr std::int64_t wide_number (T number) {
   if constexpr (std::is_unsigned<T>::value && sizeof (T) == 8)
