@@ -10,7 +10,7 @@
 
 #define CLIP_CAPACITY 256
 
-static const uint32_t channel = 0; /* A; a number above 7 would be channel A too, without a word */
+static const uint32_t channel = 0; /* A; a number above 7 would mean channel A too, without an error */
 
 /* Fields in a second. A standard that the library cannot tell reads as 60. */
 static uint32_t fields_per_second (uint32_t server) {

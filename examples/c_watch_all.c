@@ -24,7 +24,7 @@ static void print_status (const Watched *watched, uint32_t channel) {
     printf ("%s  %c is %s\n", watched->address, (char)('A' + channel), words[status]);
 }
 
-/* No notice tells of the link: it has to be looked at. Returns 1 when the server has gone. */
+/* There is no notice for the link, so it is queried. Returns 1 when the server has gone. */
 static int look_at_link (Watched *watched) {
   const int up = orva_connected (watched->server);
   const int went = watched->up && !up;

@@ -1,4 +1,4 @@
-// Ends in good order, with threads at work: stops what waits, ends what watches, and closes the server last.
+// Ends cleanly while threads are at work: cancels waits, ends subscriptions, and closes the server last.
 //
 //     clean_end [address]        127.0.0.1 when none is given
 #include <orva.hpp>
@@ -24,7 +24,7 @@ int main (int argc, char **argv) try {
   });
   std::this_thread::sleep_for (500ms);
 
-  // The end. A frozen server does not hold it up: nothing here waits for an answer.
+  // The end. A frozen server does not delay it, because nothing here waits for an answer.
   watching.end (); // the handler does not run from here on
   std::printf ("The handler has ended.\n");
   stop.cancel (); // every operation of the worker fails from here on

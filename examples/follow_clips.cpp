@@ -11,8 +11,8 @@ int main (int argc, char **argv) try {
   server.wait_until_connected ();
   setvbuf (stdout, nullptr, _IONBF, 0);
 
-  // First changes, then the list: so no change falls between them. One that the list shows already may be
-  // told again.
+  // Start with the changes, then ask for the list, so that no change is missed in between. A change that the
+  // list shows already may be reported again.
   orva::EventQueue queue;
   queue.watch (server, {.channels = {}});
   while (queue.next ()->as<orva::Watching> () == nullptr)

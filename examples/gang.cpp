@@ -17,8 +17,8 @@ int main (int argc, char **argv) try {
   server.channel (orva::C).load ("BARS");
   server.channel (orva::D).load ("NEWS/OPENER");
 
-  // One command for both, and both stand on the same field. When one of them cannot, neither does, and the
-  // server says why. What is still being cued would start a field later, so wait for that.
+  // One command for both, so they start and stop on the same field. When one of them cannot, neither does,
+  // and the server says why. A channel that is still being cued would start a field later, so wait for both.
   const auto both = server.channels (orva::C | orva::D);
   both.go_to (50);
   for (const orva::Channel channel : {orva::C, orva::D})

@@ -1,4 +1,4 @@
-// Is the server alive? Tells one that is away from one that is frozen, and from one that is well.
+// Is the server alive? Shows whether a server is away, frozen or well.
 //
 //     is_it_alive [address [seconds]]        127.0.0.1 and one look when none are given
 #include <orva.hpp>

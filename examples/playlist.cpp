@@ -31,7 +31,7 @@ void play_chain (const orva::Server &server) {
   channel.stop ();
 }
 
-// Waits until another clip is on the channel, and gives its name.
+// Waits until another clip is on the channel, and returns its name.
 std::string clip_after (const orva::Server &server, const std::string &clip) {
   const auto changed = [&] (const orva::ChannelState &state) { return state.clip != clip; };
   return server.channel (orva::E).wait_until (changed).clip;

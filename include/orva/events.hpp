@@ -1,6 +1,6 @@
 /**
  * @file orva/events.hpp
- * What happens on servers, as typed events: called back, or taken from a queue for any number of servers.
+ * Events of servers, each of its own type: a handler is called with them, or a queue collects them.
  */
 #ifndef ORVA_EVENTS_HPP
 #define ORVA_EVENTS_HPP
@@ -86,7 +86,8 @@ struct DirectoryAdded {
 struct DirectoryDeleted {
   std::string directory;
 };
-/** All that is to be watched is reported from now on, and its present values have been told. Told once. */
+/** All that is to be watched is reported from now on, and there were events for its present values. Comes
+ * once. */
 struct Watching {};
 /** The server does not report what is to be watched. It is asked again each second. */
 struct WatchFailed {
@@ -150,8 +151,8 @@ public:
 
   const Interest interest;
   // Only the watching thread uses these.
-  bool fresh = true;  ///< has not been told the present yet
-  bool ready = false; ///< has been told Watching
+  bool fresh = true;  ///< has had no events of the present state yet
+  bool ready = false; ///< has had the event Watching
 
 private:
   mutable std::recursive_mutex lock_;
@@ -163,8 +164,8 @@ private:
 enum Item : unsigned { item_clip, item_status, item_speed, item_position, item_information, item_count };
 
 /**
- * The thread that watches one server. It never waits for an answer: what has to be asked for first is asked
- * on a helper, one question after the other.
+ * The thread that watches one server. It never waits for an answer. A helper thread sends the registrations,
+ * one after the other.
  * @tparam E is Event; programs that watch nothing do not compile this
  */
 template <class E = Event>
@@ -580,7 +581,7 @@ std::shared_ptr<Slot> subscribe (const std::shared_ptr<Core> &core, Interest int
 
 } // namespace detail
 
-/** Keeps a handler subscribed. Once it is gone, the handler does not run and is not called again. */
+/** Keeps a handler subscribed. Once it is destroyed, the handler does not run and is not called again. */
 class [[nodiscard]] Subscription {
 public:
   Subscription () = default;
@@ -617,8 +618,8 @@ class Server;
  *     for (const orva::Event &event : queue)
  *       ...
  *
- * Nothing is lost while nobody looks, except that of the positions of a channel only the last one is kept.
- * Any thread may use it.
+ * The queue keeps all events until they are taken, except that it keeps only the last position of each
+ * channel. Any thread may use it.
  */
 template <class E>
 class QueueOf {

@@ -1,6 +1,6 @@
-// Every allocation on the way of a command and of its reply fails in turn: one that cannot be sent is taken
-// back, one that was sent ends once, nothing is lost, and the connection serves the next one. A program of
-// its own, because it replaces operator new.
+// Each allocation for a command and its reply fails in turn. A command that cannot be sent is taken back. A
+// command that was sent ends once. Nothing leaks, and the connection carries out the next command. A program
+// of its own, because it replaces operator new.
 
 #include "base/amethod.h"
 #include "engine/test_client.h"

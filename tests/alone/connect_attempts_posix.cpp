@@ -1,5 +1,5 @@
-// When connections are attempted, and what is asked of their sockets. A program of its own, because it stands
-// between the library and the system's calls.
+// When connections are attempted, and what is asked of their sockets. A program of its own, because it
+// replaces system calls.
 #include "engine/test_client.h"
 #include "support/own_address.h"
 

@@ -1,4 +1,4 @@
-// What the first connections, commands and stores of a process are numbered.
+// The numbers of the first connections, commands and stores of a process.
 #include "orva.h"
 #include "support/fake_server.h"
 

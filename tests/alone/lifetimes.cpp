@@ -1,6 +1,7 @@
-// Whole lives of connections, one after the other, while eight threads call and the server lets go in the
-// middle of what it says: each command ends once, with its own answer or with the failure of all, and at the
-// end the process has exactly what it had before. A program of its own, because it counts for the process.
+// Connections are opened and closed one after the other, while eight threads call and the server closes the
+// link in the middle of messages. Each command ends once, with its own answer or with the failure of all. At
+// the end the process has exactly the threads, descriptors and memory that it had before. A program of its
+// own, because it counts for the process.
 #include "exports/session.h"
 #include "support/counted_memory.h"
 #include "support/process_counts.h"

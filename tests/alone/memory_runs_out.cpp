@@ -1,6 +1,6 @@
-// Memory runs out at each allocation of a call in turn, and of the connection's thread: calls fail with a
-// code, handles that were not given out are not lost, and the connection goes on, with all its registrations.
-// A program of its own, because it replaces operator new.
+// Memory runs out at each allocation of a call in turn, and at each one of the connection's thread. Calls
+// fail with a code, no handle leaks, and the connection goes on with all its registrations. A program of its
+// own, because it replaces operator new.
 #include "exports/snapshots.h"
 #include "support/counted_memory.h"
 #include "support/soak.h"

@@ -1,4 +1,4 @@
-// A system that has no thread to give. A program of its own, because it replaces pthread_create.
+// A system that cannot start a thread. A program of its own, because it replaces pthread_create.
 
 #include "api/stores/kv_store.h"
 #include "engine/test_client.h"

@@ -1,5 +1,5 @@
-// The pause before a key is tried again, which belongs to the first store of the process that comes to it: a
-// program of its own for that.
+// The pause before a key is tried again. The first store of the process that retries decides about it, so
+// this is a program of its own.
 
 #include "exports/stores.h"
 

@@ -1,4 +1,5 @@
-// When a store wakes those who wait for changes. A program of its own, because it counts instead of waking.
+// When a store wakes the threads that wait for changes. A program of its own, because it replaces the call
+// that wakes them with a counter.
 
 #include "api/stores/kv_store.h"
 

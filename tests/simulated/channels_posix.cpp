@@ -1,5 +1,5 @@
-// Channels of a server that is killed again and again, while many callers move and ask them. In the end what
-// the library tells of each channel is what a client of plain bytes is told.
+// A server is killed again and again, while many callers move its channels and query them. In the end the
+// library has the same state of each channel as a client that reads plain bytes.
 
 #include "exports/session.h"
 #include "support/simulator_process.h"

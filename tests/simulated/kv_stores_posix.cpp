@@ -1,5 +1,5 @@
-// Stores against a server that is killed again and again. In the end its table, as a client of plain bytes
-// reads it, is what the last call for each key said.
+// Stores against a server that is killed again and again. In the end its table, read by a client of plain
+// bytes, has the value of the last call for each key.
 
 #include "exports/stores.h"
 #include "support/simulator_process.h"

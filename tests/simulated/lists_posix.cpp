@@ -1,5 +1,5 @@
-// What a connection mirrors of the lists on channels, while another client changes them, and through deaths
-// of the server, after which the mirror of the last life is there still.
+// A connection mirrors the lists on channels while another client changes them. The mirror is also kept when
+// the server is killed.
 
 #include "api/connection/conn_object.h"
 #include "engine/notes.h"

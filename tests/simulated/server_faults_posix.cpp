@@ -1,4 +1,5 @@
-// What a server must not do, as orva.h lists it, done on purpose by the simulator: what becomes of a caller.
+// The simulator does on purpose what orva.h says that a server must not do. The tests show what happens to a
+// caller.
 
 #include "exports/stores.h"
 #include "simulated/simulated_connection.h"

@@ -1,4 +1,5 @@
-// The simulator as the tests of this folder use it: it listens, it can be taken away, it comes back.
+// The simulator as the tests of this folder use it: it listens, it can be killed, and it can be started
+// again.
 
 #include "support/simulator_process.h"
 
