@@ -1,4 +1,5 @@
-// Any text decodes to at most three bytes for four characters, and what was decoded survives the way back.
+// Any text decodes to at most three bytes for four characters. The bytes are the same after they were encoded
+// and decoded again.
 
 #include "base/abytearray.h"
 

@@ -1,4 +1,5 @@
-// Any bytes decode to at most half their number, and what was decoded survives both ways back.
+// Any bytes decode to at most half their number. The result is the same after it was encoded in either form
+// and decoded again.
 
 #include "base/abytearray.h"
 

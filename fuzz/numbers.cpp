@@ -1,5 +1,5 @@
-// Number parsers and printers against a model that reckons in 128 bits and in decimal digits. The input is
-// one text in Latin-1; its bytes also serve as numbers to print.
+// Number parsers and printers against a model that calculates with 128 bits and with decimal digits. The
+// input is one text in Latin-1; its bytes also serve as numbers to print.
 #include "base/astring.h"
 #include "require.h"
 

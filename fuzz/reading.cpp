@@ -1,6 +1,6 @@
-// Any bytes to the library's framer and to the first one, message by message: accepted or refused alike, the
-// same tree, and every body and record read alike by its rows, error texts included. The first byte says in
-// what pieces the rest arrives.
+// Any bytes through the library's framer and through the first framer, which fuzz/oracle keeps. Both must
+// accept or refuse each message, make the same tree, and read the same bodies and records with the same error
+// texts. The first byte says in what pieces the rest arrives.
 
 #include "engine/quill3_api_parser2.h"
 #include "oracle/oracle.h"
@@ -51,7 +51,7 @@ constexpr Body bodies[] = {
 };
 constexpr size_t count = std::size (bodies);
 
-/// Whether the two framers say the same of the same bytes.
+/// Whether the two framers have the same result for the same bytes.
 class Streams {
 public:
   Streams () {

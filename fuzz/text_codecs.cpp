@@ -1,5 +1,5 @@
-// Text from outside: what UTF-8 and UTF-16 decode to, that nothing they hold is reported, and that it comes
-// back.
+// Text from outside in UTF-8 and UTF-16: it decodes to what a model says, fails no assertion, and is the same
+// after it was encoded again.
 #include "base/astring.h"
 #include "require.h"
 

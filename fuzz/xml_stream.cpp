@@ -1,5 +1,6 @@
-// Bytes in chunks through the framer and the parser, against the plain model: the same elements, refusals and
-// room at every step. A failed assertion ends the run: nothing that a server sends may cause one.
+// Bytes in chunks through the framer and the parser, and through a plain model. At every step both must have
+// the same elements, refusals and free room. A failed assertion ends the run: nothing that a server sends may
+// cause one.
 #include "../tests/xml/xml_model.h"
 #include "xml/xml_parse.h"
 #include "xml/xml_stream_parser.h"

@@ -1,4 +1,4 @@
-// What the library costs beside what it must cost: one table of all figures that doc/performance.md keeps.
+// Prints the table of doc/performance.md: what the library costs, compared with the least that it could cost.
 #include "anchors.h"
 #include "measure.h"
 #include "orva.h"
@@ -320,7 +320,7 @@ void measure_idle () {
     orva_close (connection);
 }
 
-// --- What must not grow
+// --- Costs that must not grow
 
 void measure_open_commands () {
   constexpr unsigned some = 5000;

@@ -8,7 +8,7 @@ namespace figures {
 
 /// A socket that listens on the library's port at a loopback address of its own. @param address receives it
 int listen_somewhere (uint32_t &address);
-/// A connection to a server of this program. It ends the program when there is none to be had.
+/// A connection to a server of this program. It ends the program when it cannot connect.
 int connect_to (uint32_t address);
 /// One system call, or several when the system takes a part.
 bool send_all (int s, std::string_view bytes);

@@ -20,9 +20,9 @@
 #include <unordered_map>
 #include <vector>
 
-/// What a person would write by hand for the same server: the yardstick of the measurement. It has the same
-/// threads and locks as the library, and carries the same values from the socket to its caller, as
-/// std::string, with pugixml to parse.
+/// A client for the same server as a person would write it by hand, to compare the library with. It has the
+/// same threads and locks as the library, and takes the same values from the socket to its caller. It uses
+/// std::string, and pugixml to parse.
 namespace figures {
 
 struct ThinTimecode {

@@ -1,5 +1,5 @@
-/// The first framer, parser and reader of rows: plain, slow, and kept as they were, for the library's own to
-/// be compared with. Not part of the library.
+/// The first framer, parser and reader of rows. They are plain, slow and kept unchanged, so that those of the
+/// library can be compared with them. Not part of the library.
 #pragma once
 
 #include "schema/rows.h"

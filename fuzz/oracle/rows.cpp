@@ -103,8 +103,8 @@ char *at (void *base, size_t offset) {
 
 // -- Reading. `found` is the element of the tag.
 
-// A bad spelling is reported with the enclosing element and the tag's name, and does not appear itself: that
-// is the wording which is looked for in records of errors.
+// The error for a bad spelling names the enclosing element and the tag, not the spelling. People search logs
+// for this wording.
 bool read_enumerated (const XMLTree &enclosing, const XMLTree &found, const Codec &codec, uint32_t *to,
                       AString *err) {
   return enumeration (codec.enumeration).from_string (stripped_text (found), to) ||

@@ -132,7 +132,7 @@ bool is_letter (AChar c) {
   return c.is_alnum () && !c.is_digit ();
 }
 
-// Attributes, comments and declarations die here.
+// Attributes, comments and declarations are refused here.
 bool is_name (Piece p) {
   return !p.is_empty () && is_letter (*p.first) &&
          std::all_of (p.first, p.last, [] (AChar c) { return c.is_alnum () || c == AChar ('_'); });

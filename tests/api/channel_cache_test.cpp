@@ -1,4 +1,4 @@
-// What reports leave in the state of channels, handed over as parsed messages.
+// What reports change in the state of channels. The connection gets them as parsed messages.
 
 #include "api/connection/connection_registry.h"
 #include "xml/xml_parse.h"
@@ -13,7 +13,7 @@ namespace {
 
 using Pair = std::pair<uint32_t, uint32_t>;
 
-/// A connection object without a server, and a look into it.
+/// A connection object without a server, and access to its state.
 class ChannelCacheTest : public testing::Test {
 protected:
   void report (const std::string &body) {

@@ -1,4 +1,4 @@
-// What callers hold by number: lists and snapshots.
+// Lists and snapshots, which callers know by their numbers.
 
 #include "api/handles/list_handles.h"
 #include "api/handles/metadata_handles.h"

@@ -1,4 +1,4 @@
-// How a store folds what is reported, handed over as parsed messages to a connection without a server.
+// The changes that a store makes of reports. A connection without a server gets them as parsed messages.
 
 #include "api/stores/kv_store.h"
 

@@ -1,4 +1,4 @@
-// What reports leave in the sets of changed names, handed over as parsed messages.
+// What reports change in the sets of changed names. The connection gets them as parsed messages.
 
 #include "api/connection/connection_registry.h"
 #include "support/fake_server.h"

@@ -1,4 +1,4 @@
-// Whatever a server says within the protocol is converted without a word to the reporter of assertions.
+// No value that a server may send fails an assertion when it is converted.
 #include "exports/snapshots.h"
 #include "schema/enumerations.h"
 #include "support/assert_counter.h"

@@ -1,5 +1,5 @@
-// Every body that a message can hold: delivered with all tags; refused, with the exact text, with each of its
-// required tags missing, doubled and bad; delivered without its optional ones.
+// Every body that a message can hold. It is delivered with all tags, and without its optional ones. It is
+// refused with the exact text when a required tag is missing, doubled or bad.
 
 #include "engine/recorder.h"
 #include "xml/xml_parse.h"

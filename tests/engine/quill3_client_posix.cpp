@@ -1,4 +1,4 @@
-// What a connection stands from its host on Linux: signals, many descriptors; and what it gives back.
+// A connection on Linux in a host with signals and many descriptors, and that it frees all it has used.
 
 #include "base/amethod.h"
 #include "engine/test_client.h"

@@ -1,5 +1,5 @@
-// What the end of a process does to a connection on Windows: the system ends its thread wherever it is, and
-// only then are the libraries told, which may still close their connections.
+// A connection at the end of a process on Windows. The system first ends the connection's thread, wherever it
+// is. Then it calls the libraries, and they may still close their connections.
 #include "engine/connection.h"
 
 #include <windows.h>

@@ -1,4 +1,4 @@
-// What becomes of a call: its errors, its limit, its end by another thread or by the end of everything.
+// How a call ends: by an error, by its limit, by another thread, or with its server object.
 
 #include "hpp/scripted.h"
 

@@ -1,4 +1,4 @@
-// Events: what is told, to whom, and for how long.
+// Events: which there are, who gets them, and for how long.
 
 #include "hpp/reporting.h"
 

@@ -1,4 +1,4 @@
-// Needs the headers, the library and no server: what the header for C++ can be told without one.
+// Uses of the header for C++ that need the library and no server.
 #include <orva.hpp>
 
 #include <chrono>

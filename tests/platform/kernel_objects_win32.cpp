@@ -1,5 +1,5 @@
-// What Windows adds to waits: calls that are queued for a thread run while it waits for a semaphore, whose
-// wait then begins anew, and not while it waits for a mutex.
+// Waits on Windows. Calls that are queued for a thread run while it waits for a semaphore, and the wait then
+// starts again. They do not run while it waits for a mutex.
 #include "platform/kernel_objects.h"
 #include "support/wait.h"
 

@@ -13,7 +13,7 @@
 
 namespace sim {
 
-/// A list on its way to the server, item by item.
+/// A list that a client is sending to the server, item by item.
 struct ListDraft {
   std::string id;
   std::vector<Item> items;
@@ -46,7 +46,7 @@ public:
   /// wait.
   virtual void produce (Producer producer) = 0;
 
-  /// Whether so much waits to be sent that reports which will soon be outdated are better left out.
+  /// Whether so much waits to be sent that reports which are soon outdated should be left out.
   virtual bool lags () const = 0;
 
   const int number;                              ///< for the log

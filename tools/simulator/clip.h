@@ -18,7 +18,8 @@ struct Track {
   std::optional<std::uint32_t> trim_start;
 };
 
-/// A clip with all that is told of it. Numbers are as wide as the database's; lengths and places in fields.
+/// A clip with all its attributes. Numbers are as wide as in the database; lengths and positions are in
+/// fields.
 struct Clip {
   std::string id, id8, title, creator, project, uuid, parent_uuid, file_type = "simulated";
   std::string standard; ///< word of `VideoStandard`
@@ -37,7 +38,7 @@ struct Clip {
   bool has_track (int type) const;
 };
 
-/// The directory a clip or a directory stands in; empty for the top.
+/// The directory that a clip or a directory is in; empty for the top.
 std::string directory_of (const std::string &name);
 
 /// Writes the record `ClipInfo`.

@@ -7,8 +7,8 @@ namespace sim {
 
 class World;
 
-/// Gives a new server its clips, as its options say: those of a file, or a few of its own, and any number of
-/// generated ones. A database that holds clips already gets no own ones, and no name twice.
+/// Creates the clips of a new server as its options say: those of a file, or a few of its own, and any number
+/// of generated ones. A database that holds clips already gets no clips of its own, and no name twice.
 /// @throws std::runtime_error when the file cannot be read, with the number of a bad line.
 ///
 /// A line of the file is `directory NAME`, or `clip NAME` with any of these behind it, blanks being quoted:

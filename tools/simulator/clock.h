@@ -9,7 +9,7 @@
 
 namespace sim {
 
-/// The time of one server: fields that go by as fast as those of its standard, faster, or not at all.
+/// The time of one server. Fields pass at the rate of its standard, faster, or not at all.
 class Clock {
 public:
   using Real = std::chrono::steady_clock;
@@ -32,7 +32,7 @@ public:
   /// @param rate from 0.001 to 1000
   void set_rate (double rate);
 
-  /// So many fields have been let pass by hand.
+  /// Lets a number of fields pass at once.
   void step (int fields) { stepped_ += fields; }
 
   /// Milliseconds since 1970: with a given start the same for the same number of fields.

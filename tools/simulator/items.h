@@ -26,7 +26,7 @@ struct Transition {
   std::optional<std::uint32_t> duration; ///< fields
 };
 
-/// One element of either kind of list. What the other kind would say stays absent.
+/// One element of either kind of list. Members that only the other kind has are absent.
 struct Item {
   std::optional<std::string> clip, vclip;
   std::optional<std::uint32_t> in, out; ///< the first and the last field to show
@@ -35,7 +35,7 @@ struct Item {
   std::optional<Transition> transition;
   std::optional<std::uint32_t> offset, trigger;
 
-  /// Names nothing to show: such an item ends a list.
+  /// Whether it names nothing to show. Such an item ends a list.
   bool empty () const { return !clip && !vclip; }
 };
 
