@@ -55,17 +55,17 @@ void add_server_options (CLI::App &app, CommandLine &line) {
       ->check (CLI::ValidIPV4);
   app.add_option ("--config", line.config, "JSON file with a block of options for each of several servers")
       ->excludes ("--address");
-  app.add_option ("--name", options.name, "computer name the server gives")->capture_default_str ();
+  app.add_option ("--name", options.name, "computer name that the server reports")->capture_default_str ();
   app.add_option ("--standard", options.standard, "video standard, see below")
       ->capture_default_str ()
       ->check (check_standard);
   app.add_option ("--clips", options.clips, "text file of clips and directories");
-  app.add_option ("--generate", options.generate, "add so many generated clips");
+  app.add_option ("--generate", options.generate, "add this many generated clips");
   app.add_option ("--database", options.database, "file to keep everything in, for the next start");
   app.add_option ("--report-rate", options.report_rate,
                   "most positions of a channel in a second, 0 for each field");
   app.add_option ("--refuse-metadata", options.refuse_metadata,
-                  "refuse every so manyth change of metadata, 0 for none");
+                  "refuse every Nth change of metadata, 0 for none");
   app.add_option ("--faults", options.faults, "JSON file of faults to start with");
   app.add_flag ("--empty", options.empty, "load nothing on the channels");
   app.add_flag ("--verbose", options.verbose, "log reports and raw documents too");
@@ -81,20 +81,19 @@ void add_steering_options (CLI::App &app, CommandLine &line) {
   app.add_option ("--control-token", line.steering.control_token,
                   "secret that every request to the control address must carry")
       ->envname ("ORVA_SIMULATOR_TOKEN");
-  app.add_option ("--script", line.steering.script,
-                  "JSON file of a scenario; its end is the end of the program");
+  app.add_option ("--script", line.steering.script, "JSON file of a scenario; the program ends with it");
   app.add_option ("--start", line.start, "time of day at the first field, such as 2026-01-31T12:00:00Z")
       ->check (check_time);
-  app.add_flag ("--paused", options.paused, "let no time pass but by hand");
-  app.add_option ("--rate", options.rate, "run so many times as fast")
+  app.add_flag ("--paused", options.paused, "let time pass by command only");
+  app.add_option ("--rate", options.rate, "let time run this many times as fast")
       ->capture_default_str ()
       ->check (CLI::Range (0.001, 1000.0));
-  app.add_option ("--seed", options.seed, "number that all that is random starts from");
+  app.add_option ("--seed", options.seed, "seed of all random choices");
 }
 
 void add_proxy (CLI::App &app, CommandLine &line) {
   CLI::App &proxy =
-      *app.add_subcommand ("proxy", "stand between clients and a server, and write down what passes");
+      *app.add_subcommand ("proxy", "pass messages between clients and a server, and record them");
   proxy.add_option ("--listen", line.proxy.listen, "IPv4 address to listen on")
       ->required ()
       ->check (CLI::ValidIPV4);
@@ -103,12 +102,11 @@ void add_proxy (CLI::App &app, CommandLine &line) {
       ->check (CLI::ValidIPV4);
   proxy.add_option ("--trace", line.proxy.trace, "file to write, JSON lines")->required ();
   proxy.add_option ("--faults", line.proxy.faults, "JSON file of faults to put into the server's traffic");
-  proxy.add_option ("--seed", line.proxy.seed, "number that all that is random starts from");
+  proxy.add_option ("--seed", line.proxy.seed, "seed of all random choices");
 }
 
 void add_replay (CLI::App &app, CommandLine &line) {
-  CLI::App &replay =
-      *app.add_subcommand ("replay", "play the server's side of what a proxy has written down");
+  CLI::App &replay = *app.add_subcommand ("replay", "play the server's side of what a proxy has recorded");
   replay.add_option ("trace", line.replay.trace, "file that a proxy has written")->required ();
   replay.add_option ("--listen", line.replay.listen, "IPv4 address to listen on")
       ->capture_default_str ()
