@@ -1,4 +1,4 @@
-"""The clip store: attributes, names, directories, changes told to everyone, and what is kept in a file."""
+"""The clip store: attributes, names, directories, changes reported to everyone, and what is kept in a file."""
 
 import os
 import re

@@ -310,7 +310,7 @@ class Token(Controlled):
 
 
 class Document(Controlled):
-    """What the document says can be typed does what it says."""
+    """The commands in the document do what it says."""
 
     def test_every_curl_line(self):
         here = os.path.dirname(os.path.abspath(__file__))
@@ -344,7 +344,7 @@ class Document(Controlled):
 
 
 class Repetition(Controlled):
-    """With a seed, a start and no time but by hand, two runs answer alike."""
+    """With a seed, a start, and time that passes by command only, two runs give the same answers."""
 
     options = ("--seed", "5", "--start", "2026-01-31T12:00:00Z", "--paused", "--standard", "1080_50i")
 

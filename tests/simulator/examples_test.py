@@ -13,7 +13,7 @@ TRACKS = "<TrackSet><TrackType>video</TrackType></TrackSet>"
 
 
 class Program:
-    """A running example, what it is told, and the lines that it prints."""
+    """A running example, its input, and the lines that it prints."""
 
     def __init__(self, name, *arguments):
         program = os.path.join(os.path.dirname(support.PROGRAM), name)
@@ -36,7 +36,7 @@ class Program:
             time.sleep(0.01)
 
     def wait_for_next(self, line):
-        """Waits for such a line behind the one that this has waited for before."""
+        """Waits for such a line, after the last line that this has found."""
         self.wait_for(line, self.seen)
         self.seen = self.lines.index(line, self.seen) + 1
 
@@ -52,7 +52,7 @@ class Program:
         return self.end()
 
     def end(self):
-        """Ends the input, waits for the end of the program and gives its code."""
+        """Ends the input, waits for the end of the program and returns its exit code."""
         self.process.stdin.close()
         code = self.process.wait(timeout=support.PATIENCE)
         self.reader.join()

@@ -1,4 +1,4 @@
-"""Much at once: long listings, slow clients, huge values, and no descriptor left."""
+"""High load: long listings, slow clients, huge values, and no descriptor left."""
 
 import resource
 import socket
@@ -26,7 +26,7 @@ class Raw:
         self.socket.sendall(text.encode())
 
     def read_until(self, end):
-        """The bytes up to an end, which belongs to them; what was read when the server closes."""
+        """The bytes up to and including an end; when the server closes first, all that was read."""
         parts = []
         while end not in self.held:
             # An end may be split between two reads: so much of the last one is kept.

@@ -1,4 +1,4 @@
-"""Metadata databases and the user dictionary: what is kept, and who hears of it."""
+"""Metadata databases and the user dictionary: what is kept, and who gets reports of it."""
 
 import re
 

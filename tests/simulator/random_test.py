@@ -1,4 +1,4 @@
-"""A heap of random commands: the server lives, answers each, and what it reported is what it holds."""
+"""Many random commands: the server survives them, answers each one, and has the state that it has reported."""
 
 import os
 import random
@@ -159,7 +159,7 @@ class Random(support.Case):
                               "</channel_report_register>" % (letter, kind))
 
     def truth(self):
-        """What a client that comes now is told."""
+        """What the server reports to a new client."""
         client, mirror = self.client(), Mirror()
         self.register(client)
         for report in client.settled_reports():

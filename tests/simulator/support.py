@@ -45,7 +45,7 @@ class Simulator:
             return int(file.read().split()[1]) * os.sysconf("SC_PAGE_SIZE")
 
     def stop(self):
-        """Asks for the end, gives the exit code; the log lines stand in `log`."""
+        """Asks for the end and returns the exit code; the log lines are in `log`."""
         self.process.terminate()
         text, _ = self.process.communicate(timeout=PATIENCE)
         self.log = text.splitlines()
@@ -53,7 +53,7 @@ class Simulator:
 
 
 class Client:
-    """One connection; `ask` sends a command and gives its replies, reports are set aside."""
+    """One connection; `ask` sends a command and returns its replies, reports are kept for later."""
 
     MESSAGE = re.compile(rb"<(reply|report)>.*?</\1>", re.DOTALL)
 
@@ -110,7 +110,7 @@ class Client:
         return bodies[0]
 
     def wait_report(self, good):
-        """The next report that is as wished; the ones before it are dropped."""
+        """The next report that satisfies a condition; the ones before it are dropped."""
         end = time.monotonic() + PATIENCE
         while time.monotonic() < end:
             while self.reports:
@@ -124,7 +124,7 @@ class Client:
         raise RuntimeError("no such report came")
 
     def settled_reports(self):
-        """The reports that were sent up to now: an answered command comes behind them."""
+        """The reports that were sent up to now. They come before the answer to a command that is sent now."""
         self.answer("<sync />")
         reports, self.reports = self.reports, []
         return reports
@@ -163,7 +163,7 @@ class Case(unittest.TestCase):
 
 
 def wait_until(true):
-    """Asks again and again until the answer is yes."""
+    """Calls the condition again and again until it is true."""
     end = time.monotonic() + PATIENCE
     while not true():
         if time.monotonic() > end:

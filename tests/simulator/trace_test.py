@@ -1,4 +1,4 @@
-"""The proxy that writes what passes, and the replay of what it has written."""
+"""The proxy that records messages, and the replay of what it has recorded."""
 
 import base64
 import json

@@ -1,4 +1,4 @@
-"""Channels: what is loaded, how it moves, what follows, and what is told of it."""
+"""Channels: what is loaded, how it moves, what follows, and what is reported of it."""
 
 import re
 import time
@@ -46,7 +46,7 @@ class Desk:
         self.case.fail("the position does not come")
 
     def present(self, kind):
-        """What the server tells first on registration."""
+        """What the server reports right after a registration."""
         other = self.case.client()
         other.answer("<channel_report_register><Channel>%s</Channel><ChannelReportType>%s</ChannelReportType>"
                      "</channel_report_register>" % (self.letter, kind))
