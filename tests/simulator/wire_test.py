@@ -1,5 +1,8 @@
 """Documents in, replies out: framing, identifiers, refusals, and what ends a connection."""
 
+import os
+import re
+import select
 import unittest
 
 import support
@@ -130,6 +133,21 @@ class Process(unittest.TestCase):
         for _ in range(3000):
             client.answer("<sync />")
         self.assertEqual(simulator.stop(), 0)
+        client.close()
+
+    def test_the_log_says_how_many_lines_are_missing(self):
+        simulator = support.Simulator()
+        client = support.Client(simulator.address)
+        for _ in range(5000):
+            client.answer("<sync />")
+        read = b""
+        while select.select([simulator.process.stdout], [], [], 0.2)[0]:
+            read += os.read(simulator.process.stdout.fileno(), 1 << 20)
+        client.answer("<debug_label><DebugString>after</DebugString></debug_label>")
+        self.assertEqual(simulator.stop(), 0)
+        log = read.decode() + "\n".join(simulator.log)
+        missing = re.search(r"(\d+) lines are missing here, because nobody read them in time", log)
+        self.assertEqual(int(missing.group(1)) + log.count(" sync : ok"), 5000)
         client.close()
 
     def test_an_address_that_is_taken(self):

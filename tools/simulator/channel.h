@@ -51,6 +51,7 @@ struct Recording {
   std::string clip;
   std::uint32_t length = 0;
   std::uint32_t stored_length = 0;
+  bool was_refused = false; ///< it could not be stored when it ended
 
   std::uint32_t growth () const { return length - stored_length; }
 };

@@ -243,14 +243,14 @@ void Clips::add (Clip clip) {
 }
 
 void Clips::take_in (Clip clip) {
-  Transaction transaction (database_);
+  Change change (*this);
   if (clip.uuid.empty ())
     clip.uuid = new_uuid (random_);
   clip.meta_stamp = stamp ();
   clip.content_stamp = clip.meta_stamp;
   insert (clip);
   write_pairs (clip);
-  transaction.finish ();
+  change.finish ();
 }
 
 void Clips::write_pairs (const Clip &clip) {
@@ -260,19 +260,21 @@ void Clips::write_pairs (const Clip &clip) {
 }
 
 void Clips::store (const Clip &clip) {
-  Transaction transaction (database_);
+  Change change (*this);
   remove (clip.id);
   insert (clip);
   write_pairs (clip);
-  transaction.finish ();
+  change.finish ();
 }
 
 void Clips::remove (const std::string &id) {
+  Change change (*this);
   Rows rows = database_.query ("SELECT untrimmed FROM clips WHERE id = ?", id);
   if (rows.next ())
     fields_ -= rows.number (0);
   database_.run ("DELETE FROM clips WHERE id = ?", id);
   database_.run ("DELETE FROM clip_metadata WHERE clip = ?", id);
+  change.finish ();
 }
 
 void Clips::rename (const std::string &from, const std::string &to) {
@@ -280,10 +282,10 @@ void Clips::rename (const std::string &from, const std::string &to) {
   check_new_name (to);
   clip.id = to;
   check_clip_size (clip);
-  Transaction transaction (database_);
+  Change change (*this);
   remove (from);
   store (clip);
-  transaction.finish ();
+  change.finish ();
 }
 
 void Clips::add_directory (const std::string &name) {
@@ -301,7 +303,21 @@ void Clips::rename_directory (const std::string &from, const std::string &to) {
 }
 
 void Clips::touch (const std::string &id, std::string_view column) {
-  database_.run (fmt::format ("UPDATE clips SET {} = ? WHERE id = ?", column), stamp (), id);
+  late_stamps_.push_back ({id, std::string (column), stamp ()});
+  store_late_stamps ();
+}
+
+void Clips::store_late_stamps () {
+  constexpr std::size_t most_stamps = 10'000;
+  try {
+    for (; !late_stamps_.empty (); late_stamps_.pop_front ()) {
+      const Stamp &next = late_stamps_.front ();
+      database_.run (fmt::format ("UPDATE clips SET {} = ? WHERE id = ?", next.column), next.time, next.clip);
+    }
+  } catch (const Refusal &) {
+    if (late_stamps_.size () > most_stamps)
+      late_stamps_.pop_front ();
+  }
 }
 
 std::int64_t Clips::stamp () {

@@ -6,6 +6,7 @@
 #include "random.h"
 
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <optional>
 #include <string>
@@ -58,8 +59,10 @@ public:
   void add_directory (const std::string &name);
   void rename_directory (const std::string &from, const std::string &to);
 
-  /// Moves one of the stamps (a column's name) to now, where the clip still exists.
+  /// Moves one of the stamps (a column's name) to now, where the clip still exists. A stamp that cannot be
+  /// stored now is stored later.
   void touch (const std::string &id, std::string_view column);
+  void store_late_stamps ();
 
   /// Milliseconds since 1970, never the same twice.
   std::int64_t stamp ();
@@ -76,8 +79,8 @@ public:
         clips_.fields_ = fields_;
     }
     void finish () {
-      finished_ = true;
       transaction_.finish ();
+      finished_ = true;
     }
 
   private:
@@ -96,6 +99,12 @@ private:
   Database &database_;
   const Clock &clock_;
   Random &random_;
+  struct Stamp {
+    std::string clip;
+    std::string column;
+    std::int64_t time;
+  };
+  std::deque<Stamp> late_stamps_;
   std::int64_t last_stamp_ = 0;
   std::int64_t fields_ = 0;
 };

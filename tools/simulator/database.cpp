@@ -1,73 +1,88 @@
 #include "database.h"
 
+#include "values.h"
+
+#include <fmt/format.h>
 #include <sqlite3.h>
-#include <stdexcept>
 
 namespace sim {
+
+namespace {
+
+constexpr int patience = 1000; // milliseconds
+constexpr std::chrono::seconds impatience{3};
+
+} // namespace
 
 Rows::~Rows () {
   if (!statement_)
     return;
-  sqlite3_reset (statement_);
-  pool_->push_back (statement_);
+  statement_->tryReset ();
+  pool_->push_back (std::move (statement_));
 }
 
 bool Rows::next () {
-  const int outcome = sqlite3_step (statement_);
-  if (outcome != SQLITE_ROW && outcome != SQLITE_DONE)
-    throw std::runtime_error (sqlite3_errmsg (sqlite3_db_handle (statement_)));
-  return outcome == SQLITE_ROW;
-}
-
-std::string Rows::text (int column) const {
-  const void *bytes = sqlite3_column_blob (statement_, column);
-  const auto size = static_cast<std::size_t> (sqlite3_column_bytes (statement_, column));
-  return bytes ? std::string (static_cast<const char *> (bytes), size) : std::string ();
-}
-
-std::int64_t Rows::number (int column) const {
-  return sqlite3_column_int64 (statement_, column);
-}
-
-void Rows::bind (int place, std::string_view value) {
-  sqlite3_bind_text64 (statement_, place, value.empty () ? "" : value.data (), value.size (),
-                       SQLITE_TRANSIENT, SQLITE_UTF8);
-}
-
-void Rows::bind (int place, std::int64_t value) {
-  sqlite3_bind_int64 (statement_, place, value);
-}
-
-Database::Database (const std::string &path) {
-  const bool opened = sqlite3_open (path.empty () ? ":memory:" : path.c_str (), &handle_) == SQLITE_OK;
-  if (!opened) {
-    const std::string fault = sqlite3_errmsg (handle_);
-    sqlite3_close (handle_);
-    throw std::runtime_error (path + ": " + fault);
+  try {
+    return !statement_->isDone () && statement_->executeStep ();
+  } catch (const SQLite::Exception &fault) {
+    statement_->tryReset ();
+    database_->refuse (fault);
   }
+}
+
+Database::Database (const std::string &path) try
+    : handle_ (path.empty () ? ":memory:" : path, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, patience) {
   // A killed process loses nothing; only a fallen machine could, and that is not simulated.
   query ("PRAGMA journal_mode = WAL").next ();
   query ("PRAGMA synchronous = OFF").next ();
-}
-
-Database::~Database () {
-  for (const auto &[sql, statements] : idle_)
-    for (sqlite3_stmt *statement : statements)
-      sqlite3_finalize (statement);
-  sqlite3_close (handle_);
+} catch (const std::exception &fault) {
+  throw Refusal (fmt::format ("{}: {}", path, fault.what ()));
 }
 
 Rows Database::prepare (const std::string &sql) {
+  if (impatient_ && Clock::now () > impatient_until_)
+    wait_again ();
   Rows::Pool &pool = idle_[sql];
-  if (!pool.empty ()) {
-    sqlite3_stmt *statement = pool.back ();
-    pool.pop_back ();
-    return {pool, statement};
+  if (pool.empty ()) {
+    try {
+      pool.push_back (std::make_unique<SQLite::Statement> (handle_, sql));
+    } catch (const SQLite::Exception &fault) {
+      refuse (fault);
+    }
   }
-  sqlite3_stmt *statement = nullptr;
-  if (sqlite3_prepare_v2 (handle_, sql.c_str (), -1, &statement, nullptr) != SQLITE_OK)
-    throw std::runtime_error (sql + ": " + sqlite3_errmsg (handle_));
-  return {pool, statement};
+  std::unique_ptr<SQLite::Statement> statement = std::move (pool.back ());
+  pool.pop_back ();
+  return {*this, pool, std::move (statement)};
+}
+
+void Database::wait_again () {
+  impatient_ = false;
+  sqlite3_busy_timeout (handle_.getHandle (), patience);
+}
+
+void Database::refuse (const SQLite::Exception &fault) {
+  if (fault.getErrorCode () == SQLITE_BUSY) {
+    impatient_ = true;
+    impatient_until_ = Clock::now () + impatience;
+    sqlite3_busy_timeout (handle_.getHandle (), 0);
+  }
+  throw Refusal (fmt::format ("The database cannot be used now: {}", fault.what ()));
+}
+
+Transaction::~Transaction () {
+  if (finished_)
+    return;
+  try {
+    database_.run ("ROLLBACK TO change");
+    database_.run ("RELEASE change");
+  } catch (const Refusal &) {
+    // The database has taken everything back on its own, as it does when the disk is full.
+  }
+}
+
+void Transaction::finish () {
+  database_.run ("RELEASE change");
+  finished_ = true;
 }
 
 } // namespace sim

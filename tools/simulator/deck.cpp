@@ -1,6 +1,7 @@
 #include "deck.h"
 
 #include "listplay.h"
+#include "log.h"
 #include "vocabulary.h"
 #include "world.h"
 
@@ -201,15 +202,37 @@ void check_recording (const World &world, int channel, Fixed speed) {
     throw Refusal ("The disk is full");
 }
 
+namespace {
+
+// Stores the clip with its new length. Returns whether there still is such a clip.
+bool store_recording (World &world, const Recording &done) {
+  if (!world.clips.exists (done.clip))
+    return false;
+  Clip clip = world.clips.find (done.clip);
+  clip.content_stamp = world.clips.stamp ();
+  world.clips.store (clip);
+  return true;
+}
+
+// It is tried again every second.
+void keep_recording (World &world, int channel, std::string_view why) {
+  Recording &recording = *world.deck (channel).unstored;
+  if (!std::exchange (recording.was_refused, true))
+    log_line (fmt::format ("the recording of '{}' is stored later: {}", recording.clip, why));
+}
+
+} // namespace
+
 void close_recording (World &world, int channel) {
   if (!world.seen (channel).has_ended_recording ())
     return;
   const Recording done = *world.seen (channel).unstored;
-  const bool exists = world.clips.exists (done.clip);
-  if (exists) {
-    Clip clip = world.clips.find (done.clip);
-    clip.content_stamp = world.clips.stamp ();
-    world.clips.store (clip);
+  bool exists = false;
+  try {
+    exists = store_recording (world, done);
+  } catch (const Refusal &refusal) {
+    keep_recording (world, channel, refusal.what ());
+    return;
   }
   world.deck (channel).unstored.reset ();
   if (!exists)

@@ -69,8 +69,10 @@ void Lists::store (const ListKind &kind, const std::string &id, const std::vecto
 
 void Lists::remove (const ListKind &kind, const std::string &id) {
   check_exists (kind, id);
+  Transaction transaction (database_);
   database_.run ("DELETE FROM lists WHERE kind = ? AND id = ?", kind.number, id);
   database_.run ("DELETE FROM list_items WHERE kind = ? AND id = ?", kind.number, id);
+  transaction.finish ();
   ++changes_[{kind.number, id}];
 }
 

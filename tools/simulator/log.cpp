@@ -1,5 +1,7 @@
 #include "log.h"
 
+#include "message_limits.h"
+
 #include <chrono>
 #include <cstdio>
 #include <ctime>
@@ -7,6 +9,7 @@
 #include <poll.h>
 #include <string>
 #include <unistd.h>
+#include <utility>
 
 namespace sim {
 
@@ -39,12 +42,22 @@ std::string time_of_day () {
   return fmt::format ("{:02}:{:02}:{:02}.{:03}", parts.tm_hour, parts.tm_min, parts.tm_sec, milliseconds);
 }
 
+std::uint64_t lines_missing = 0;
+
+void write_line (std::string_view line) {
+  write_all (fmt::format ("{} {}\n", time_of_day (), line));
+}
+
 } // namespace
 
 void log_line (std::string_view line) {
-  if (!output_is_ready ())
-    return;
-  write_all (fmt::format ("{} {}\n", time_of_day (), line.substr (0, longest_line)));
+  if (lines_missing > 0 && output_is_ready ())
+    write_line (fmt::format ("{} lines are missing here, because nobody read them in time",
+                             std::exchange (lines_missing, 0)));
+  if (output_is_ready ())
+    write_line (shortened (line, longest_line));
+  else
+    ++lines_missing;
 }
 
 void say (std::string_view line) {

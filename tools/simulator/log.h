@@ -4,11 +4,12 @@
 
 namespace sim {
 
-/// Writes one line with the time of day to the standard output. It never waits: a line that a full pipe
-/// does not take at once is lost.
+/// Writes one line with the time of day to the standard output. It never waits: a line that a full pipe does
+/// not take at once is left out, and the next line that is written is preceded by the number of those that
+/// are missing. A line of more than 4000 bytes is shortened in its middle.
 void log_line (std::string_view line);
 
-/// Writes one line as it stands, and waits until it is taken.
+/// Writes one line without a time, and waits until it is taken.
 void say (std::string_view line);
 
 /// Writes one line about something that has gone wrong to the standard error.

@@ -156,6 +156,7 @@ int main (int argc, char **argv) {
     return app.exit (problem) == 0 ? 0 : status_usage;
   }
   std::signal (SIGPIPE, SIG_IGN);
+  std::signal (SIGXFSZ, SIG_IGN); // a file that may not grow is an error like a full disk
   try {
     if (app.got_subcommand ("proxy"))
       return run_proxy (line.proxy);

@@ -287,6 +287,7 @@ void World::pass_field (int channel) {
 
 // What goes on by itself, and need not be known at once.
 void World::each_second () {
+  clips.store_late_stamps ();
   for (int channel = 0; channel < channel_count; ++channel)
     if (seen (channel).has_ended_recording ())
       touched_.insert (channel);
