@@ -276,7 +276,7 @@ uint32_t orva_set_clip_loop_out_point (uint32_t handle, uint32_t position) {
   return change_number (handle, &ClipAttrChange::LoopOut, &ClipInfo::LoopOut, position);
 }
 
-// A trim point always falls on the first field of a frame.
+// A trim point is always the first field of a frame.
 
 // C44: doc/compatibility.md
 uint32_t orva_set_clip_trim_start (uint32_t handle, uint32_t trim) {

@@ -83,7 +83,7 @@ void measure_round_trips () {
   time_each (warm_up, 500, stop);
   time_each (warm_up, 500, raw_stop);
   time_each (warm_up, 200, open_clip);
-  for (unsigned turn = 0; turn != 10; ++turn) { // a disturbance meets all of them
+  for (unsigned turn = 0; turn != 10; ++turn) { // in turns, so that a disturbance affects all of them
     time_each (raw_stops, round_trips / 10, raw_stop);
     time_each (stops, round_trips / 10, stop);
     time_each (raw_clips, round_trips / 40, raw_clip);

@@ -149,7 +149,7 @@ TEST (AllocationFailures, LeaveTheConnectionUsable) {
   EXPECT_EQ (server.accepted (), 1u);
 }
 
-// On the connection's own thread: a failure costs the link, and the command is told.
+// On the connection's own thread: a failure ends the link, and the command fails.
 TEST (AllocationFailures, InAReplyFailTheCommandAndTheNextLinkServes) {
   FakeServer server;
   server.on_any ([] (const support::Command &command) {

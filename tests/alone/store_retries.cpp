@@ -19,7 +19,7 @@ using std::chrono::milliseconds;
 using support::Command;
 
 /// Refuses the first try of the folder FIRST, and then does not answer it. Refuses all of the folder SECOND
-/// while it is told to, and notes when they came.
+/// while it is asked to, and records when they came.
 class RefusingServer : public support::FakeServer {
 public:
   RefusingServer () {

@@ -20,7 +20,7 @@ const unsigned early_computed = (computed_flag += 5);
 atomic_unsigned constant_flag (true);
 atomic_unsigned computed_flag (static_cast<bool> (opaque_true));
 
-// Fills zeroed static storage, builds a word over it and tells what it holds then.
+// Fills zeroed static storage, builds a word over it and returns its value.
 template <unsigned Tag>
 unsigned built_over (unsigned content, bool keep) {
   alignas (4) static unsigned char storage[sizeof (atomic_unsigned)];

@@ -25,7 +25,7 @@ bool unlock (AMutex &mutex) KELVANE_NO_THREAD_SAFETY_ANALYSIS {
   return mutex.unlock ();
 }
 
-// Takes and gives back the mutex on a thread of its own and tells when it has.
+// Locks and unlocks the mutex on a thread of its own, and shows when it has done so.
 class Contender {
 public:
   explicit Contender (AMutex &mutex)

@@ -420,7 +420,7 @@ TEST_F (OpenCommands, ThatAreOpenedByAFailureFailInTheSameRun) {
   EXPECT_EQ (wire.outstanding_count (), 0u);
 }
 
-// As it is told in the interface, though the link may be up again by then.
+// As quill3_api.h says, although the link may be up again by then.
 TEST_F (OpenCommands, ThatAreOpenedByAFailureFailInTheSameRunThoughTheyWereSent) {
   SendsAgain again{notes, wire, 2};
   wire.stop ({.Channel = 0}, again.ok (), again.error ());

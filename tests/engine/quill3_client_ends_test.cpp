@@ -127,8 +127,8 @@ TEST_F (Connection, EndsWhileReportsPourIn) {
   pouring.join ();
 }
 
-// The last reference falls on the connection's own thread: it must not wait for itself, nothing more is
-// handed to the object, and it is destroyed all the same.
+// The last reference is dropped on the connection's own thread. The thread must not wait for itself, no more
+// handlers run, and the object is destroyed all the same.
 TEST_F (Connection, EndsOnItsOwnThread) {
   std::atomic<uint32_t> destroyer{0}, last_user{0};
   std::atomic<int> handled{0};

@@ -123,8 +123,8 @@ struct FirstSendHeld {
   }
 };
 
-// A sender that is still busy with a link which has gone: what it finds out about it is nobody else's affair,
-// and what it had left to send does not appear on the next link.
+// A sender that is still busy with a lost link. Its failure affects no other link, and what it had left to
+// send does not appear on the next link.
 TEST_F (Connection, IsNotHarmedByALateFailureOnTheOneBefore) {
   FirstSendHeld held;
   server.answer_any ("<ok />");

@@ -51,7 +51,7 @@ std::set<pid_t> threads () {
   return all;
 }
 
-// The mask of blocked signals as the system tells it, bit n - 1 for signal n.
+// The mask of blocked signals as the system reports it, bit n - 1 for signal n.
 unsigned long blocked_signals (pid_t thread) {
   std::ifstream status ("/proc/self/task/" + std::to_string (thread) + "/status");
   for (std::string line; std::getline (status, line);)

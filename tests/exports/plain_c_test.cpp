@@ -12,7 +12,7 @@ namespace {
 
 using testing::ElementsAre;
 
-/// Answers everything that the results asks, and tells what changes on the way.
+/// Answers everything that the caller asks, and reports changes in between.
 void prepare (support::FakeServer &server) {
   server.answer_any ("<ok />");
   server.answer ("get_computer_name", "<computername><ComputerName>STUDIO1</ComputerName></computername>");

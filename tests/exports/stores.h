@@ -25,7 +25,7 @@ struct MetadataTable {
   std::map<std::string, std::string> pairs;
 };
 
-/// The server's side: one table, whatever the folder, told to nobody but who downloads it.
+/// The server's side: one table for all folders. Only a download returns it; there are no reports.
 class MetadataServer : private MetadataTable, public support::FakeServer {
 public:
   explicit MetadataServer (Start start = Start::listening) : FakeServer (start) {

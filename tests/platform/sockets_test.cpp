@@ -55,7 +55,7 @@ std::string numbered_bytes (size_t length) {
   return bytes;
 }
 
-// Runs work on a thread of its own and tells when it has ended.
+// Runs work on a thread of its own and shows whether it has ended.
 class Aside {
 public:
   template <class Work>

@@ -137,7 +137,7 @@ void take_report (States &states, const std::string &report) {
     ADD_FAILURE () << report;
 }
 
-/// Everything that a client which comes now is told.
+/// Everything that the server reports to a new client.
 States states_in_server (uint32_t address) {
   std::string questions;
   for (const char channel : {'A', 'B', 'C', 'D', 'E', 'F', 'G', 'H'})

@@ -138,7 +138,7 @@ private:
   std::thread thread_;
 };
 
-/// Follows a folder as an application does that keeps what it is told.
+/// Follows a folder as an application does that keeps a copy of all changes.
 class Follower {
 public:
   explicit Follower (uint32_t store) : store_ (store), thread_ ([this] { run (); }) {}
@@ -149,7 +149,8 @@ public:
   Follower (const Follower &) = delete;
   Follower &operator= (const Follower &) = delete;
 
-  /// Whether it knows all of this. It may know more: what was erased during an absence is not told.
+  /// Whether it knows all of this. It may know more, because erasures while the server was away are not
+  /// reported.
   bool knows (const Table &wanted) {
     const std::lock_guard hold (lock_);
     for (const auto &[key, value] : wanted)

@@ -103,7 +103,7 @@ void take_report (std::vector<Told> &lists, const std::string &report) {
     told.lock = position;
 }
 
-/// Everything that a client which comes now is told.
+/// Everything that the server reports to a new client.
 Lines lists_in_server (uint32_t address) {
   std::string questions;
   for (uint32_t channel = 0; channel != channels; ++channel)

@@ -397,7 +397,7 @@ void FakeServer::Machine::write_to (Connection &connection) {
     if (!connection.queue.empty ())
       connection.next_send = Clock::now () + connection.queue.front ().pause;
   }
-  // A client that has left, and to which nothing is owed any more.
+  // A client that has left, and for which nothing is left to send.
   if (is_open (connection) && connection.peer_ended)
     finish (connection, false);
 }

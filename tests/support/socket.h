@@ -17,7 +17,7 @@ struct Watch {
   Handle handle = no_handle;
   bool want_read = false;
   bool want_write = false;
-  bool can_read = false;  ///< also true when the peer is gone, so that the next receive tells
+  bool can_read = false;  ///< also true when the peer is gone; the next receive shows it
   bool can_write = false; ///< also true when the peer is gone
 };
 

@@ -9,7 +9,7 @@ namespace sim {
 /// The bytes in base64, with padding.
 std::string base64_of (std::string_view bytes);
 
-/// The bytes that a base64 text stands for, or nothing when it is none.
+/// Decodes a base64 text. Returns nothing when the text is not base64.
 std::optional<std::string> bytes_of_base64 (std::string_view text);
 
 } // namespace sim

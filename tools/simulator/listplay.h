@@ -16,7 +16,7 @@ void insert_item (World &world, int channel, const ListKind &kind, std::size_t i
 void remove_item (World &world, int channel, const ListKind &kind, std::size_t index);
 void modify_item (World &world, int channel, const ListKind &kind, std::size_t index,
                   const Arguments &change);
-/// Moves items, in the order given, before the one that stands at a place; a place behind the last is the
+/// Moves items, in the given order, in front of the one at a place. A place behind the last item means the
 /// end.
 void reorder_items (World &world, int channel, const ListKind &kind, const std::vector<std::size_t> &moved,
                     std::size_t before);

@@ -16,7 +16,7 @@ inline constexpr std::size_t longest_identifier = 200;
 /// What is left for a body beside the identifier and the outer tags.
 inline constexpr std::size_t longest_body = 32500;
 
-/// Names of clips, directories and lists. Half a message is left for what stands beside them.
+/// Names of clips, directories and lists. Half a message is left for the rest of its contents.
 inline constexpr std::size_t longest_name = 16000;
 
 /// @throws Refusal when something of this written size is longer than it may be.

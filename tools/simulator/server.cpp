@@ -242,7 +242,7 @@ private:
     end_later ("is sent away: it does not read");
   }
 
-  // Later, because whoever sends may be walking over all clients.
+  // Later, because the caller may be in a loop over all clients.
   void end_later (std::string_view why) {
     finishing_ = true;
     asio::post (socket_.get_executor (), [self = shared_from_this (), why] { self->end (why); });

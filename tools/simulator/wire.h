@@ -22,7 +22,7 @@ public:
   void feed (std::string_view bytes);
 
   /// The next whole document, or nothing while it is incomplete.
-  /// @throws Malformed when anything but a `cmd` element stands at its place.
+  /// @throws Malformed when the next element is not a `cmd`.
   std::optional<std::string> next ();
 
 private:

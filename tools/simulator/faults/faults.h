@@ -34,7 +34,8 @@ public:
   /// Whether one is in effect for everybody.
   bool stands (Fault fault) const;
 
-  /// A rule about messages has struck one of this client: what stands from now on because of it.
+  /// Called when a rule about messages has affected one of this client. Starts the lasting effect of the
+  /// rule.
   void make_stand (const Rule &rule, int client);
 
   Random &random () { return random_; }

@@ -275,7 +275,7 @@ public:
   /// The address in memory order: the first of the four numbers is the first byte.
   unsigned to_ip_address (unsigned otherwise) const;
 
-  /// Decimal digits, padded as `pad` does; a minus stands before zeros of padding.
+  /// Decimal digits, padded as `pad` does; a minus is written before zeros of padding.
   static AString from_uint64 (uint64_t value, int width = 0, char fill = ' ');
   static AString from_uint32 (uint32_t value, int width = 0, char fill = ' ');
   static AString from_uint16 (uint16_t value, int width = 0, char fill = ' ');

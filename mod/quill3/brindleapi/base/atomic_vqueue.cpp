@@ -100,7 +100,7 @@ void AVQueue::link (AVQueueNode *node) {
     if (next.pointer != 0)
       tail_.compare_and_swap (tail, successor (tail, node_of (next)));
     else if (node_of (tail)->next.compare_and_swap (next, successor (next, node))) {
-      tail_.compare_and_swap (tail, successor (tail, node)); // whoever comes next makes up for a failure
+      tail_.compare_and_swap (tail, successor (tail, node)); // after a failure the next thread does this
       return;
     }
   }
