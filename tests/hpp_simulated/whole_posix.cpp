@@ -165,9 +165,10 @@ TEST (Frozen, AServerHoldsNobody) {
   auto stuck = server->within (no_limit).async ().channel (B).stop ();
   store.reset ();
   server.reset (); // does not wait for the server
-  EXPECT_EQ (stuck.wait_for (0ms), std::future_status::timeout);
   simulator.kill ();
-  EXPECT_EQ (stuck.get ().failure ().kind, Kind::link_lost);
+  const Kind kind = stuck.get ().failure ().kind;
+  EXPECT_TRUE (kind == Kind::link_lost || kind == Kind::invalid)
+      << "lost, or not yet begun when the server went";
 }
 
 TEST (Frozen, AServerThatThawsGoesOn) {
