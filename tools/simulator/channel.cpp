@@ -80,7 +80,7 @@ void Channel::stop () {
 
 void Channel::go_to (std::uint32_t field) {
   playing_ = false;
-  place_ = std::int64_t{field} << 16;
+  place_ = std::int64_t{std::min (field, last_field ())} << 16;
 }
 
 void Channel::jog (std::int32_t distance) {

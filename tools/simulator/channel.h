@@ -83,7 +83,7 @@ public:
   void renew (const Content &content);
   void play (Fixed speed);
   void stop ();
-  /// Goes to a field and stands there; a jog goes no further than the ends.
+  /// Goes to a field and stands there. Both go no further than the ends.
   void go_to (std::uint32_t field);
   void jog (std::int32_t distance);
   void start_transition (std::uint32_t fields) { transition_left_ = fields; }

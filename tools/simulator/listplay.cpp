@@ -326,7 +326,7 @@ void follow_item (World &world, int channel, const Item &item, std::int64_t dist
   if (place > last && rule == chase_black)
     return unload (world, channel);
   if (place > last && rule == chase_loop)
-    place = first + (place - first) % (last - first + 1);
+    place = first + (place - first) % std::max<std::int64_t> (last - first + 1, 1);
   deck.go_to (static_cast<std::uint32_t> (std::min (place, last)));
   deck.skip_cueing ();
   if (place <= last)
@@ -351,9 +351,16 @@ void chase_channel (World &world, int channel, std::int64_t field) {
 } // namespace
 
 void chase_timecode (World &world, std::int64_t field) {
+  std::optional<Refusal> first_refusal;
   for (int channel = 0; channel < channel_count; ++channel)
-    if (world.seen (channel).chase)
-      chase_channel (world, channel, field);
+    try {
+      if (world.seen (channel).chase)
+        chase_channel (world, channel, field);
+    } catch (const Refusal &refusal) {
+      first_refusal = first_refusal.value_or (refusal);
+    }
+  if (first_refusal)
+    throw Refusal (*first_refusal);
 }
 
 std::vector<std::string> list_bodies (const World &world, int channel, const ListKind &kind) {

@@ -60,9 +60,13 @@ std::string readable (const Element &element) {
     else if (!child.text.empty ())
       line += '=' + child.text;
   }
-  std::replace_if (
-      line.begin (), line.end (), [] (char c) { return c >= 0 && c < ' '; }, '?');
   return line;
+}
+
+std::string on_one_line (std::string text) {
+  std::replace_if (
+      text.begin (), text.end (), [] (char c) { return c >= 0 && c < ' '; }, '?');
+  return text;
 }
 
 const Element &command_of (const Element &root) {
@@ -253,7 +257,8 @@ void World::receive (Client &client, const std::string &document) {
     deliver_error (client, xid, refusal.what (), refusal.code);
   }
   if (!options.quiet)
-    log_line (fmt::format ("#{} {} {}: {}", client.number, xid, line, outcome));
+    log_line (fmt::format ("#{} {} {}: {}", client.number, on_one_line (xid), on_one_line (line),
+                           on_one_line (outcome)));
   report_news ();
 }
 
