@@ -89,6 +89,6 @@ class Strange(support.Case):
     @classmethod
     def tearDownClass(cls):
         super().tearDownClass()
-        faked = [line for line in cls.simulator.log if "faked" in line]
-        if len(faked) != 1 or "get_clip_info" not in faked[0]:
+        faked = [line for line in cls.simulator.log if "faked" in line and "get_clip_info" not in line]
+        if faked: # the test above may have run in another process
             raise RuntimeError("a client writes lines of its own into the log: " + repr(faked))
