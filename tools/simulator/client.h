@@ -33,7 +33,8 @@ using Producer = std::function<bool ()>;
 /// What is kept here is lost with the connection.
 class Client {
 public:
-  explicit Client (int client_number) : number (client_number) {}
+  Client (int client_number, std::string client_name)
+      : number (client_number), name (std::move (client_name)) {}
   Client (const Client &) = delete;
   Client &operator= (const Client &) = delete;
   virtual ~Client () = default;
@@ -49,7 +50,8 @@ public:
   /// Whether so much waits to be sent that reports which are soon outdated should be left out.
   virtual bool lags () const = 0;
 
-  const int number;                              ///< for the log
+  const int number;                              ///< of the connection, from 1
+  const std::string name;                        ///< for the log, such as `#1`
   std::set<int> reports;                         ///< numbers of `ReportType`
   std::set<std::pair<int, int>> channel_reports; ///< channel, number of `ChannelReportType`
   std::set<int> owed_positions;                  ///< channels whose last position it may not know

@@ -218,7 +218,7 @@ bool store_recording (World &world, const Recording &done) {
 void keep_recording (World &world, int channel, std::string_view why) {
   Recording &recording = *world.deck (channel).unstored;
   if (!std::exchange (recording.was_refused, true))
-    log_line (fmt::format ("the recording of '{}' is stored later: {}", recording.clip, why));
+    world.log (fmt::format ("the recording of '{}' is stored later: {}", recording.clip, why));
 }
 
 } // namespace

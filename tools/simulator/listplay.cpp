@@ -85,7 +85,7 @@ void show_preview (World &world, int channel) {
   try {
     load (world, *deck.preview, item_cue (world, deck.list->items[*deck.list->next]));
   } catch (const Refusal &refusal) {
-    log_line (fmt::format ("channel {} has no preview: {}", word_at ("Channel", channel), refusal.what ()));
+    world.log (fmt::format ("channel {} has no preview: {}", word_at ("Channel", channel), refusal.what ()));
   }
 }
 
@@ -299,7 +299,7 @@ bool end_item (World &world, int channel) {
       finish (world, channel);
   } catch (const Refusal &refusal) {
     deck.stop ();
-    log_line (
+    world.log (
         fmt::format ("channel {} stops in its list: {}", word_at ("Channel", channel), refusal.what ()));
   }
   return true;

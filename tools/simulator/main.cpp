@@ -118,13 +118,16 @@ std::vector<Options> servers_of (CommandLine &line) {
   line.options.journal = !line.steering.control.empty () || !line.steering.script.empty ();
   std::vector<Options> servers;
   if (!line.config.empty ())
-    return read_configuration_file (line.config, line.options);
-  if (line.addresses.empty ())
-    return {line.options};
+    servers = read_configuration_file (line.config, line.options);
+  else if (line.addresses.empty ())
+    servers = {line.options};
   for (const std::string &address : line.addresses) {
     servers.push_back (line.options);
     servers.back ().address = address;
   }
+  if (servers.size () > 1)
+    for (Options &server : servers)
+      server.log_prefix = server.address + ' ';
   return servers;
 }
 

@@ -13,6 +13,7 @@ struct Options {
   std::string standard = "1080_59_94i";
   std::string clips;                 ///< file of clips; empty: a few of its own
   std::string database;              ///< file to keep everything in; empty: in memory
+  std::string log_prefix;            ///< of each line of the log: names the server when there are several
   std::string faults;                ///< file of faults that are set at the start
   std::uint32_t generate = 0;        ///< number of generated clips
   std::uint32_t report_rate = 0;     ///< most positions in a second; 0: one each field

@@ -53,7 +53,9 @@ class Session : public Client, public Endpoint, public std::enable_shared_from_t
 public:
   Session (World &world, asio::io_context &context, Faults &faults, Witness &witness, tcp::socket socket,
            int client_number, std::function<void (int)> ended)
-      : Client (client_number), world_ (world), socket_ (std::move (socket)),
+
+      : Client (client_number, fmt::format ("{}#{}", world.options.log_prefix, client_number)),
+        world_ (world), socket_ (std::move (socket)),
         line_ (std::make_shared<Line> (context, faults, witness, *this, client_number, peer_address ())),
         ended_ (std::move (ended)) {}
 
@@ -132,7 +134,7 @@ private:
 
   void note (std::string_view what) const {
     if (!world_.options.quiet)
-      log_line (fmt::format ("#{} {}", number, what));
+      log_line (fmt::format ("{} {}", name, what));
   }
 
   // The world forgets the client.
@@ -354,11 +356,14 @@ public:
 
 private:
   void received (int client, std::string_view command, const std::vector<Rule> &struck) override {
-    if (!options_.journal)
-      return;
     std::vector<std::string> names;
     for (const Rule &rule : struck)
       names.emplace_back (name_of (rule.fault));
+    if (!names.empty () && !options_.quiet)
+      world_->log (fmt::format ("#{} {} has the faults {}", client, glance_at (command).name,
+                                fmt::join (names, ", ")));
+    if (!options_.journal)
+      return;
     journal_.add (client, world_->clock.milliseconds (), command, std::move (names));
   }
 
@@ -398,7 +403,7 @@ private:
   // Most likely no descriptor is left. New clients wait in the queue of the system until another one goes.
   void accept_later (const asio::error_code &error) {
     if (!std::exchange (accept_fails_, true))
-      log_line (fmt::format ("new clients wait: {}", error.message ()));
+      world_->log (fmt::format ("new clients wait: {}", error.message ()));
     accept_timer_.expires_after (accept_pause);
     accept_timer_.async_wait ([this] (const asio::error_code &cancelled) {
       if (!cancelled && acceptor_.is_open ())

@@ -37,7 +37,7 @@ std::string error_body (std::string_view text, std::string_view code) {
 // The one place where messages go out. One that no client could take is left out.
 bool deliver (Client &client, std::string message) {
   if (message.size () > longest_message) {
-    log_line (fmt::format ("#{} is not sent a message of {} bytes: {}", client.number, message.size (),
+    log_line (fmt::format ("{} is not sent a message of {} bytes: {}", client.name, message.size (),
                            shortened (message, 100)));
     return false;
   }
@@ -235,9 +235,13 @@ std::uint64_t World::available_space () const {
   return total_space_ - std::min (used, total_space_);
 }
 
+void World::log (std::string_view line) const {
+  log_line (options.log_prefix + std::string (line));
+}
+
 void World::receive (Client &client, const std::string &document) {
   if (options.verbose)
-    log_line (fmt::format ("#{} got {}", client.number, document));
+    log_line (fmt::format ("{} sent {}", client.name, document));
   const Element root = parse_document (document);
   const std::string &xid = identifier_of (root);
   std::string outcome = "ok";
@@ -257,7 +261,7 @@ void World::receive (Client &client, const std::string &document) {
     deliver_error (client, xid, refusal.what (), refusal.code);
   }
   if (!options.quiet)
-    log_line (fmt::format ("#{} {} {}: {}", client.number, on_one_line (xid), on_one_line (line),
+    log_line (fmt::format ("{} {} {}: {}", client.name, on_one_line (xid), on_one_line (line),
                            on_one_line (outcome)));
   report_news ();
 }
@@ -286,7 +290,7 @@ void World::pass_field (int channel) {
       reach_end (*this, channel);
   } catch (const Refusal &refusal) {
     moving.stop ();
-    log_line (fmt::format ("channel {} stops: {}", word_at ("Channel", channel), refusal.what ()));
+    log (fmt::format ("channel {} stops: {}", word_at ("Channel", channel), refusal.what ()));
   }
 }
 
@@ -302,7 +306,7 @@ void World::each_second () {
 
 void World::send_report (Client &client, const std::string &body) {
   if (options.verbose)
-    log_line (fmt::format ("#{} is told {}", client.number, body));
+    log_line (fmt::format ("{} gets {}", client.name, body));
   deliver (client, report_text (body));
 }
 
@@ -421,7 +425,7 @@ void Call::rows (std::function<std::vector<std::string> ()> next) {
       deliver (to, reply_text (xid, empty_body ("ok")));
     } catch (const Refusal &refusal) {
       deliver_error (to, xid, refusal.what (), refusal.code);
-      log_line (fmt::format ("#{} {} ends with error, {}", to.number, xid, refusal.what ()));
+      log_line (fmt::format ("{} {} ends with error, {}", to.name, xid, refusal.what ()));
     }
     return false;
   });

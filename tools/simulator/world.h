@@ -38,6 +38,9 @@ public:
   void join (Client &client);
   void leave (Client &client);
 
+  /// Writes a line to the log.
+  void log (std::string_view line) const;
+
   /// Carries out one document and answers it. @throws Malformed when it cannot be answered.
   void receive (Client &client, const std::string &document);
 

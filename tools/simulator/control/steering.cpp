@@ -36,7 +36,7 @@ Value member (const Json &json, const char *name) {
 // A client that nobody is connected with: what it is sent is kept.
 class InnerClient : public Client {
 public:
-  InnerClient () : Client (-1) {}
+  explicit InnerClient (const World &world) : Client (-1, world.options.log_prefix + "control") {}
   void send (std::string message) override { messages.push_back (std::move (message)); }
   void produce (Producer producer) override {
     while (producer ())
@@ -68,7 +68,7 @@ Element only_command (const Json &command) {
 
 // @throws Refusal when the server refuses it
 void run (World &world, const Json &command) {
-  InnerClient client;
+  InnerClient client (world);
   for (const Element &body : answers_to (world, client, only_command (command)))
     if (body.name == "error")
       throw Refusal (body.child ("ErrorMessage")->text);
@@ -106,7 +106,7 @@ std::vector<std::string> attributes_of (const Json &json) {
 } // namespace
 
 Json run_commands (World &world, const Json &commands) {
-  InnerClient client;
+  InnerClient client (world);
   Json results = Json::array ();
   for (const Json &command : commands.is_array () ? commands : Json::array ({commands})) {
     Json answers = Json::array ();
