@@ -1,13 +1,14 @@
 # Which parts of the tree are built beside the library. AUTO builds a part when its packages are installed, ON fails
-# without them. The tools do not exist for Windows; a fuzz build has neither part.
+# without them. The simulator does not exist for Windows; a fuzz build has none of the parts.
 if(PROJECT_IS_TOP_LEVEL)
   set(default AUTO)
 else()
   set(default OFF)
 endif()
-set(ORVA_TOOLS ${default} CACHE STRING "Build the simulator and the tools: ON, OFF or AUTO")
+set(ORVA_TOOLS ${default} CACHE STRING "Build the simulator: ON, OFF or AUTO")
+set(ORVA_ORVACTL ${default} CACHE STRING "Build orvactl: ON, OFF or AUTO")
 set(ORVA_TESTS ${default} CACHE STRING "Build the tests: ON, OFF or AUTO")
-set_property(CACHE ORVA_TOOLS ORVA_TESTS PROPERTY STRINGS AUTO ON OFF)
+set_property(CACHE ORVA_TOOLS ORVA_ORVACTL ORVA_TESTS PROPERTY STRINGS AUTO ON OFF)
 
 # A packaged GoogleTest fits neither a cross build nor a sanitizer, which has to see all code: those compile it.
 set(ORVA_GTEST_SOURCE /usr/src/googletest CACHE PATH "Sources of GoogleTest, for builds that cannot use a packaged one")
@@ -48,6 +49,28 @@ elseif(ORVA_TOOLS)
     list(APPEND missing Asio)
   endif()
   orva_decide_part(ORVA_TOOLS "the simulator and its tests" ${missing})
+endif()
+
+# orvactl uses packages that are headers alone. A cross compiler sees these and nothing else of the system that it runs
+# on: a folder of the build has links to them.
+if(ORVA_ORVACTL AND ORVA_FUZZ)
+  set(ORVA_ORVACTL OFF)
+elseif(ORVA_ORVACTL)
+  set(missing "")
+  foreach(header CLI/CLI.hpp nlohmann/json.hpp toml++/toml.h)
+    string(MAKE_C_IDENTIFIER "ORVA_PLACE_OF_${header}" place)
+    find_path(${place} ${header} NO_CMAKE_FIND_ROOT_PATH)
+    mark_as_advanced(${place})
+    if(NOT ${place})
+      list(APPEND missing ${header})
+    elseif(CMAKE_CROSSCOMPILING)
+      get_filename_component(folder ${header} DIRECTORY)
+      file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/tool-headers)
+      file(CREATE_LINK ${${place}}/${folder} ${CMAKE_BINARY_DIR}/tool-headers/${folder} SYMBOLIC)
+      set(ORVA_TOOL_HEADERS ${CMAKE_BINARY_DIR}/tool-headers)
+    endif()
+  endforeach()
+  orva_decide_part(ORVA_ORVACTL "orvactl" ${missing})
 endif()
 
 if(ORVA_TESTS AND ORVA_FUZZ)

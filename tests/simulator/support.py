@@ -228,18 +228,19 @@ def flat(suite):
             yield test
 
 
-def chosen_tests():
+def chosen_tests(folder):
     """All tests, or those of this part when the environment asks for a part; arguments are parts of names."""
-    tests = list(flat(unittest.defaultTestLoader.discover(os.path.dirname(os.path.abspath(__file__)), "*_test.py")))
+    tests = list(flat(unittest.defaultTestLoader.discover(folder, "*_test.py")))
     wanted = [test for test in tests if not sys.argv[1:] or any(word in test.id() for word in sys.argv[1:])]
     parts = int(os.environ.get("GTEST_TOTAL_SHARDS", "1"))
     return wanted[int(os.environ.get("GTEST_SHARD_INDEX", "0"))::parts]
 
 
-def run_all(program):
+def run_all(program, folder):
+    """Runs the tests of a folder with this simulator."""
     global PROGRAM
     PROGRAM = program
-    suite = unittest.TestSuite(chosen_tests())
+    suite = unittest.TestSuite(chosen_tests(folder))
     result = Result()
     result.failfast = False
     suite.run(result)
