@@ -22,6 +22,7 @@
 #include <deque>
 #include <functional>
 #include <future>
+#include <list>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -167,32 +168,24 @@ const char *first_bad (const First &first, const Rest &...rest) {
 
 /**
  * Threads for calls that cannot be interrupted. A job starts at once, on the idle thread if there is one. One
- * thread stays idle for the next job. The destructor waits for no thread. A thread whose call is stuck ends
- * when the call returns.
+ * thread stays idle for the next job. stop() and the destructor wait for no job: a thread whose call is stuck
+ * ends when the call returns.
  */
 class Helpers : public std::enable_shared_from_this<Helpers> {
 public:
   /** False when the system cannot start a thread; the job is dropped then. */
   bool run (std::function<void ()> job) {
-    {
-      const std::lock_guard<std::mutex> hold (lock_);
-      ++busy_;
-      if (idle_ > jobs_.size ()) {
-        jobs_.push_back (std::move (job));
-        changed_.notify_one ();
-        return true;
-      }
-    }
-    try {
-      std::thread ([self = shared_from_this (), first = std::move (job)] () mutable {
-        self->work (std::move (first));
-      }).detach ();
-      return true;
-    } catch (...) {
-      const std::lock_guard<std::mutex> hold (lock_);
-      --busy_;
+    const std::lock_guard<std::mutex> hold (lock_);
+    join_ended ();
+    if (idle_) {
+      idle_->begin (std::move (job));
+      idle_.reset ();
+      changed_.notify_all ();
+    } else if (!start (std::move (job))) {
       return false;
     }
+    ++busy_;
+    return true;
   }
 
   /** How many jobs run now. */
@@ -201,36 +194,81 @@ public:
     return busy_;
   }
 
-  /** Ends the idle thread. Jobs that run go on. */
+  /** Ends the idle thread. Jobs that run go on, and their threads end after them. */
   void stop () {
-    const std::lock_guard<std::mutex> hold (lock_);
+    std::unique_lock<std::mutex> hold (lock_);
     stopped_ = true;
+    join_ended ();
+    for (const auto &each : workers_)
+      if (each != idle_)
+        each->thread.detach ();
+    workers_.clear ();
+    const std::shared_ptr<Worker> last = std::move (idle_);
     changed_.notify_all ();
+    hold.unlock ();
+    if (last)
+      last->thread.join ();
   }
 
 private:
-  void work (std::function<void ()> job) {
-    for (;;) {
-      job ();
-      job = nullptr;
+  struct Worker {
+    void begin (std::function<void ()> next) {
+      job = std::move (next);
+      working = true;
+    }
+
+    std::thread thread;
+    std::function<void ()> job;
+    bool working = false;
+    bool ended = false;
+  };
+
+  /** Requires the lock, which a thread that has ended takes no more. */
+  void join_ended () {
+    workers_.remove_if ([] (const std::shared_ptr<Worker> &each) {
+      if (each->ended)
+        each->thread.join ();
+      return each->ended;
+    });
+  }
+
+  /** Requires the lock. */
+  bool start (std::function<void ()> job) {
+    try {
+      const auto worker = std::make_shared<Worker> ();
+      worker->begin (std::move (job));
+      std::list<std::shared_ptr<Worker>> entry (1, worker);
+      worker->thread = std::thread ([self = shared_from_this (), worker] { self->work (worker); });
+      if (stopped_)
+        worker->thread.detach ();
+      else
+        workers_.splice (workers_.end (), entry);
+      return true;
+    } catch (...) {
+      return false;
+    }
+  }
+
+  void work (const std::shared_ptr<Worker> &own) {
+    while (own->working) {
+      own->job ();
+      own->job = nullptr;
       std::unique_lock<std::mutex> hold (lock_);
       --busy_;
-      if (stopped_ || idle_ != 0)
+      own->working = false;
+      if (stopped_ || idle_) {
+        own->ended = true;
         return;
-      ++idle_;
-      changed_.wait (hold, [&] { return stopped_ || !jobs_.empty (); });
-      --idle_;
-      if (jobs_.empty ())
-        return;
-      job = std::move (jobs_.front ());
-      jobs_.pop_front ();
+      }
+      idle_ = own;
+      changed_.wait (hold, [&] { return stopped_ || own->working; });
     }
   }
 
   mutable std::mutex lock_;
   std::condition_variable changed_;
-  std::deque<std::function<void ()>> jobs_;
-  std::size_t idle_ = 0;
+  std::list<std::shared_ptr<Worker>> workers_; ///< those that stop() has not let go
+  std::shared_ptr<Worker> idle_;               ///< waits for a job; null when all threads work
   std::size_t busy_ = 0;
   bool stopped_ = false;
 };
@@ -286,7 +324,7 @@ public:
   std::mutex watch_lock;
   std::shared_ptr<Watcher> watch; ///< guarded by watch_lock; none until something is watched
   std::mutex probe_lock;
-  std::shared_ptr<Waiter> probe; ///< guarded by probe_lock; the last question about health
+  std::weak_ptr<Waiter> probe; ///< guarded by probe_lock; the question about health that is under way
 
 private:
   const Address address_;

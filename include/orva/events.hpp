@@ -95,7 +95,7 @@ struct WatchFailed {
   Failure failure;
 };
 
-/** Something that happened on a server. */
+/** Something that happened on a server. Changes that a server reports together can come in any order. */
 struct Event {
   using What =
       std::variant<LinkUp, LinkDown, StatusChanged, ClipLoaded, PositionChanged, SpeedChanged, LengthChanged,

@@ -55,18 +55,18 @@ inline std::uint32_t probe_question (std::uint32_t server, std::uint32_t &rate) 
   return orva_video_frequency (server, &rate);
 }
 
-/** The question that is under way, or a new one. */
+/** The question that is under way, or a new one; null when the system cannot start a thread for it. */
 inline std::shared_ptr<Probe> probe_of (const std::shared_ptr<Core> &core) {
   const std::lock_guard<std::mutex> hold_core (core->probe_lock);
-  if (const auto running = std::static_pointer_cast<Probe> (core->probe)) {
+  if (const auto running = std::static_pointer_cast<Probe> (core->probe.lock ())) {
     const std::lock_guard<std::mutex> hold (running->lock);
     if (running->state != Waiter::State::done)
       return running;
   }
   const auto probe = std::make_shared<Probe> (core, true, probe_question);
-  core->probe = probe;
   if (!core->helpers->run ([probe] { probe->run (); }))
-    core->probe.reset ();
+    return nullptr;
+  core->probe = probe;
   return probe;
 }
 
@@ -74,6 +74,8 @@ inline bool answers (const std::shared_ptr<Core> &core, Limit limit) {
   if (core->connection () == 0 || !core->connected ())
     return false;
   const auto probe = probe_of (core);
+  if (!probe)
+    return false;
   const Deadline deadline (limit);
   std::unique_lock<std::mutex> hold (probe->lock);
   const auto done = [&] { return probe->state == Waiter::State::done; };

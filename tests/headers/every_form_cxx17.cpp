@@ -1,4 +1,4 @@
-// Every group of operations in every form, as C++17 takes it. Nothing here runs; the compiler is the test.
+// Every group of operations in every form, as C++17 takes it. It is only compiled, by scripts/test.
 
 #include "orva.hpp"
 
