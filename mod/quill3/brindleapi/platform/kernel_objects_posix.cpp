@@ -1,36 +1,33 @@
 #include "platform/kernel_objects.h"
 
+#include <atomic>
 #include <errno.h>
+#include <limits.h>
+#include <linux/futex.h>
 #include <new>
 #include <pthread.h>
+#include <sys/syscall.h>
 #include <time.h>
+#include <unistd.h>
 
 namespace {
 
-struct Semaphore {
-  pthread_mutex_t lock;
-  pthread_cond_t raised;
-  unsigned count;
-  unsigned maximum;
-};
+constexpr uint32_t largest_maximum = 0x7FFFFFFF;
 
-constexpr unsigned largest_maximum = 0x7FFFFFFFu;
+/// The state is the count, or `waited` when the count is 0 and a thread may be waiting.
+struct Semaphore {
+  static constexpr uint32_t waited = 0x80000000;
+  static_assert (std::atomic<uint32_t>::is_always_lock_free);
+
+  std::atomic<uint32_t> state;
+  const uint32_t maximum;
+};
 
 Semaphore *of (platform::SemaphoreHandle handle) {
   return reinterpret_cast<Semaphore *> (handle);
 }
 pthread_mutex_t *of (platform::MutexHandle handle) {
   return reinterpret_cast<pthread_mutex_t *> (handle);
-}
-
-bool init_steady_condition (pthread_cond_t *condition) {
-  pthread_condattr_t attributes;
-  if (pthread_condattr_init (&attributes) != 0)
-    return false;
-  bool ok = pthread_condattr_setclock (&attributes, CLOCK_MONOTONIC) == 0 &&
-            pthread_cond_init (condition, &attributes) == 0;
-  pthread_condattr_destroy (&attributes);
-  return ok;
 }
 
 timespec steady_time_after (unsigned milliseconds) {
@@ -45,24 +42,18 @@ timespec steady_time_after (unsigned milliseconds) {
   return end;
 }
 
-// The caller holds the lock. Any error of the condition but a time-out ends the wait as failed.
-platform::Wait wait_for_count (Semaphore &semaphore, unsigned milliseconds) {
-  timespec end = milliseconds == platform::infinite ? timespec{} : steady_time_after (milliseconds);
-  while (semaphore.count == 0) {
-    int error = 0;
-    if (milliseconds == 0)
-      error = ETIMEDOUT;
-    else if (milliseconds == platform::infinite)
-      error = pthread_cond_wait (&semaphore.raised, &semaphore.lock);
-    else
-      error = pthread_cond_timedwait (&semaphore.raised, &semaphore.lock, &end);
-    if (error == ETIMEDOUT && semaphore.count == 0)
-      return platform::Wait::timed_out;
-    if (error != 0 && error != ETIMEDOUT)
-      return platform::Wait::failed;
-  }
-  --semaphore.count;
-  return platform::Wait::signalled;
+// Sleeps while the state is `waited`. @param end null for no limit
+// @return 0 or an error
+int sleep_while_waited (Semaphore &semaphore, const timespec *end) {
+  const long slept = syscall (SYS_futex, &semaphore.state, FUTEX_WAIT_BITSET_PRIVATE, Semaphore::waited, end,
+                              nullptr, FUTEX_BITSET_MATCH_ANY);
+  return slept == 0 ? 0 : errno;
+}
+
+// Only the address is used, because a waiter may have closed the semaphore by now. At worst, somebody who
+// waits at the same address looks at his state once more.
+void wake_all (const void *address) {
+  syscall (SYS_futex, address, FUTEX_WAKE_PRIVATE, INT_MAX);
 }
 
 } // namespace
@@ -70,53 +61,52 @@ platform::Wait wait_for_count (Semaphore &semaphore, unsigned milliseconds) {
 platform::SemaphoreHandle platform::semaphore_create (unsigned initial, unsigned maximum) noexcept {
   if (maximum == 0 || maximum > largest_maximum || initial > maximum)
     return nullptr;
-  auto *semaphore = new (std::nothrow) Semaphore{};
-  if (semaphore == nullptr)
-    return nullptr;
-  semaphore->count = initial;
-  semaphore->maximum = maximum;
-  if (pthread_mutex_init (&semaphore->lock, nullptr) == 0) {
-    if (init_steady_condition (&semaphore->raised))
-      return reinterpret_cast<SemaphoreHandle> (semaphore);
-    pthread_mutex_destroy (&semaphore->lock);
-  }
-  delete semaphore;
-  return nullptr;
+  return reinterpret_cast<SemaphoreHandle> (new (std::nothrow) Semaphore{initial, maximum});
 }
 
 void platform::semaphore_close (SemaphoreHandle handle) noexcept {
-  if (handle == nullptr)
-    return;
-  pthread_cond_destroy (&of (handle)->raised);
-  pthread_mutex_destroy (&of (handle)->lock);
   delete of (handle);
 }
 
 platform::Wait platform::semaphore_wait (SemaphoreHandle handle, unsigned milliseconds) noexcept {
-  if (handle == nullptr || pthread_mutex_lock (&of (handle)->lock) != 0)
+  if (handle == nullptr)
     return Wait::failed;
-  Wait result = wait_for_count (*of (handle), milliseconds);
-  pthread_mutex_unlock (&of (handle)->lock);
-  return result;
+  Semaphore &semaphore = *of (handle);
+  const timespec end = milliseconds == infinite ? timespec{} : steady_time_after (milliseconds);
+  int error = milliseconds == 0 ? ETIMEDOUT : 0;
+  uint32_t state = semaphore.state;
+  for (;;) {
+    const bool is_zero = state == 0 || state == Semaphore::waited;
+    if (is_zero && error == ETIMEDOUT)
+      return Wait::timed_out;
+    if (!semaphore.state.compare_exchange_weak (state, is_zero ? Semaphore::waited : state - 1))
+      continue;
+    if (!is_zero)
+      return Wait::signalled;
+    error = sleep_while_waited (semaphore, milliseconds == infinite ? nullptr : &end);
+    if (error != 0 && error != EAGAIN && error != EINTR && error != ETIMEDOUT)
+      return Wait::failed;
+    state = semaphore.state;
+  }
 }
 
-// The condition is signalled with the lock held. A waiter may close the semaphore as soon as it has its
-// count, and no poster may then still use it.
+// The semaphore is not touched after its state has changed. A waiter may close it as soon as it has its
+// count.
 platform::Post platform::semaphore_post (SemaphoreHandle handle, unsigned count) noexcept {
-  if (handle == nullptr || count == 0 || pthread_mutex_lock (&of (handle)->lock) != 0)
+  if (handle == nullptr || count == 0)
     return Post::failed;
   Semaphore &semaphore = *of (handle);
-  Post result = Post::full;
-  if (count <= semaphore.maximum - semaphore.count) {
-    semaphore.count += count;
-    if (count == 1)
-      pthread_cond_signal (&semaphore.raised);
-    else
-      pthread_cond_broadcast (&semaphore.raised);
-    result = Post::done;
-  }
-  pthread_mutex_unlock (&semaphore.lock);
-  return result;
+  const uint32_t maximum = semaphore.maximum;
+  uint32_t state = semaphore.state;
+  uint32_t before = 0;
+  do {
+    before = state & ~Semaphore::waited;
+    if (count > maximum - before)
+      return Post::full;
+  } while (!semaphore.state.compare_exchange_weak (state, before + count));
+  if ((state & Semaphore::waited) != 0)
+    wake_all (&semaphore.state);
+  return Post::done;
 }
 
 void platform::forget_last_error () noexcept {}
