@@ -13,7 +13,6 @@ namespace {
 constexpr unsigned connect_delay = 100; // milliseconds before each attempt
 constexpr unsigned read_wait = 1000;    // milliseconds of one wait for bytes
 constexpr unsigned join_delay = 1;      // milliseconds between looks at the thread that is to end
-constexpr size_t read_size = 2048;      // bytes of one read
 constexpr uint64_t largest_send = 0x7FFFFFFF;
 constexpr uint32_t idle_limit = 4; // open commands that keep the idle function from running
 
@@ -156,10 +155,10 @@ void Client::poll_once () {
 }
 
 void Client::receive (const Link &link) {
-  char bytes[read_size];
-  int64_t count = platform::socket_receive (link.socket, bytes, sizeof bytes);
+  const std::span<char> place = place_for_bytes ();
+  const int64_t count = platform::socket_receive (link.socket, place.data (), place.size ());
   if (count > 0 && !stop_requested_)
-    feed_bytes (bytes, static_cast<uint64_t> (count));
+    take_bytes (static_cast<uint64_t> (count));
   if (count <= 0 || stream_failed ())
     disconnect ();
 }

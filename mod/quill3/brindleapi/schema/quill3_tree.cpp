@@ -4,6 +4,7 @@
 #include "schema/enumerations.h"
 #include "schema/tags.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace QUILL3 {
@@ -32,11 +33,34 @@ bool plain_digits (std::string_view text, uint64_t *value) {
   return true;
 }
 
+// The same for a decimal with an "X" behind it, whose whole part fits with either sign.
+bool plain_fixed (std::string_view text, Kelvane::fixed *value) {
+  constexpr unsigned fraction_bits = 16, places = 60; // binary places while the fraction is read
+  if (!text.ends_with ('X'))
+    return false;
+  text.remove_suffix (1);
+  const bool negative = text.starts_with ('-');
+  text.remove_prefix (negative ? 1 : 0);
+  const size_t dot = std::min (text.find ('.'), text.size ());
+  uint64_t whole = 0, fraction = 0;
+  if (!plain_digits (text.substr (0, dot), &whole) || whole > INT16_MAX)
+    return false;
+  for (size_t i = text.size (); i > dot + 1; --i) { // from the last digit to the first
+    const char c = text[i - 1];
+    if (c < '0' || c > '9')
+      return false;
+    fraction = (fraction + (static_cast<uint64_t> (c - '0') << places)) / 10;
+  }
+  const auto raw = static_cast<int32_t> (whole << fraction_bits | fraction >> (places - fraction_bits));
+  value->raw = negative ? -raw : raw;
+  return true;
+}
+
 template <class T>
 bool read_number (const XMLElement &element, bool (AString::*parse) (T *) const, T *value, AString *err) {
   std::string_view plain;
   uint64_t number = 0;
-  if (element.plain_text (&plain) && plain_digits (plain, &number) && std::in_range<T> (number)) {
+  if (element.ascii (&plain) && plain_digits (plain, &number) && std::in_range<T> (number)) {
     *value = static_cast<T> (number);
     return true;
   }
@@ -95,6 +119,9 @@ bool read_i32 (const XMLElement &element, int32_t *value, AString *err) {
 }
 
 bool read_fixed (const XMLElement &element, Kelvane::fixed *value, AString *err) {
+  std::string_view plain;
+  if (element.ascii (&plain) && plain_fixed (plain, value))
+    return true;
   const AString text = element.text ().trim ();
   return text.to_fixed_received (value) || invalid_value (element.name (), text, err);
 }
@@ -114,7 +141,7 @@ bool read_bool (const XMLElement &element, bool *value, AString *err) {
 
 bool read_spelling (const XMLElement &element, Enumeration which, uint32_t *value) {
   std::string_view plain;
-  if (element.plain_text (&plain) && number_of_spelling (which, plain, value))
+  if (element.ascii (&plain) && number_of_spelling (which, plain, value))
     return true;
   return enumeration (which).from_string (element.text ().trim (), value);
 }

@@ -22,25 +22,12 @@ public:
   void add (const AString &name);
 
   /// The number of a name, `unknown` when it is not in the table. Constant time.
-  uint32_t find (std::string_view name) const { return find (name, hash_of (name)); }
-  /// The same for a caller that has the hash of the name.
-  uint32_t find (std::string_view name, uint32_t hash) const;
+  uint32_t find (std::string_view name) const;
   uint32_t find_text (const AString &name) const;
 
   /// @param number below `size`
   const AString &name (uint32_t number) const { return entries_[number].name; }
   size_t size () const { return entries_.size (); }
-
-  /// The hash of a name, one character after the other.
-  static constexpr uint32_t next_hash (uint32_t hash, char c) {
-    return hash * 31 + static_cast<unsigned char> (c);
-  }
-  static constexpr uint32_t hash_of (std::string_view name) {
-    uint32_t hash = 0;
-    for (const char c : name)
-      hash = next_hash (hash, c);
-    return hash;
-  }
 
 private:
   struct Entry {

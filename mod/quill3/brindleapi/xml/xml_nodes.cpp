@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace {
 
@@ -32,12 +33,16 @@ bool is (char c, Class wanted) {
   return (classes[static_cast<unsigned char> (c)] & wanted) != 0;
 }
 
-// ASCII without NUL.
+// ASCII without NUL. In a word of such bytes, neither a byte nor one less than it has its highest bit set.
 bool is_plain (std::string_view bytes) {
-  bool plain = true;
-  for (const char c : bytes) // looks at all of them, so that it takes many at a time
-    plain &= static_cast<signed char> (c) > 0;
-  return plain;
+  constexpr uint64_t ones = 0x0101010101010101, highest = 0x8080808080808080;
+  uint64_t word = 0;
+  for (; bytes.size () >= sizeof word; bytes.remove_prefix (sizeof word)) {
+    std::memcpy (&word, bytes.data (), sizeof word);
+    if ((((word - ones) | word) & highest) != 0)
+      return false;
+  }
+  return std::all_of (bytes.begin (), bytes.end (), [] (char c) { return static_cast<signed char> (c) > 0; });
 }
 
 } // namespace
@@ -53,9 +58,12 @@ public:
       --end_;
   }
 
+  // The last character is '>', so what stops there need not look for the end.
   bool run () {
+    if (at_ == end_ || end_[-1] != '>')
+      return false;
     while (at_ != end_)
-      if (!take_text () || (at_ != end_ && !take_tag ()))
+      if (!take_text () || !take_tag ())
         return false;
     return !nodes_.empty () && open_ == none;
   }
@@ -65,9 +73,10 @@ private:
 
   bool take_text () {
     text_ = at_;
-    blank_ = true;
-    for (; at_ != end_ && !is (*at_, bracket); ++at_)
-      blank_ = blank_ && is (*at_, space);
+    skip_space ();
+    blank_ = is (*at_, bracket);
+    while (!is (*at_, bracket))
+      ++at_;
     return open_ != none || blank_;
   }
 
@@ -78,10 +87,10 @@ private:
       return false;
     const char *const text_end = at_ - 1;
     const bool closes = take_slash ();
-    if (!take_name ())
+    if (!(closes ? take_open_name () : take_name ()))
       return false;
     const bool empties = take_slash ();
-    if (at_ == end_ || *at_++ != '>' || (closes && empties))
+    if (*at_++ != '>' || (closes && empties))
       return false;
     if (closes)
       return close (text_end);
@@ -90,24 +99,34 @@ private:
 
   bool take_slash () {
     skip_space ();
-    if (at_ == end_ || *at_ != '/')
+    if (*at_ != '/')
       return false;
     ++at_;
     skip_space ();
     return true;
   }
   void skip_space () {
-    while (at_ != end_ && is (*at_, space))
+    while (is (*at_, space))
       ++at_;
   }
 
   bool take_name () {
     const char *const first = at_;
-    hash_ = 0;
-    for (; at_ != end_ && is (*at_, name_part); ++at_)
-      hash_ = XMLNameTable::next_hash (hash_, *at_);
+    while (is (*at_, name_part))
+      ++at_;
     name_ = {first, static_cast<size_t> (at_ - first)};
     return !name_.empty () && is (name_[0], letter);
+  }
+  // The name of the innermost open element, and nothing else.
+  bool take_open_name () {
+    if (open_ == none)
+      return false;
+    const XMLNodes::Node &node = nodes_[open_];
+    const std::string_view rest (at_, static_cast<size_t> (end_ - at_));
+    if (!rest.starts_with (std::string_view (begin_ + node.name_first, node.name_length)))
+      return false;
+    at_ += node.name_length;
+    return !is (*at_, name_part);
   }
 
   // Between children there is nothing but blanks. C86: doc/compatibility.md
@@ -115,7 +134,7 @@ private:
     if (!blank_ || (open_ == none && !nodes_.empty ()))
       return false;
     XMLNodes::Node node;
-    node.name = names_ != nullptr ? names_->find (name_, hash_) : XMLNameTable::unknown;
+    node.name = names_ != nullptr ? names_->find (name_) : XMLNameTable::unknown;
     node.name_first = place (name_.data ());
     node.name_length = static_cast<uint32_t> (name_.size ());
     node.end = open_; // where to go back to, until it is closed
@@ -125,9 +144,6 @@ private:
   }
 
   bool close (const char *text_end) {
-    if (open_ == none ||
-        name_ != std::string_view (begin_ + nodes_[open_].name_first, nodes_[open_].name_length))
-      return false;
     const bool is_leaf = open_ + 1 == nodes_.size ();
     if (is_leaf) {
       nodes_[open_].text_first = place (text_);
@@ -148,9 +164,8 @@ private:
   const char *begin_, *at_, *end_;
   const char *text_ = nullptr; ///< in front of the tag in hand
   bool blank_ = true;          ///< whether that is nothing but blanks
-  std::string_view name_;      ///< of the tag in hand
-  uint32_t hash_ = 0;
-  uint32_t open_ = none; ///< the innermost open element
+  std::string_view name_;      ///< of the opening tag in hand
+  uint32_t open_ = none;       ///< the innermost open element
 };
 
 bool XMLNodes::tokenise (Source source, std::string_view text) {
@@ -245,8 +260,11 @@ AString XMLNodes::name (uint32_t node) const {
 
 AString XMLNodes::text (uint32_t node) const {
   const Node &n = nodes_[node];
-  return source_ == Source::tree ? trees_[node]->text ()
-                                 : decode_entities (slice (n.text_first, n.text_length));
+  if (source_ == Source::tree)
+    return trees_[node]->text ();
+  if (source_ == Source::bytes && std::memchr (bytes_ + n.text_first, '&', n.text_length) == nullptr)
+    return slice (n.text_first, n.text_length);
+  return decode_entities (slice (n.text_first, n.text_length));
 }
 
 XMLTree XMLNodes::tree () const {
@@ -275,8 +293,8 @@ XMLTree XMLNodes::tree () const {
   }
 }
 
-bool XMLElement::plain_text (std::string_view *text) const {
+bool XMLElement::ascii (std::string_view *text) const {
   const XMLNodes::Node &node = nodes_->nodes_[node_];
   *text = {nodes_->bytes_ + node.text_first, node.text_length};
-  return nodes_->source_ == XMLNodes::Source::bytes && text->find ('&') == std::string_view::npos;
+  return nodes_->source_ == XMLNodes::Source::bytes;
 }

@@ -86,9 +86,9 @@ public:
   AString name () const { return nodes_->name (node_); }
   /// Without entities; empty where there are children.
   AString text () const { return nodes_->text (node_); }
-  /// The text in place, without a copy. @return false when it is not stored as bytes or is not plain ASCII;
-  /// use `text` then
-  bool plain_text (std::string_view *text) const;
+  /// The text in place, with its entities as they are. @return false when it does not lie in ASCII bytes; use
+  /// `text` then
+  bool ascii (std::string_view *text) const;
 
   /// Its place in the array, and the element at another place of the same array. Callers may keep places
   /// instead of elements.

@@ -8,75 +8,115 @@
 namespace {
 constexpr uint64_t default_bufsize = 1024;
 
-/// Bytes that lie together.
-struct Bytes {
-  const char *p;
-  uint64_t length;
-};
-
 // Backspace is white space between the parts of a tag. Vertical tab and form feed are not.
 // C80: doc/compatibility.md
 bool is_framing_space (char c) {
   return c == '\b' || c == '\t' || c == '\n' || c == '\r' || c == ' ';
 }
 
-uint64_t skip_space (Bytes b, uint64_t i) {
-  while (i < b.length && is_framing_space (b.p[i]))
+uint64_t skip_space (std::string_view b, uint64_t i) {
+  while (i < b.size () && is_framing_space (b[i]))
     ++i;
+  return i;
+}
+
+// Back from behind a part of a tag to behind the part in front of it.
+uint64_t skip_space_back (std::string_view b, uint64_t i) {
+  while (i != 0 && is_framing_space (b[i - 1]))
+    --i;
   return i;
 }
 
 /// No: whatever follows, this is not the tag. Cut: more bytes can still make it one.
 enum class Match { Yes, No, Cut };
 
-Match match_name (Bytes b, uint64_t *i, const std::string &name) {
-  const uint64_t there = std::min<uint64_t> (b.length - *i, name.size ());
-  if (std::memcmp (b.p + *i, name.data (), there) != 0)
+Match match_name (std::string_view b, uint64_t *i, std::string_view name) {
+  const std::string_view there = b.substr (*i, name.size ());
+  if (!name.starts_with (there))
     return Match::No;
-  *i += there;
-  return there == name.size () ? Match::Yes : Match::Cut;
+  *i += there.size ();
+  return there.size () == name.size () ? Match::Yes : Match::Cut;
 }
 
 // Matches `<name>` or `</name>` at the start of the bytes, with white space between its parts.
 // C82: doc/compatibility.md
-Match match_tag (const std::string &name, Bytes b, bool closing) {
+Match match_tag (std::string_view name, std::string_view b, bool closing) {
   uint64_t i = skip_space (b, 1);
   if (closing) {
-    if (i == b.length)
+    if (i == b.size ())
       return Match::Cut;
-    if (b.p[i] != '/')
+    if (b[i] != '/')
       return Match::No;
     i = skip_space (b, i + 1);
   }
   if (const Match m = match_name (b, &i, name); m != Match::Yes)
     return m;
   i = skip_space (b, i);
-  if (i == b.length)
+  if (i == b.size ())
     return Match::Cut;
-  return b.p[i] == '>' ? Match::Yes : Match::No;
+  return b[i] == '>' ? Match::Yes : Match::No;
 }
 
-const char *find_byte (Bytes b, uint64_t from, char c) {
-  return static_cast<const char *> (std::memchr (b.p + from, c, b.length - from));
-}
-
-// Goes through the places of `<` from `from` on, until `matches` says yes or cut there. The place, or the
-// end.
+// The place of the first `<` from `from` on at which `matches` says yes or cut, or the end.
 template <class Matches>
-uint64_t find_tag (Bytes b, uint64_t from, Match *result, Matches matches) {
+uint64_t find_tag (std::string_view b, uint64_t from, Match *result, Matches matches) {
   *result = Match::No;
-  for (uint64_t i = from; i < b.length; ++i) {
-    const char *lt = find_byte (b, i, '<');
-    if (lt == nullptr)
-      break;
-    i = static_cast<uint64_t> (lt - b.p);
-    *result = matches (Bytes{lt, b.length - i});
+  for (uint64_t i = b.find ('<', from); i != b.npos; i = b.find ('<', i + 1)) {
+    *result = matches (b.substr (i));
     if (*result != Match::No)
       return i;
   }
-  return b.length;
+  return b.size ();
+}
+
+// Whether the bytes in front of a name make it one of a closing tag. `*i`: the place of the name, then of the
+// tag.
+bool begins_closing_tag (std::string_view b, uint64_t *i) {
+  uint64_t at = skip_space_back (b, *i);
+  if (at == 0 || b[at - 1] != '/')
+    return false;
+  at = skip_space_back (b, at - 1);
+  if (at == 0 || b[at - 1] != '<')
+    return false;
+  *i = at - 1;
+  return true;
+}
+
+// The place of the first closing tag that begins at `from` or behind it, whole or cut at the end, or the end.
+// Looks for the name, because that is faster than looking at each tag.
+uint64_t find_closing_tag (std::string_view b, uint64_t from, Match *result, const XMLSearchName &name) {
+  for (uint64_t i = from; (i = name.find_in (b, i)) != b.size (); ++i) {
+    uint64_t place = i;
+    if (!begins_closing_tag (b, &place))
+      continue;
+    *result = match_tag (name.text (), b.substr (place), true);
+    if (*result != Match::No)
+      return place;
+  }
+  const std::string_view rest = b.substr (from);
+  const size_t last = rest.rfind ('<'); // only the last tag can be cut
+  const bool is_cut = last != rest.npos && match_tag (name.text (), rest.substr (last), true) == Match::Cut;
+  *result = is_cut ? Match::Cut : Match::No;
+  return is_cut ? from + last : b.size ();
 }
 } // namespace
+
+XMLSearchName::XMLSearchName (std::string_view name) : text_ (name) {
+  step_.fill (static_cast<uint8_t> (std::min<size_t> (name.size (), UINT8_MAX)));
+  for (size_t i = 0; i + 1 < name.size (); ++i)
+    step_[static_cast<unsigned char> (name[i])] =
+        static_cast<uint8_t> (std::min<size_t> (name.size () - 1 - i, UINT8_MAX));
+}
+
+uint64_t XMLSearchName::find_in (std::string_view bytes, uint64_t from) const {
+  for (uint64_t end = from + text_.size (); end <= bytes.size ();) {
+    const char last = bytes[end - 1];
+    if (last == text_.back () && bytes.substr (end - text_.size (), text_.size ()) == text_)
+      return end - text_.size ();
+    end += step_[static_cast<unsigned char> (last)];
+  }
+  return bytes.size ();
+}
 
 XMLStreamParser::XMLStreamParser (uint64_t bufsize) : bufsize_ (bufsize) {
   if (!KELVANE_ASSERT (bufsize != 0))
@@ -96,20 +136,22 @@ uint64_t XMLStreamParser::feed (uint64_t length, const char *bytes) {
   const uint64_t taken = std::min (length, free_space ());
   if (taken == 0)
     return 0;
-  make_room (taken);
-  std::memcpy (buffer_.data () + first_ + used_, bytes, taken);
-  used_ += taken;
+  std::memcpy (place_for (taken).data (), bytes, taken);
+  add (taken);
   return taken;
 }
 
-void XMLStreamParser::make_room (uint64_t wanted) {
-  if (first_ + used_ + wanted <= buffer_.size ())
-    return;
-  if (used_ != 0)
-    std::memmove (buffer_.data (), buffer_.data () + first_, used_);
-  first_ = 0;
-  if (used_ + wanted > buffer_.size ())
-    buffer_.resize (std::min (bufsize_, std::max (used_ + wanted, buffer_.size () * 2)));
+std::span<char> XMLStreamParser::place_for (uint64_t wanted) {
+  const uint64_t needed = used_ + std::min (wanted, free_space ());
+  if (first_ + needed > buffer_.size () && first_ != 0) {
+    std::memmove (buffer_.data (), bytes ().data (), used_);
+    first_ = 0;
+  }
+  if (needed > buffer_.size ())
+    buffer_.resize (std::min (bufsize_, std::max (needed, buffer_.size () * 2)));
+  return std::span (buffer_)
+      .subspan (first_ + used_)
+      .first (std::min (free_space (), buffer_.size () - first_ - used_));
 }
 
 void XMLStreamParser::reset () {
@@ -121,10 +163,10 @@ void XMLStreamParser::reset () {
 // The lowest place wins. Where two registered names match at one place they are the same name.
 bool XMLStreamParser::find_opening () {
   Match result;
-  searched_ = find_tag ({bytes (), used_}, searched_, &result, [this] (Bytes b) {
+  searched_ = find_tag (bytes (), searched_, &result, [this] (std::string_view b) {
     Match best = Match::No;
-    for (const std::string &name : element_names_) {
-      const Match m = match_tag (name, b, false);
+    for (const XMLSearchName &name : element_names_) {
+      const Match m = match_tag (name.text (), b, false);
       if (m == Match::Yes) {
         open_name_ = &name;
         return m;
@@ -147,20 +189,16 @@ bool XMLStreamParser::find_frame (Frame *frame) {
     failed_ = true;
     return false;
   }
-  const uint64_t buflen = used_ - open_pos_;
-  const Bytes element{bytes () + open_pos_, buflen};
+  const std::string_view element = bytes ().substr (open_pos_);
   Match result;
-  const uint64_t x = find_tag (element, searched_ - open_pos_, &result,
-                               [this] (Bytes b) { return match_tag (*open_name_, b, true); });
+  const uint64_t x = find_closing_tag (element, searched_ - open_pos_, &result, *open_name_);
   searched_ = open_pos_ + x;
   if (result != Match::Yes)
     return false;
-  if (!KELVANE_ASSERT (x < buflen))
+  const size_t gt = element.find ('>', x);
+  if (!KELVANE_ASSERT (gt != element.npos))
     return false;
-  const char *gt = find_byte (element, x, '>');
-  const uint64_t length = KELVANE_ASSERT (gt != nullptr) ? static_cast<uint64_t> (gt - element.p) + 1 : x;
-  if (!KELVANE_ASSERT (length <= buflen))
-    return false;
+  const uint64_t length = gt + 1;
   *frame = {open_pos_, length};
   return true;
 }
@@ -180,7 +218,7 @@ const XMLNodes *XMLStreamParser::next_nodes () {
   Frame frame;
   if (failed_ || !find_frame (&frame))
     return nullptr;
-  if (!nodes_.read_bytes ({bytes () + frame.start, frame.length})) {
+  if (!nodes_.read_bytes (bytes ().substr (frame.start, frame.length))) {
     failed_ = true;
     return nullptr;
   }
