@@ -70,7 +70,7 @@ bool is_about_the_state (const std::string &line) {
                                         "Nothing is precued",
                                         "No reordering has been started",
                                         " has no angle ",
-                                        " lies beyond the end of ",
+                                        " is beyond the end of ",
                                         "There is no configuration item "};
   return first_word (line) == "error" && line.find ("error Tag ") == line.npos &&
          std::any_of (std::begin (reasons), std::end (reasons),

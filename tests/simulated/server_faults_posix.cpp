@@ -142,8 +142,8 @@ TEST (ServerFaults, AnAnswerOfAnotherKindKeepsAThreadAndASocketAfterTheClose) {
   EXPECT_TRUE (orva_wait_until_connected (other));
   const std::set<std::string> with_both = threads ();
   play_and_close (other);
-  server.wait_for_log ("#2 goes");
-  EXPECT_THAT (server.simulator.log (), Not (HasSubstr ("#1 goes")));
+  server.wait_for_log ("#2 disconnected");
+  EXPECT_THAT (server.simulator.log (), Not (HasSubstr ("#1 disconnected")));
   EXPECT_EQ (orva_connected (server), 0) << "the number is not known any more";
   const auto stays = [before] (const std::set<std::string> &those) {
     const std::set<std::string> now = threads ();

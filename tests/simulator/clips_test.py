@@ -126,7 +126,7 @@ class Clips(support.Case):
         self.assertRefused(client, "<download_clipids><DirectoryName>X</DirectoryName></download_clipids>",
                            "Directory &apos;X&apos; does not exist")
         self.assertRefused(client, "<rename_dir><FromDir>D</FromDir><ToDir>D/G</ToDir></rename_dir>",
-                           "Directory &apos;D&apos; cannot stand in itself")
+                           "Directory &apos;D&apos; cannot be moved into itself")
         self.assertEqual(client.answer("<rename_dir><FromDir>D/E</FromDir><ToDir>G</ToDir></rename_dir>"), "<ok />")
         self.assertIn("<Exists>true<", client.answer("<clip_exists><ClipID>G/2</ClipID></clip_exists>"))
 
@@ -138,7 +138,7 @@ class Clips(support.Case):
                            "Clip &apos;NO&apos; does not exist", "clipnotfound")
         self.assertRefused(client, "<create_clip><ClipID>BARS</ClipID>" + VIDEO + "</create_clip>",
                            "Clip &apos;BARS&apos; exists already")
-        self.assertRefused(client, "<create_clip><ClipID />" + VIDEO + "</create_clip>", "&apos;&apos; is no good name")
+        self.assertRefused(client, "<create_clip><ClipID />" + VIDEO + "</create_clip>", "&apos;&apos; is not a valid name")
         self.assertRefused(client, "<create_clip><ClipID>x</ClipID><TrackSet></TrackSet></create_clip>",
                            "A clip needs a track")
         self.assertRefused(client, "<delete_clip><ClipID>BARS</ClipID></delete_clip>",
@@ -271,8 +271,8 @@ class Kept(unittest.TestCase):
                              "<ClipLength>12</ClipLength>", "<FieldNumber>7</FieldNumber>", "<Value>v w</Value>",
                              "<ReadOnly>false</ReadOnly>", "<ReadOnlyMeta>true</ReadOnlyMeta>"):
                     self.assertIn(part, info)
-            for word, fault in (("length=long", "'long' is no number"), ("angles=256", "'256' is no number up to 255"),
-                                ("stripe=2147483648", "'2147483648' is no number up to 2147483647")):
+            for word, fault in (("length=long", "'long' is not a number"), ("angles=256", "'256' is not a number up to 255"),
+                                ("stripe=2147483648", "'2147483648' is not a number up to 2147483647")):
                 with open(path, "w", encoding="utf-8") as file:
                     file.write("clip GOOD\nclip BAD %s\n" % word)
                 with self.assertRaisesRegex(RuntimeError, "clips.txt, line 2: " + fault):

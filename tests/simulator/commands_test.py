@@ -209,7 +209,7 @@ class EveryCommand(support.Case):
         for name, arguments, _ in TABLE:
             with self.subTest(command=name):
                 strange = client.ask("<%s><Strange>1</Strange></%s>" % (name, name))
-                self.assertEqual(strange, ["<error><ErrorMessage>Tag Strange may not stand in %s</ErrorMessage>"
+                self.assertEqual(strange, ["<error><ErrorMessage>Tag Strange is not allowed in %s</ErrorMessage>"
                                            "<ErrorCode>general</ErrorCode></error>" % name])
                 text = client.ask("<%s>text</%s>" % (name, name))
                 self.assertEqual(text, ["<error><ErrorMessage>%s holds text instead of elements</ErrorMessage>"

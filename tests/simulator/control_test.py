@@ -90,7 +90,7 @@ class State(Controlled):
     def test_channel_refusals(self):
         self.assertError(404, "no channel 'I'", "GET", "/channels/I")
         self.assertError(409, "NOSUCH", "PUT", "/channels/A", {"clip": "NOSUCH"})
-        self.assertError(400, "nothing is known of the member \"colour\"", "PUT", "/channels/A", {"colour": 1})
+        self.assertError(400, "there is no member \"colour\"", "PUT", "/channels/A", {"colour": 1})
         self.assertError(400, "wrong kind of value", "PUT", "/channels/A", {"clip": 1})
 
     def test_clips(self):
@@ -152,7 +152,7 @@ class State(Controlled):
             name = next(iter(body))
             client.wait_report(lambda report: report.startswith("<%s>" % name))
         self.assertError(400, "no kind of report 'gossip'", "POST", "/reports", {"kind": "gossip", "body": {"a": {}}})
-        self.assertError(400, "no name of an element", "POST", "/reports", {"kind": "alerts", "body": {"<a>": {}}})
+        self.assertError(400, "not a valid name of an element", "POST", "/reports", {"kind": "alerts", "body": {"<a>": {}}})
 
     def test_report_of_a_channel_and_to_everyone(self):
         client, other = self.client(), self.client()
@@ -231,7 +231,7 @@ class Clients(Controlled):
                                             {"fault": "refuse", "command": "stop"}])["ids"]
         self.assertIn("<ErrorMessage>No<", client.answer("<play><Channel>A</Channel></play>"))
         listed = self.call("GET", "/faults")
-        self.assertEqual([(rule["id"], rule["fault"], rule["command"], rule["struck"]) for rule in listed],
+        self.assertEqual([(rule["id"], rule["fault"], rule["command"], rule["applied"]) for rule in listed],
                          [(ids[0], "refuse", "play", 1), (ids[1], "refuse", "stop", 0)])
         self.assertEqual(self.call("GET", "/journal")["entries"][-1]["faults"], ["refuse"])
         self.call("DELETE", "/faults/%d" % ids[0])
@@ -382,4 +382,4 @@ class Repetition(Controlled):
         field = self.call("GET", "/time")["field"]
         self.assertEqual(self.call("POST", "/time/step", {"fields": 7})["field"], field + 7)
         self.assertError(400, "from 1 to", "POST", "/time/step", {"fields": 0})
-        self.assertError(400, "rate goes from", "PUT", "/time", {"rate": 0})
+        self.assertError(400, "the rate must be from", "PUT", "/time", {"rate": 0})

@@ -129,6 +129,25 @@ class Answers(Faulty):
         client.send(command(2, "<sync />"))
         self.assertEqual([client.message(), client.message()], [OK % 2, OK % 1])
 
+    def test_out_of_order_without_another_answer(self):
+        self.serve({"fault": "out_of_order", "command": "play", "for_ms": 200}, {"fault": "out_of_order", "command": "stop"})
+        client = self.client()
+        client.send(command(1, PLAY % "A"))
+        self.assertEqual(client.message(), OK % 1)
+        client.send(command(2, PLAY % "A") + command(3, "<sync />") + command(4, "<stop><Channel>A</Channel></stop>"))
+        self.assertEqual([client.message(), client.message()], [OK % 3, OK % 2])
+        self.assertSilent(client)
+        client.send(command(5, "<sync />"))
+        self.assertEqual([client.message(), client.message()], [OK % 5, OK % 4])
+
+    def test_a_delayed_answer_ends_with_its_connection(self):
+        self.serve({"fault": "delay", "command": "play", "ms": 1000000000, "overtake": True})
+        for _ in range(3):
+            client = self.client()
+            client.send(command(1, PLAY % "A") + command(2, "<sync />"))
+            self.assertEqual(client.message(), OK % 2)
+            client.close()
+
     def test_wrong_kind(self):
         self.serve({"fault": "wrong_kind", "command": "play"})
         client = self.client()
@@ -302,16 +321,16 @@ class Files(unittest.TestCase):
 
     def test_what_is_wrong_is_named(self):
         self.assertBad("{", "parse error")
-        self.assertBad("{}", "the faults are no list")
+        self.assertBad("{}", "the faults are not a list")
         self.assertBad('[{"fault": "sleep"}]', 'fault 1: member "fault": there is no fault "sleep"')
         self.assertBad('[{"command": "play"}]', 'the member "fault" is missing')
-        self.assertBad('[{"fault": "refuse", "command": "play", "colour": 1}]', 'member "colour": nothing is known')
+        self.assertBad('[{"fault": "refuse", "command": "play", "colour": 1}]', 'member "colour": there is no such member')
         self.assertBad('[{"fault": "delay", "command": "play", "ms": [2, 1]}]', "the wrong way round")
-        self.assertBad('[{"fault": "delay", "command": "play", "ms": -1}]', "no whole number")
+        self.assertBad('[{"fault": "delay", "command": "play", "ms": -1}]', "not a whole number")
         self.assertBad('[{"fault": "delay"}]', 'needs a "command" or a "report"')
         self.assertBad('[{"fault": "refuse", "report": "channel_status"}]', 'needs a "command"')
-        self.assertBad('[{"fault": "refuse", "command": "play", "channel": "a"}]', "no channel from A to L")
-        self.assertBad('[{"fault": "refuse", "command": "play", "chance": 1.5}]', "no number from 0 to 1")
+        self.assertBad('[{"fault": "refuse", "command": "play", "channel": "a"}]', "not a channel from A to L")
+        self.assertBad('[{"fault": "refuse", "command": "play", "chance": 1.5}]', "not a number from 0 to 1")
         self.assertBad('[{"fault": "malformed", "command": "play", "message_base64": "?"}]', "no base64")
 
     def test_a_file_that_is_not_there(self):

@@ -100,7 +100,7 @@ class Databases(support.Case):
         self.assertLess(max(len(row) for row in rows), 32700)
         self.assertEqual(re.findall("<Key>(.*?)</Key><Value>(.*?)</Value>", "".join(rows)), sorted(items))
         self.assertRefused(client, "<metadata_set>" + DATABASE % "long" + pairs(("huge", "x" * 32500)) +
-                           "</metadata_set>", "A key and its value are too long to be told")
+                           "</metadata_set>", "A key and its value are too long for a message")
         self.erase(client, "long", [key for key, _ in items])
         self.assertEqual(self.download(client, "long"), ["<ok />"])
 

@@ -52,14 +52,14 @@ class Scenarios(Files):
     def test_what_does_not_come(self):
         client = self.start({"expect": {"command": "play", "channel": "A"}, "within_ms": 300})
         client.answer("<play><Channel>B</Channel></play>")
-        self.assertEnds(3, "step 1: no expected 'play' has come within 300 ms")
+        self.assertEnds(3, "step 1: the expected 'play' was not sent within 300 ms")
 
     def test_what_must_not_come(self):
         client = self.start({"expect": {"command": "sync"}, "within_ms": 20000},
                             {"forbid": {"command": "delete_clip"}, "for_ms": 20000})
         client.answer("<sync />")
         client.answer("<delete_clip><ClipID>BARS</ClipID></delete_clip>")
-        self.assertEnds(3, "step 2: a forbidden 'delete_clip' has come")
+        self.assertEnds(3, "step 2: a forbidden 'delete_clip' was sent")
 
     def test_an_action_that_fails(self):
         self.start({"expect": {"command": "sync"}, "within_ms": 20000},
@@ -67,10 +67,10 @@ class Scenarios(Files):
         self.assertEnds(3, "step 2: PUT /channels/A fails")
 
     def test_bad_files(self):
-        for content, complaint in (("[", "parse error"), ("{}", "the steps are no list"),
+        for content, complaint in (("[", "parse error"), ("{}", "the steps are not a list"),
                                    ([{"expect": {}, "do": {}}], "step 1: a step has one of"),
-                                   ([{"sleep": 1}], "nothing is known of the member"),
-                                   ([{"expect": {"command": 5}}], "\"command\" is no text")):
+                                   ([{"sleep": 1}], "there is no member"),
+                                   ([{"expect": {"command": 5}}], "\"command\" is not a text")):
             outcome = self.run_program("--address", support.own_address(), "--script", self.file(content))
             self.assertEqual(outcome.returncode, 1)
             self.assertIn(complaint, outcome.stderr)
@@ -104,10 +104,10 @@ class Several(Files):
             client.close()
 
     def test_bad_files(self):
-        for content, complaint in (([], "no list"), ([{"name": "ONE"}], "server 1: a server is an object with"),
+        for content, complaint in (([], "not a list"), ([{"name": "ONE"}], "server 1: a server is an object with"),
                                    ([{"address": "127.0.0.1", "colour": 1}], "no such option"),
-                                   ([{"address": "nowhere"}], "'nowhere' is no IPv4 address"),
-                                   ([{"address": "127.0.0.1", "rate": 0}], "no number from 0.001"),
+                                   ([{"address": "nowhere"}], "'nowhere' is not an IPv4 address"),
+                                   ([{"address": "127.0.0.1", "rate": 0}], "not a number from 0.001"),
                                    ([{"address": "127.0.0.1"}, {"address": "127.0.0.1"}], "two servers have the address")):
             outcome = self.run_program("--config", self.file(content))
             self.assertEqual(outcome.returncode, 1)

@@ -154,7 +154,7 @@ class Replay(Traced):
         self.client().close()
         status, said = replay.end()
         self.assertEqual(status, 3)
-        self.assertIn("connection 1, line 2: instead of <cmd><xid>1</xid><get_computer_name /></cmd> the client goes",
+        self.assertIn("connection 1, line 2: instead of <cmd><xid>1</xid><get_computer_name /></cmd> the client disconnects",
                       said)
 
     def test_a_file_that_is_no_trace(self):

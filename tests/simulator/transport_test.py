@@ -148,7 +148,7 @@ class Transport(support.Case):
         self.assertEqual(desk.position(), 599)
         desk.do("gotocmd", "<GotoPosition>599</GotoPosition>")
         desk.refused("gotocmd", "<GotoPosition>600</GotoPosition>",
-                     "Position 600 lies beyond the end of &apos;COUNTDOWN&apos;, which has 600 fields")
+                     "Position 600 is beyond the end of &apos;COUNTDOWN&apos;, which has 600 fields")
         desk.do("play", "<Speed>-1X</Speed>")
         desk.wait_position(lambda position: position < 590)
         desk.do("jog", "<JogDistance>0</JogDistance>")
@@ -186,7 +186,7 @@ class Transport(support.Case):
         desk.wait_status("stop")
         self.assertEqual(desk.position(), 599)
         desk.refused("set_out_point", "<ClipPosition>600</ClipPosition>",
-                     "Position 600 lies beyond the end of &apos;COUNTDOWN&apos;, which has 600 fields")
+                     "Position 600 is beyond the end of &apos;COUNTDOWN&apos;, which has 600 fields")
 
     def test_loop_stays_between_its_points(self):
         desk = self.desk("H", "COUNTDOWN", "<Loop>loop</Loop><LoopIn>100</LoopIn><LoopOut>119</LoopOut>")
@@ -251,7 +251,7 @@ class Transport(support.Case):
         desk.do("stop")
         desk.refused("cue_clip", "<ClipID>NOTHING</ClipID>", "Clip &apos;NOTHING&apos; does not exist", "clipnotfound")
         desk.refused("cue_clip", "<ClipID>BARS</ClipID><GotoPosition>18000</GotoPosition>",
-                     "Position 18000 lies beyond the end of &apos;BARS&apos;, which has 18000 fields")
+                     "Position 18000 is beyond the end of &apos;BARS&apos;, which has 18000 fields")
         desk.do("cue_clip", "<ClipID>BARS</ClipID><GotoPosition>0</GotoPosition><ClipPosition>0</ClipPosition>")
 
     def test_angles(self):
@@ -314,11 +314,11 @@ class Transport(support.Case):
         desk.do("precue", "<ClipID>SPORT/GOAL</ClipID><PrecueCondition>end_of_clip</PrecueCondition>"
                 "<Angle>1</Angle>")
         desk.refused("precue", "<ClipID>COUNTDOWN</ClipID><GotoPosition>600</GotoPosition>",
-                     "Position 600 lies beyond the end of &apos;COUNTDOWN&apos;, which has 600 fields")
+                     "Position 600 is beyond the end of &apos;COUNTDOWN&apos;, which has 600 fields")
         for place, length, last in ((100, 501, 600), (100, 0xFFFFFFFF, 0xFFFFFFFF), (1, 0xFFFFFFFF, 0xFFFFFFFF)):
             desk.refused("precue", "<ClipID>COUNTDOWN</ClipID><GotoPosition>%d</GotoPosition><ClipLength>%d"
                          "</ClipLength>" % (place, length),
-                         "Position %d lies beyond the end of &apos;COUNTDOWN&apos;, which has 600 fields" % last)
+                         "Position %d is beyond the end of &apos;COUNTDOWN&apos;, which has 600 fields" % last)
         self.assertEqual(tag(desk.present("info"), "PrecueCount"), "2")
         desk.do("precue_activate")
         self.assertEqual(desk.position(), 100)
@@ -397,7 +397,7 @@ class Transport(support.Case):
                                        "</gang_gotocmd>"), "<ok />")
         desks[2].do("cue_clip", "<ClipID>COUNTDOWN</ClipID>")
         self.assertRefused(client, "<gang_gotocmd>" + gang("DEF") + "<GotoPosition>800</GotoPosition></gang_gotocmd>",
-                           "Position 800 lies beyond the end of &apos;COUNTDOWN&apos;, which has 600 fields")
+                           "Position 800 is beyond the end of &apos;COUNTDOWN&apos;, which has 600 fields")
         self.assertEqual([desk.position() for desk in desks], [700, 700, 0])
         self.assertEqual(client.answer("<gang_stop><ChannelSet></ChannelSet></gang_stop>"), "<ok />")
         self.assertRefused(client, "<gang_stop>" + gang("AL") + "</gang_stop>",

@@ -74,9 +74,9 @@ class VirtualClips(support.Case):
             "<VClipPosition>%d</VClipPosition><ClipLength>%d</ClipLength>"
         self.refused("vclip_add_segment", add % ("NO", 0, 0, 1), "Clip &apos;NO&apos; does not exist", "clipnotfound")
         self.refused("vclip_add_segment", add % ("BARS", 0, 90, 11),
-                     "Fields 90 to 101 do not lie in the virtual clip, which has 100")
+                     "Fields 90 to 101 are not in the virtual clip, which has 100")
         self.refused("vclip_add_segment", add % ("COUNTDOWN", 595, 0, 10),
-                     "Fields 595 to 604 do not lie in clip &apos;COUNTDOWN&apos;, which has 600")
+                     "Fields 595 to 604 are not in clip &apos;COUNTDOWN&apos;, which has 600")
         self.refused("vclip_create", "<ClipLength>1</ClipLength>", "Virtual clip &apos;V4&apos; exists already")
         self.refused("vclip_modification_start", "", "Virtual clip &apos;V4&apos; is being modified")
         self.do("vclip_modification_end")

@@ -42,11 +42,11 @@ class Answers(support.Case):
         self.assertRefused(client, "<fly />", "Unknown command &apos;fly&apos;")
         self.assertRefused(client, "<play />", "Tag Channel is missing in play")
         self.assertRefused(client, "<play><Channel>A</Channel><Channel>B</Channel></play>",
-                           "Tag Channel stands twice in play")
+                           "Tag Channel occurs twice in play")
         self.assertRefused(client, "<play><Speed>1X</Speed><Channel>A</Channel></play>",
-                           "Tag Channel in play stands in the wrong place")
+                           "Tag Channel in play is in the wrong place")
         self.assertRefused(client, "<play><Channel>A</Channel><Colour>red</Colour></play>",
-                           "Tag Colour may not stand in play")
+                           "Tag Colour is not allowed in play")
         self.assertRefused(client, "<play><Channel>a</Channel></play>",
                            "Tag Channel in play holds the bad value &apos;a&apos;")
         self.assertRefused(client, "<play><Channel>I</Channel></play>",
@@ -56,7 +56,7 @@ class Answers(support.Case):
         self.assertRefused(client, "<gang_stop><ChannelSet>A</ChannelSet></gang_stop>",
                            "Tag ChannelSet in gang_stop holds text instead of elements")
         self.assertRefused(client, "<gang_stop><ChannelSet><Key>A</Key></ChannelSet></gang_stop>",
-                           "Tag Key may not stand in ChannelSet")
+                           "Tag Key is not allowed in ChannelSet")
         self.assertRefused(client, "<gang_stop><ChannelSet>" + "<Channel>A</Channel>" * 13 + "</ChannelSet></gang_stop>",
                            "Tag ChannelSet holds 13 elements, more than 12")
         self.assertRefused(client, "<sync />" * 2, "The document holds 2 commands")
@@ -122,7 +122,7 @@ class Process(unittest.TestCase):
         client.answer("<fly />")
         self.assertEqual(simulator.stop(), 0)
         log = "\n".join(simulator.log)
-        self.assertIn(" #1 comes", log)
+        self.assertIn(" #1 connected", log)
         self.assertIn(" #1 1 play Channel=B Speed=-0.5X: ok", log)
         self.assertIn(" #1 2 fly : error, Unknown command 'fly'", log)
         client.close()

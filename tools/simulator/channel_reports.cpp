@@ -14,62 +14,62 @@ Writer started (const char *body, int channel) {
   return out;
 }
 
-std::string status_body (const Deck &deck, int channel) {
+std::string status_body (const Player &player, int channel) {
   Writer out = started ("channel_status", channel);
-  out.word ("ChannelStatus", deck.status ());
-  if (deck.loaded ())
-    out.text ("ClipID", deck.cue.content.name);
+  out.word ("ChannelStatus", player.status ());
+  if (player.loaded ())
+    out.text ("ClipID", player.cue.content.name);
   return out.close ("channel_status").take ();
 }
 
-std::string clipid_body (const Deck &deck, int channel) {
+std::string clipid_body (const Player &player, int channel) {
   return started ("channel_clipid", channel)
-      .text ("ClipID", deck.cue.content.name)
+      .text ("ClipID", player.cue.content.name)
       .close ("channel_clipid")
       .take ();
 }
 
-std::string speed_body (const Deck &deck, int channel) {
-  return started ("channel_speed", channel).fixed ("Speed", deck.speed ()).close ("channel_speed").take ();
+std::string speed_body (const Player &player, int channel) {
+  return started ("channel_speed", channel).fixed ("Speed", player.speed ()).close ("channel_speed").take ();
 }
 
 std::string timecode_body (const World &world, int channel) {
   Writer out = started ("channel_timecode", channel);
-  out.number ("ClipPosition", world.seen (channel).position ());
+  out.number ("ClipPosition", world.player (channel).position ());
   write_display_timecode (out, world, channel);
   // No timecode is connected.
   out.open ("InputTimecode").boolean ("Valid", false).close ("InputTimecode");
   return out.close ("channel_timecode").take ();
 }
 
-std::string aux_audio_body (const Deck &deck, int channel) {
+std::string aux_audio_body (const Player &player, int channel) {
   Writer out = started ("channel_aux_audio_timecode", channel);
-  return out.number ("ClipPosition", deck.position ()).close ("channel_aux_audio_timecode").take ();
+  return out.number ("ClipPosition", player.position ()).close ("channel_aux_audio_timecode").take ();
 }
 
-void write_loaded (Writer &out, const Deck &deck) {
-  const Cue &cue = deck.cue;
+void write_loaded (Writer &out, const Player &player) {
+  const Cue &cue = player.cue;
   if (cue.content.source != Source::live)
     out.number ("ClipLength", cue.content.length);
   out.word ("Interp", cue.content.interp).word ("Loop", cue.loop).number ("LoopIn", cue.loop_in);
-  out.number ("LoopOut", cue.loop_out.value_or (deck.last_field ())).word ("Playback", cue.playback);
+  out.number ("LoopOut", cue.loop_out.value_or (player.last_field ())).word ("Playback", cue.playback);
   out.number ("AngleCount", static_cast<std::uint64_t> (cue.content.angles));
   out.number ("Angle", static_cast<std::uint64_t> (cue.angle));
   out.number ("AudioTrackCount", static_cast<std::uint64_t> (cue.content.audio_tracks));
 }
 
-std::string info_body (const Deck &deck, int channel) {
+std::string info_body (const Player &player, int channel) {
   Writer out = started ("channel_info", channel);
-  out.open ("ChannelInformation").text ("ClipID", deck.cue.content.name);
-  if (deck.loaded ())
-    write_loaded (out, deck);
-  out.open ("EEStatus").number ("SonyEditMask", static_cast<std::uint64_t> (deck.ee_mask));
-  out.boolean ("AutoEE", deck.auto_ee).close ("EEStatus");
-  if (deck.preview)
-    out.word ("ProgramChannel", channel).word ("PreviewChannel", *deck.preview);
-  out.number ("PrecueCount", deck.precued.size ()).word ("StealStatus", deck.steal.status);
-  out.boolean ("TransitionInProgress", deck.in_transition ());
-  if (deck.loaded ())
+  out.open ("ChannelInformation").text ("ClipID", player.cue.content.name);
+  if (player.loaded ())
+    write_loaded (out, player);
+  out.open ("EEStatus").number ("SonyEditMask", static_cast<std::uint64_t> (player.ee_mask));
+  out.boolean ("AutoEE", player.auto_ee).close ("EEStatus");
+  if (player.preview)
+    out.word ("ProgramChannel", channel).word ("PreviewChannel", *player.preview);
+  out.number ("PrecueCount", player.precued.size ()).word ("StealStatus", player.steal.status);
+  out.boolean ("TransitionInProgress", player.in_transition ());
+  if (player.loaded ())
     out.fixed ("NaturalSpeed", fixed_one);
   return out.close ("ChannelInformation").close ("channel_info").take ();
 }
@@ -88,24 +88,24 @@ std::vector<std::string> watched_bodies (const World &world, int channel, int ki
 } // namespace
 
 std::vector<std::string> present_bodies (const World &world, int channel, int kind) {
-  const Deck &deck = world.seen (channel);
+  const Player &player = world.player (channel);
   switch (kind) {
   case report_status:
-    return {status_body (deck, channel)};
+    return {status_body (player, channel)};
   case report_clipid:
-    return {clipid_body (deck, channel)};
+    return {clipid_body (player, channel)};
   case report_speed:
-    return {speed_body (deck, channel)};
+    return {speed_body (player, channel)};
   case report_timecode:
     return {timecode_body (world, channel)};
   case report_info:
-    return {info_body (deck, channel)};
+    return {info_body (player, channel)};
   case report_listplay:
     return list_bodies (world, channel, playlists);
   case report_chaseplay:
     return list_bodies (world, channel, chases);
   default:
-    return {aux_audio_body (deck, channel)};
+    return {aux_audio_body (player, channel)};
   }
 }
 
@@ -120,10 +120,10 @@ void write_timecode (Writer &out, std::string_view tag, const World &world, std:
 }
 
 void write_display_timecode (Writer &out, const World &world, int channel) {
-  const Deck &deck = world.seen (channel);
-  const Content &content = deck.cue.content;
-  if (deck.loaded ())
-    write_timecode (out, "DisplayTimecode", world, content.first_field + deck.position (),
+  const Player &player = world.player (channel);
+  const Content &content = player.cue.content;
+  if (player.loaded ())
+    write_timecode (out, "DisplayTimecode", world, content.first_field + player.position (),
                     content.drop_frame);
   else
     out.open ("DisplayTimecode").boolean ("Valid", false).close ("DisplayTimecode");

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "deck.h"
+#include "player.h"
 
 #include <array>
 #include <string>

@@ -54,7 +54,7 @@ public:
   const std::string name;                        ///< for the log, such as `#1`
   std::set<int> reports;                         ///< numbers of `ReportType`
   std::set<std::pair<int, int>> channel_reports; ///< channel, number of `ChannelReportType`
-  std::set<int> owed_positions;                  ///< channels whose last position it may not know
+  std::set<int> unsent_positions;                ///< channels whose last position it may not know
   std::map<std::string, std::string> watched;    ///< metadata databases, with the prefix of interest
   std::set<std::string> watched_keys;            ///< of the user dictionary
 

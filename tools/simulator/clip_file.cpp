@@ -48,14 +48,14 @@ std::vector<std::string> words_of (const std::string &line) {
 std::int64_t number_of (const std::string &value, std::uint32_t most = 0xFFFFFFFF) {
   const auto number = read_unsigned (value, most);
   if (!number)
-    throw std::runtime_error (fmt::format ("'{}' is no number up to {}", value, most));
+    throw std::runtime_error (fmt::format ("'{}' is not a number up to {}", value, most));
   return static_cast<std::int64_t> (*number);
 }
 
 std::int64_t word_of (std::string_view tag, const std::string &value) {
   const int number = word_number (tag, value);
   if (number < 0)
-    throw std::runtime_error (fmt::format ("'{}' is no {}", value, tag));
+    throw std::runtime_error (fmt::format ("'{}' is not a valid {}", value, tag));
   return number;
 }
 
@@ -153,7 +153,7 @@ void generate (World &world) {
     clip.untrimmed = 100 + number % 1000;
     clip.loop_out = clip.untrimmed - 1;
     if (!world.clips.exists (clip.id))
-      world.clips.take_in (clip);
+      world.clips.add_unchecked (clip);
   }
 }
 

@@ -213,7 +213,7 @@ std::optional<std::string> Clips::locked_below (const std::string &directory) co
 void Clips::check_new_name (const std::string &name) const {
   check_name_length (name);
   if (name.empty () || name.front () == '/' || name.back () == '/' || name.find ("//") != name.npos)
-    throw Refusal (fmt::format ("'{}' is no good name", name));
+    throw Refusal (fmt::format ("'{}' is not a valid name", name));
   if (exists (name))
     throw Refusal (fmt::format ("Clip '{}' exists already", name));
   if (directory_exists (name))
@@ -239,10 +239,10 @@ void Clips::insert (const Clip &clip) {
 void Clips::add (Clip clip) {
   check_new_name (clip.id);
   check_clip_size (clip);
-  take_in (std::move (clip));
+  add_unchecked (std::move (clip));
 }
 
-void Clips::take_in (Clip clip) {
+void Clips::add_unchecked (Clip clip) {
   Change change (*this);
   if (clip.uuid.empty ())
     clip.uuid = new_uuid (random_);
@@ -297,7 +297,7 @@ void Clips::rename_directory (const std::string &from, const std::string &to) {
   if (from.empty () || !directory_exists (from))
     throw Refusal (fmt::format ("Directory '{}' does not exist", from));
   if (to.starts_with (from + '/'))
-    throw Refusal (fmt::format ("Directory '{}' cannot stand in itself", from));
+    throw Refusal (fmt::format ("Directory '{}' cannot be moved into itself", from));
   check_new_name (to);
   database_.run ("UPDATE directories SET name = ? WHERE name = ?", to, from);
 }

@@ -15,7 +15,7 @@
 
 namespace sim {
 
-/// The clips and directories of the server. A clip named `dir/name` stands in the directory `dir`.
+/// The clips and directories of the server. A clip named `dir/name` is in the directory `dir`.
 class Clips {
 public:
   Clips (Database &database, const Clock &clock, Random &random);
@@ -27,8 +27,8 @@ public:
   /// The clip. @throws Refusal with the code `clipnotfound`.
   Clip find (const std::string &id) const;
 
-  // The names behind a name, in order, at most `most` of them. All names are behind the empty one. With a
-  // directory, only what is directly in it.
+  // The names that follow a name, in order, at most `most` of them. The empty name is before all others. With
+  // a directory, only what is directly in it.
   using Directory = std::optional<std::string>;
   std::vector<std::string> names_after (const std::string &last, const Directory &directory, int most) const;
   std::vector<std::string> directories_after (const std::string &last, const Directory &directory,
@@ -41,33 +41,33 @@ public:
   /// A clip in a directory, at any depth, that may not be renamed, if there is one.
   std::optional<std::string> locked_below (const std::string &directory) const;
 
-  /// Is applied to each clip that is found: what is known of it and not yet stored.
+  /// Is called for each clip that `find` returns. It adds changes that are not stored yet.
   std::function<void (Clip &)> amend;
 
-  /// Fields that all clips take together, as far as they are stored.
+  /// The sum of the stored lengths of all clips, in fields.
   std::int64_t fields () const { return fields_; }
 
-  /// Takes a new clip in and gives it an identifier and stamps. @throws Refusal for a bad or taken name.
+  /// Adds a new clip with an identifier and stamps. @throws Refusal for a bad name, or one that is in use.
   void add (Clip clip);
-  /// The same for a name that is known to be good and free.
-  void take_in (Clip clip);
+  /// The same without a check. The name must be valid and not in use.
+  void add_unchecked (Clip clip);
   /// Writes a changed clip back.
   void store (const Clip &clip);
   void remove (const std::string &id);
-  /// @throws Refusal when a name is unknown, bad or taken.
+  /// @throws Refusal when a name is unknown, bad or in use.
   void rename (const std::string &from, const std::string &to);
   void add_directory (const std::string &name);
   void rename_directory (const std::string &from, const std::string &to);
 
-  /// Moves one of the stamps (a column's name) to now, where the clip still exists. A stamp that cannot be
-  /// stored now is stored later.
+  /// Sets one of the stamps, named by its column, to the present time. Does nothing when the clip does not
+  /// exist. A stamp that cannot be stored now is stored later.
   void touch (const std::string &id, std::string_view column);
   void store_late_stamps ();
 
-  /// Milliseconds since 1970, never the same twice.
+  /// Milliseconds since 1970. Each call returns a larger number.
   std::int64_t stamp ();
 
-  /// Changes of clips that are made all together or, when it ends before `finish`, not at all.
+  /// Several changes of clips as one: the destructor undoes them unless `finish` was called.
   class Change {
   public:
     explicit Change (Clips &clips)

@@ -102,7 +102,7 @@ void rename_clip (Call &call) {
   rename_one (call.world, clip.id, call.arguments.text ("ToID"));
 }
 
-void take_in (World &world, const Clip &clip) {
+void add_clip (World &world, const Clip &clip) {
   if (static_cast<std::uint64_t> (clip.untrimmed) * field_size > world.available_space ())
     throw Refusal ("The disk is full");
   world.clips.add (clip);
@@ -124,7 +124,7 @@ void create_clip (Call &call) {
   clip.loop_out = clip.untrimmed == 0 ? 0 : clip.untrimmed - 1;
   for (const int type : types)
     clip.tracks.push_back ({type, {}});
-  take_in (call.world, clip);
+  add_clip (call.world, clip);
   if (loads)
     load (call.world, channel, whole_cue (clip_content (call.world, clip.id)));
 }
@@ -139,7 +139,7 @@ void create_child_clip (Call &call) {
   clip.angle = angle;
   clip.loaded_stamp = clip.unloaded_stamp = clip.played_stamp = 0;
   clip.read_only_meta = clip.read_only_content = 0;
-  take_in (call.world, clip);
+  add_clip (call.world, clip);
 }
 
 void create_directory (Call &call) {

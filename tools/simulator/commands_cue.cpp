@@ -43,7 +43,7 @@ void cue_clip (Call &call) {
   if (const auto out = call.arguments.maybe_number ("ClipPosition"); out && *out != 0)
     cue.out = out;
   load (call.world, channel, cue);
-  if (auto &list = call.world.deck (channel).list)
+  if (auto &list = call.world.player_to_change (channel).list)
     list->now.reset ();
   if (const auto speed = call.arguments.maybe_fixed ("Speed"))
     play (call.world, channel, *speed);
@@ -58,7 +58,7 @@ void precue (Call &call) {
   if (const auto length = call.arguments.maybe_number ("ClipLength"); length && *length != 0)
     precued.cue.out = last_of (precued.cue.in, *length);
   check_cue (precued.cue);
-  std::deque<Precued> &queue = call.world.deck (channel).precued;
+  std::deque<Precued> &queue = call.world.player_to_change (channel).precued;
   if (precued.condition == precue_immediate) {
     queue.push_front (precued);
     switch_to_precued (call.world, channel);
@@ -68,13 +68,13 @@ void precue (Call &call) {
 }
 
 void precue_clear (Call &call) {
-  call.world.deck (channel_of (call.arguments)).precued.clear ();
+  call.world.player_to_change (channel_of (call.arguments)).precued.clear ();
 }
 
 void unload_channel (Call &call) {
   const int channel = channel_of (call.arguments);
   unload (call.world, channel);
-  if (auto &list = call.world.deck (channel).list)
+  if (auto &list = call.world.player_to_change (channel).list)
     list->now.reset ();
 }
 
@@ -110,30 +110,30 @@ void go_live (Call &call) {
 
 void steal_channel (Call &call) {
   const int channel = channel_of (call.arguments);
-  Deck &deck = call.world.deck (channel);
-  if (deck.steal.client != 0 && deck.steal.client != call.client.number)
+  Player &player = call.world.player_to_change (channel);
+  if (player.steal.client != 0 && player.steal.client != call.client.number)
     throw Refusal (
-        fmt::format ("Channel {} is taken by '{}'", word_at ("Channel", channel), deck.steal.name));
-  const bool swapped = deck.steal.client != 0;
-  deck.steal.status = call.arguments.text ("PlayOrRecord") == "record" ? steal_import : steal_export;
-  deck.steal.client = call.client.number;
-  deck.steal.name = call.arguments.maybe_text ("StealClient").value_or ("");
+        fmt::format ("Channel {} is taken by '{}'", word_at ("Channel", channel), player.steal.name));
+  const bool swapped = player.steal.client != 0;
+  player.steal.status = call.arguments.text ("PlayOrRecord") == "record" ? steal_import : steal_export;
+  player.steal.client = call.client.number;
+  player.steal.name = call.arguments.maybe_text ("StealClient").value_or ("");
   call.answer (Writer ().open ("steal_info").boolean ("StealSwapped", swapped).close ("steal_info").take ());
 }
 
 void unsteal_channel (Call &call) {
   for (int channel = 0; channel < channel_count; ++channel)
-    if (call.world.seen (channel).steal.client == call.client.number)
-      call.world.deck (channel).steal = {};
+    if (call.world.player (channel).steal.client == call.client.number)
+      call.world.player_to_change (channel).steal = {};
 }
 
 void get_current_timecode (Call &call) {
   const int channel = channel_of (call.arguments);
-  const Deck &deck = call.world.seen (channel);
+  const Player &player = call.world.player (channel);
   Writer out;
   out.open ("channel_current_timecode").word ("Channel", channel);
   write_display_timecode (out, call.world, channel);
-  out.number ("ClipLength", deck.cue.content.length).number ("ClipPosition", deck.position ());
+  out.number ("ClipLength", player.cue.content.length).number ("ClipPosition", player.position ());
   call.answer (out.close ("channel_current_timecode").take ());
 }
 

@@ -127,7 +127,7 @@ void metadata_set (Call &call) {
       throw Refusal ("A key is empty");
     change.items.emplace_back (prefix + key, written_pair (key, value));
     if (change.told.messages ({change.items.back ().second}).front ().size () > longest_body)
-      throw Refusal ("A key and its value are too long to be told");
+      throw Refusal ("A key and its value are too long for a message");
   }
   Transaction transaction (call.world.database);
   for (const Element &pair : call.arguments.list ("MetadataList"))

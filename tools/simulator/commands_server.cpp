@@ -105,8 +105,8 @@ void export_add (Call &call) {
   if (angle >= clip.angles)
     throw Refusal (fmt::format ("'{}' has no angle {}", clip.id, angle));
   if (first + length > clip.length ())
-    throw Refusal (fmt::format ("Fields {} to {} do not lie in clip '{}', which has {}", first,
-                                first + length, clip.id, clip.length ()));
+    throw Refusal (fmt::format ("Fields {} to {} are not in clip '{}', which has {}", first, first + length,
+                                clip.id, clip.length ()));
 }
 
 void export_end (Call &call) {

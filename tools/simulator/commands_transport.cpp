@@ -25,11 +25,11 @@ void on_gang (Call &call) {
                    [&] (int channel) { action (call.world, channel, call.arguments); });
 }
 
-Deck &loaded_deck (World &world, int channel) {
-  Deck &deck = world.deck (channel);
-  if (!deck.loaded ())
+Player &loaded_player (World &world, int channel) {
+  Player &player = world.player_to_change (channel);
+  if (!player.loaded ())
     throw Refusal (fmt::format ("Nothing is loaded on channel {}", word_at ("Channel", channel)));
-  return deck;
+  return player;
 }
 
 void play_one (World &world, int channel, const Arguments &arguments) {
@@ -41,21 +41,21 @@ void stop_one (World &world, int channel, const Arguments &) {
 }
 
 void jog_one (World &world, int channel, const Arguments &arguments) {
-  loaded_deck (world, channel).jog (arguments.distance ("JogDistance"));
+  loaded_player (world, channel).jog (arguments.distance ("JogDistance"));
 }
 
 void goto_one (World &world, int channel, const Arguments &arguments) {
-  Deck &deck = loaded_deck (world, channel);
+  Player &player = loaded_player (world, channel);
   const std::uint32_t field = arguments.number ("GotoPosition");
-  if (field > deck.last_field ())
-    throw Refusal (fmt::format ("Position {} lies beyond the end of '{}', which has {} fields", field,
-                                deck.cue.content.name, deck.cue.content.length));
-  deck.go_to (field);
+  if (field > player.last_field ())
+    throw Refusal (fmt::format ("Position {} is beyond the end of '{}', which has {} fields", field,
+                                player.cue.content.name, player.cue.content.length));
+  player.go_to (field);
 }
 
 // Without a speed the channel goes on as it went, or at normal speed when it stood.
 void go_at_one (World &world, int channel, const Arguments &arguments) {
-  const Fixed now = world.seen (channel).playing () ? world.seen (channel).speed_when_cued () : fixed_one;
+  const Fixed now = world.player (channel).playing () ? world.player (channel).speed_when_cued () : fixed_one;
   goto_one (world, channel, arguments);
   play (world, channel, arguments.maybe_fixed ("Speed").value_or (now));
 }
@@ -69,28 +69,28 @@ int mask_of (const Arguments &arguments) {
 
 void insert_edit_one (World &world, int channel, const Arguments &arguments) {
   const int mask = mask_of (arguments);
-  Deck &deck = world.deck (channel);
-  const Content &content = deck.cue.content;
+  Player &player = world.player_to_change (channel);
+  const Content &content = player.cue.content;
   if (mask != 0 && content.source == Source::vclip)
     throw Refusal (fmt::format ("Virtual clip '{}' cannot be recorded into", content.name));
   if (mask != 0 && content.source == Source::clip && world.clips.find (content.name).read_only_content)
     throw Refusal (fmt::format ("Clip '{}' is read-only", content.name));
-  const int before = std::exchange (deck.edit_mask, mask);
-  if (!deck.playing ())
+  const int before = std::exchange (player.edit_mask, mask);
+  if (!player.playing ())
     return;
   try {
-    check_recording (world, channel, deck.speed_when_cued ());
+    check_recording (world, channel, player.speed_when_cued ());
   } catch (const Refusal &) {
-    deck.edit_mask = before;
+    player.edit_mask = before;
     throw;
   }
 }
 
 void ee_one (World &world, int channel, const Arguments &arguments) {
   const int mask = mask_of (arguments);
-  Deck &deck = world.deck (channel);
-  deck.ee_mask = mask;
-  deck.auto_ee = arguments.boolean ("AutoEE");
+  Player &player = world.player_to_change (channel);
+  player.ee_mask = mask;
+  player.auto_ee = arguments.boolean ("AutoEE");
 }
 
 void precue_activate_one (World &world, int channel, const Arguments &) {
@@ -98,54 +98,54 @@ void precue_activate_one (World &world, int channel, const Arguments &) {
 }
 
 void set_loop (World &world, int channel, const Arguments &arguments) {
-  Deck &deck = loaded_deck (world, channel);
+  Player &player = loaded_player (world, channel);
   const int loop = arguments.word ("Loop");
-  const int own = deck.cue.content.loop == loop_auto ? int{loop_off} : deck.cue.content.loop;
-  deck.cue.loop = loop == loop_auto ? own : loop;
+  const int own = player.cue.content.loop == loop_auto ? int{loop_off} : player.cue.content.loop;
+  player.cue.loop = loop == loop_auto ? own : loop;
 }
 
-std::uint32_t place_in (const Deck &deck, std::uint32_t place) {
-  if (place > deck.last_field ())
-    throw Refusal (fmt::format ("Position {} lies beyond the end of '{}', which has {} fields", place,
-                                deck.cue.content.name, deck.cue.content.length));
+std::uint32_t place_in (const Player &player, std::uint32_t place) {
+  if (place > player.last_field ())
+    throw Refusal (fmt::format ("Position {} is beyond the end of '{}', which has {} fields", place,
+                                player.cue.content.name, player.cue.content.length));
   return place;
 }
 
 void set_loop_in (World &world, int channel, const Arguments &arguments) {
-  Deck &deck = loaded_deck (world, channel);
-  deck.cue.loop_in = place_in (deck, arguments.number ("LoopIn"));
+  Player &player = loaded_player (world, channel);
+  player.cue.loop_in = place_in (player, arguments.number ("LoopIn"));
 }
 
 void clear_loop_in (World &world, int channel, const Arguments &) {
-  loaded_deck (world, channel).cue.loop_in = 0;
+  loaded_player (world, channel).cue.loop_in = 0;
 }
 
 void set_loop_out (World &world, int channel, const Arguments &arguments) {
-  Deck &deck = loaded_deck (world, channel);
-  deck.cue.loop_out = place_in (deck, arguments.number ("LoopOut"));
+  Player &player = loaded_player (world, channel);
+  player.cue.loop_out = place_in (player, arguments.number ("LoopOut"));
 }
 
 void clear_loop_out (World &world, int channel, const Arguments &) {
-  loaded_deck (world, channel).cue.loop_out.reset ();
+  loaded_player (world, channel).cue.loop_out.reset ();
 }
 
 void set_out_point (World &world, int channel, const Arguments &arguments) {
-  Deck &deck = loaded_deck (world, channel);
-  deck.cue.out = place_in (deck, arguments.number ("ClipPosition"));
+  Player &player = loaded_player (world, channel);
+  player.cue.out = place_in (player, arguments.number ("ClipPosition"));
 }
 
 void clear_out_point (World &world, int channel, const Arguments &) {
-  loaded_deck (world, channel).cue.out.reset ();
+  loaded_player (world, channel).cue.out.reset ();
 }
 
 void iso_angle (World &world, int channel, const Arguments &arguments) {
-  Deck &deck = loaded_deck (world, channel);
-  Cue changed = deck.cue;
+  Player &player = loaded_player (world, channel);
+  Cue changed = player.cue;
   changed.in = 0;
   changed.angle = static_cast<int> (arguments.number ("Angle"));
   if (changed.angle >= changed.content.angles)
     throw Refusal (fmt::format ("'{}' has no angle {}", changed.content.name, changed.angle));
-  deck.cue.angle = changed.angle;
+  player.cue.angle = changed.angle;
 }
 
 } // namespace

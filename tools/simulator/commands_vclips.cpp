@@ -19,7 +19,7 @@ std::set<int> tracks_of (Call &call) {
 
 void check_range (const VirtualClip &clip, std::uint32_t at, std::uint32_t length) {
   if (std::uint64_t{at} + length > clip.length)
-    throw Refusal (fmt::format ("Fields {} to {} do not lie in the virtual clip, which has {}", at,
+    throw Refusal (fmt::format ("Fields {} to {} are not in the virtual clip, which has {}", at,
                                 std::uint64_t{at} + length, clip.length));
 }
 
@@ -51,7 +51,7 @@ void check_source (const Clip &clip, const Segment &segment) {
   const std::int64_t way = ((std::int64_t{segment.length} - 1) * segment.speed) >> 16;
   const std::int64_t last = segment.from + way;
   if (segment.length > 0 && (segment.from >= clip.length () || last < 0 || last >= clip.length ()))
-    throw Refusal (fmt::format ("Fields {} to {} do not lie in clip '{}', which has {}", segment.from, last,
+    throw Refusal (fmt::format ("Fields {} to {} are not in clip '{}', which has {}", segment.from, last,
                                 clip.id, clip.length ()));
 }
 

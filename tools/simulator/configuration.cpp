@@ -54,7 +54,7 @@ const ConfigurationItem &Configuration::find (const std::string &name) const {
 const ConfigurationItem &Configuration::set (const std::string &name, const std::string &value) {
   const std::vector<std::string> &allowed = find (name).allowed;
   if (!allowed.empty () && std::find (allowed.begin (), allowed.end (), value) == allowed.end ())
-    throw Refusal (fmt::format ("'{}' is no value for {}", value, name), "configvalue_invalid");
+    throw Refusal (fmt::format ("'{}' is not a valid value for {}", value, name), "configvalue_invalid");
   const auto found = std::find_if (items_.begin (), items_.end (),
                                    [&] (const ConfigurationItem &known) { return known.name == name; });
   ConfigurationItem longest = *found;

@@ -24,21 +24,21 @@ namespace {
 template <typename Number>
 Number number_of (const Json &json) {
   if (!json.is_number_unsigned () || json.get<std::uint64_t> () > std::numeric_limits<Number>::max ())
-    refuse (
-        fmt::format ("{} is no number from 0 to {}", json_text (json), std::numeric_limits<Number>::max ()));
+    refuse (fmt::format ("{} is not a number from 0 to {}", json_text (json),
+                         std::numeric_limits<Number>::max ()));
   return json.get<Number> ();
 }
 
 double rate_of (const Json &json) {
   if (!json.is_number () || !(json.get<double> () >= 0.001 && json.get<double> () <= 1000))
-    refuse (fmt::format ("{} is no number from 0.001 to 1000", json_text (json)));
+    refuse (fmt::format ("{} is not a number from 0.001 to 1000", json_text (json)));
   return json.get<double> ();
 }
 
 std::int64_t start_of (const Json &json) {
   const std::optional<std::int64_t> start = read_time (json.get<std::string> ());
   if (!start)
-    refuse (fmt::format ("{} is no time such as 2026-01-31T12:00:00Z", json_text (json)));
+    refuse (fmt::format ("{} is not a time such as 2026-01-31T12:00:00Z", json_text (json)));
   return *start;
 }
 
@@ -93,7 +93,7 @@ std::vector<Options> read_configuration_file (const std::string &file, const Opt
     const Json json = parse_json (text.str ());
     const Json &blocks = json.is_object () && json.contains ("servers") ? json["servers"] : json;
     if (!blocks.is_array () || blocks.empty ())
-      refuse ("the servers are no list");
+      refuse ("the servers are not a list");
     for (const Json &block : blocks)
       try {
         servers.push_back (options_from (block, defaults));
@@ -112,7 +112,7 @@ void check_servers (const std::vector<Options> &servers) {
     asio::error_code error;
     asio::ip::make_address_v4 (options.address, error);
     if (error)
-      refuse (fmt::format ("'{}' is no IPv4 address", options.address));
+      refuse (fmt::format ("'{}' is not an IPv4 address", options.address));
     if (!addresses.insert (options.address).second)
       refuse (fmt::format ("two servers have the address {}", options.address));
     if (!options.database.empty () && !databases.insert (options.database).second)

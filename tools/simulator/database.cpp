@@ -40,8 +40,8 @@ Database::Database (const std::string &path) try
 }
 
 Rows Database::prepare (const std::string &sql) {
-  if (impatient_ && Clock::now () > impatient_until_)
-    wait_again ();
+  if (fails_fast_ && Clock::now () > fail_fast_until_)
+    restore_wait ();
   Rows::Pool &pool = idle_[sql];
   if (pool.empty ()) {
     try {
@@ -55,15 +55,15 @@ Rows Database::prepare (const std::string &sql) {
   return {*this, pool, std::move (statement)};
 }
 
-void Database::wait_again () {
-  impatient_ = false;
+void Database::restore_wait () {
+  fails_fast_ = false;
   sqlite3_busy_timeout (handle_.getHandle (), patience);
 }
 
 void Database::refuse (const SQLite::Exception &fault) {
   if (fault.getErrorCode () == SQLITE_BUSY) {
-    impatient_ = true;
-    impatient_until_ = Clock::now () + impatience;
+    fails_fast_ = true;
+    fail_fast_until_ = Clock::now () + impatience;
     sqlite3_busy_timeout (handle_.getHandle (), 0);
   }
   throw Refusal (fmt::format ("The database cannot be used now: {}", fault.what ()));

@@ -13,20 +13,20 @@ namespace sim {
 
 class Database;
 
-/// The rows of one statement under way. The statement goes back to its database at the end.
+/// The rows of one running statement. The destructor returns the statement to its database for later use.
 class Rows {
 public:
   Rows (Rows &&other) = default;
   Rows &operator= (Rows &&) = delete;
   ~Rows ();
 
-  /// Steps to the next row; false behind the last one.
+  /// Steps to the next row. @return false after the last one.
   /// @throws Refusal when the database cannot be used now, for example because another program holds it.
   bool next ();
   std::string text (int column) const { return statement_->getColumn (column).getString (); }
   std::int64_t number (int column) const { return statement_->getColumn (column).getInt64 (); }
 
-  /// Gives the value of a `?`, counted from 1, before the first row.
+  /// Sets the value of a `?`, counted from 1. Must be called before `next`.
   void bind (int place, std::string_view value) { statement_->bind (place, std::string (value)); }
   void bind (int place, std::int64_t value) { statement_->bind (place, value); }
 
@@ -41,13 +41,13 @@ private:
   std::unique_ptr<SQLite::Statement> statement_;
 };
 
-/// What the server keeps: a file, or memory that is gone with the process.
+/// The stored data of the server: in a file, or in the memory of the process.
 ///
-/// When another program holds the file, a change waits for it for a second. If that was not enough, the
-/// changes that follow fail at once for some seconds, so that nobody else has to wait each time.
+/// When another program has locked the file, a change waits up to a second for it. After such a failure all
+/// changes fail at once for some seconds, so that clients do not wait each time.
 class Database {
 public:
-  /// @param path a file, made when it is not there; empty: in memory. @throws Refusal
+  /// @param path a file, which is created if necessary; empty: in memory. @throws Refusal
   explicit Database (const std::string &path);
   Database (const Database &) = delete;
   Database &operator= (const Database &) = delete;
@@ -61,29 +61,28 @@ public:
     return rows;
   }
 
-  /// Runs a statement that gives no rows. @throws Refusal
+  /// Runs a statement that returns no rows. @throws Refusal
   template <class... Values>
   void run (const std::string &sql, const Values &...values) {
     query (sql, values...).next ();
   }
 
-  /// A statement whose values are still to be given. @throws Refusal
+  /// A statement whose values are not set yet. @throws Refusal
   Rows prepare (const std::string &sql);
 
 private:
   friend class Rows;
   using Clock = std::chrono::steady_clock;
   [[noreturn]] void refuse (const SQLite::Exception &fault);
-  void wait_again ();
+  void restore_wait ();
 
   SQLite::Database handle_;
-  std::map<std::string, Rows::Pool> idle_; ///< statements that nobody uses, by their text
-  Clock::time_point impatient_until_{};
-  bool impatient_ = false;
+  std::map<std::string, Rows::Pool> idle_; ///< statements that are not in use, by their text
+  Clock::time_point fail_fast_until_{};
+  bool fails_fast_ = false;
 };
 
-/// Changes that are made all together or, when it ends before `finish`, not at all. It may be inside another
-/// one.
+/// Several changes as one: the destructor undoes them unless `finish` was called. May be nested.
 class Transaction {
 public:
   explicit Transaction (Database &database) : database_ (database) { database_.run ("SAVEPOINT change"); }
@@ -91,7 +90,7 @@ public:
   Transaction &operator= (const Transaction &) = delete;
   ~Transaction ();
 
-  /// @throws Refusal, and nothing is changed then.
+  /// @throws Refusal when this fails. Then nothing is changed.
   void finish ();
 
 private:

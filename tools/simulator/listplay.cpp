@@ -32,7 +32,7 @@ Index first_item (const LoadedList &list) {
 
 Cue item_cue (World &world, const Item &item) {
   if (item.empty ())
-    throw Refusal ("The item of the list names nothing to show");
+    throw Refusal ("The item of the list names no clip");
   Cue cue = whole_cue (item.clip ? clip_content (world, *item.clip) : vclip_content (world, *item.vclip));
   cue.loop = loop_off;
   cue.in = item.in.value_or (0);
@@ -79,11 +79,11 @@ void report_items (World &world, int channel, const ListKind &kind, std::vector<
 
 // The other channel of a pair shows what will be taken.
 void show_preview (World &world, int channel) {
-  const Deck &deck = world.seen (channel);
-  if (!deck.list || !deck.preview || !deck.list->next)
+  const Player &player = world.player (channel);
+  if (!player.list || !player.preview || !player.list->next)
     return;
   try {
-    load (world, *deck.preview, item_cue (world, deck.list->items[*deck.list->next]));
+    load (world, *player.preview, item_cue (world, player.list->items[*player.list->next]));
   } catch (const Refusal &refusal) {
     world.log (fmt::format ("channel {} has no preview: {}", word_at ("Channel", channel), refusal.what ()));
   }
@@ -108,35 +108,35 @@ void after_edit (World &world, int channel, const ListKind &kind, std::vector<st
 }
 
 void start_item (World &world, int channel, const Item &item, bool roll) {
-  Deck &deck = world.deck (channel);
+  Player &player = world.player_to_change (channel);
   if (roll)
     play (world, channel, item.speed.value_or (fixed_one));
-  const Transition transition = item.transition.value_or (deck.list->transition.value_or (Transition{}));
+  const Transition transition = item.transition.value_or (player.list->transition.value_or (Transition{}));
   if (transition.type == transition_dissolve)
-    deck.start_transition (transition.duration.value_or (0));
+    player.start_transition (transition.duration.value_or (0));
 }
 
 // The list has run out: the bed, if there is one, else the last picture.
 void finish (World &world, int channel) {
-  Deck &deck = world.deck (channel);
-  deck.stop ();
-  if (!deck.list->bed)
+  Player &player = world.player_to_change (channel);
+  player.stop ();
+  if (!player.list->bed)
     return;
-  Cue cue = item_cue (world, *deck.list->bed);
+  Cue cue = item_cue (world, *player.list->bed);
   cue.loop = loop_loop;
   cue.loop_in = cue.in;
   cue.loop_out = cue.out;
   load (world, channel, cue);
-  deck.skip_cueing ();
-  deck.list->now.reset ();
-  start_item (world, channel, *deck.list->bed, true);
+  player.skip_cueing ();
+  player.list->now.reset ();
+  start_item (world, channel, *player.list->bed, true);
 }
 
 void repeat_item (World &world, int channel) {
-  Deck &deck = world.deck (channel);
-  const Fixed speed = deck.speed_when_cued ();
-  deck.go_to (speed < 0 ? deck.cue.out.value_or (deck.last_field ()) : deck.cue.in);
-  deck.play (speed);
+  Player &player = world.player_to_change (channel);
+  const Fixed speed = player.speed_when_cued ();
+  player.go_to (speed < 0 ? player.cue.out.value_or (player.last_field ()) : player.cue.in);
+  player.play (speed);
 }
 
 // The old places in their new order.
@@ -158,7 +158,7 @@ std::vector<std::size_t> new_order (std::size_t size, const std::vector<std::siz
 } // namespace
 
 LoadedList &loaded_list (World &world, int channel, const ListKind &kind) {
-  std::optional<LoadedList> &list = world.deck (channel).loaded_list (kind);
+  std::optional<LoadedList> &list = world.player_to_change (channel).loaded_list (kind);
   if (!list)
     throw Refusal (fmt::format ("No {} is loaded on channel {}",
                                 &kind == &playlists ? "playlist" : "chase list",
@@ -167,24 +167,24 @@ LoadedList &loaded_list (World &world, int channel, const ListKind &kind) {
 }
 
 void load_list (World &world, int channel, const ListKind &kind, LoadedList list) {
-  Deck &deck = world.deck (channel);
+  Player &player = world.player_to_change (channel);
   if (list.mode == list_pgm_pvw && channel + 1 >= channel_count)
     throw Refusal (
         fmt::format ("Channel {} has no channel beside it for the preview", word_at ("Channel", channel)));
   if (&kind == &playlists)
-    deck.preview = list.mode == list_pgm_pvw ? std::optional (channel + 1) : std::nullopt;
+    player.preview = list.mode == list_pgm_pvw ? std::optional (channel + 1) : std::nullopt;
   list.next = first_item (list);
-  deck.loaded_list (kind) = std::move (list);
+  player.loaded_list (kind) = std::move (list);
   report_items (world, channel, kind, list_bodies (world, channel, kind));
   preview_next (world, channel, kind);
 }
 
 void unload_list (World &world, int channel, const ListKind &kind) {
   loaded_list (world, channel, kind);
-  Deck &deck = world.deck (channel);
-  deck.loaded_list (kind).reset ();
+  Player &player = world.player_to_change (channel);
+  player.loaded_list (kind).reset ();
   if (&kind == &playlists)
-    deck.preview.reset ();
+    player.preview.reset ();
   report_items (world, channel, kind, list_bodies (world, channel, kind));
 }
 
@@ -246,21 +246,21 @@ void play_item (World &world, int channel, std::size_t index, bool roll, std::in
   check_index (list, index);
   const Item item = list.items[index];
   load (world, channel, item_cue (world, item));
-  Deck &deck = world.deck (channel);
+  Player &player = world.player_to_change (channel);
   if (distance != 0)
-    deck.jog (distance);
+    player.jog (distance);
   list.now = index;
   list.next = following (list, index);
-  list.next_stands = false;
+  list.next_only_cued = false;
   start_item (world, channel, item, roll);
   show_preview (world, channel);
 }
 
-void choose_next (World &world, int channel, std::size_t index, bool stands) {
+void choose_next (World &world, int channel, std::size_t index, bool only_cued) {
   LoadedList &list = loaded_list (world, channel, playlists);
   check_index (list, index);
   list.next = index;
-  list.next_stands = stands;
+  list.next_only_cued = only_cued;
   show_preview (world, channel);
 }
 
@@ -278,27 +278,27 @@ void take_next (World &world, int channel) {
   if (!list.next)
     throw Refusal (fmt::format ("No item is next on channel {}", word_at ("Channel", channel)));
   const Item &item = list.items[*list.next];
-  const bool stands = list.next_stands || item.at_start == start_pause;
-  play_item (world, channel, *list.next, !stands, 0);
-  world.deck (channel).skip_cueing ();
+  const bool only_cued = list.next_only_cued || item.at_start == start_pause;
+  play_item (world, channel, *list.next, !only_cued, 0);
+  world.player_to_change (channel).skip_cueing ();
 }
 
 bool end_item (World &world, int channel) {
-  Deck &deck = world.deck (channel);
-  if (!deck.list || !deck.list->now)
+  Player &player = world.player_to_change (channel);
+  if (!player.list || !player.list->now)
     return false;
-  const int rule = deck.list->items[*deck.list->now].at_end.value_or (end_take);
+  const int rule = player.list->items[*player.list->now].at_end.value_or (end_take);
   try {
     if (rule == end_loop)
       repeat_item (world, channel);
     else if (rule == end_pause)
-      deck.stop ();
-    else if (deck.list->next)
+      player.stop ();
+    else if (player.list->next)
       take_next (world, channel);
     else
       finish (world, channel);
   } catch (const Refusal &refusal) {
-    deck.stop ();
+    player.stop ();
     world.log (
         fmt::format ("channel {} stops in its list: {}", word_at ("Channel", channel), refusal.what ()));
   }
@@ -319,24 +319,24 @@ Index chased_item (const LoadedList &list, std::int64_t field) {
 }
 
 void follow_item (World &world, int channel, const Item &item, std::int64_t distance) {
-  Deck &deck = world.deck (channel);
-  const std::int64_t first = deck.cue.in, last = deck.cue.out.value_or (deck.last_field ());
+  Player &player = world.player_to_change (channel);
+  const std::int64_t first = player.cue.in, last = player.cue.out.value_or (player.last_field ());
   std::int64_t place = first + item.offset.value_or (0) + distance;
   const int rule = item.at_end.value_or (chase_pause);
   if (place > last && rule == chase_black)
     return unload (world, channel);
   if (place > last && rule == chase_loop)
     place = first + (place - first) % std::max<std::int64_t> (last - first + 1, 1);
-  deck.go_to (static_cast<std::uint32_t> (std::min (place, last)));
-  deck.skip_cueing ();
+  player.go_to (static_cast<std::uint32_t> (std::min (place, last)));
+  player.skip_cueing ();
   if (place <= last)
     check_recording (world, channel, item.speed.value_or (fixed_one));
   if (place <= last)
-    deck.play (item.speed.value_or (fixed_one));
+    player.play (item.speed.value_or (fixed_one));
 }
 
 void chase_channel (World &world, int channel, std::int64_t field) {
-  LoadedList &list = *world.deck (channel).chase;
+  LoadedList &list = *world.player_to_change (channel).chase;
   const Index index = chased_item (list, field);
   if (!index)
     return;
@@ -344,7 +344,7 @@ void chase_channel (World &world, int channel, std::int64_t field) {
   if (list.now != index)
     load (world, channel, item_cue (world, item));
   list.now = index;
-  if (world.seen (channel).loaded ())
+  if (world.player (channel).loaded ())
     follow_item (world, channel, item, field - *item.trigger);
 }
 
@@ -354,7 +354,7 @@ void chase_timecode (World &world, std::int64_t field) {
   std::optional<Refusal> first_refusal;
   for (int channel = 0; channel < channel_count; ++channel)
     try {
-      if (world.seen (channel).chase)
+      if (world.player (channel).chase)
         chase_channel (world, channel, field);
     } catch (const Refusal &refusal) {
       first_refusal = first_refusal.value_or (refusal);
@@ -364,8 +364,8 @@ void chase_timecode (World &world, std::int64_t field) {
 }
 
 std::vector<std::string> list_bodies (const World &world, int channel, const ListKind &kind) {
-  const Deck &deck = world.seen (channel);
-  const std::optional<LoadedList> &list = &kind == &playlists ? deck.list : deck.chase;
+  const Player &player = world.player (channel);
+  const std::optional<LoadedList> &list = &kind == &playlists ? player.list : player.chase;
   if (!list)
     return {channel_body (kind, "unloaded", channel)};
   const std::string body = std::string (kind.channel_report) + kind.list_body;
@@ -384,15 +384,15 @@ std::vector<std::string> list_bodies (const World &world, int channel, const Lis
 }
 
 std::vector<std::string> air_bodies (const World &world, int channel, const ListKind &kind) {
-  const Deck &deck = world.seen (channel);
-  const std::optional<LoadedList> &list = &kind == &playlists ? deck.list : deck.chase;
+  const Player &player = world.player (channel);
+  const std::optional<LoadedList> &list = &kind == &playlists ? player.list : player.chase;
   if (!list)
     return {};
   const std::string now = index_body (kind, "air_now", channel, list->now);
   const std::string modified = word_body (kind, "modified", channel, "ModifiedFlag", list->modified ? 1 : 0);
   if (&kind == &chases)
     return {now, modified};
-  return {now, index_body (kind, "air_lock", channel, deck.playing () ? list->now : std::nullopt),
+  return {now, index_body (kind, "air_lock", channel, player.playing () ? list->now : std::nullopt),
           index_body (kind, "air_next", channel, list->next),
           word_body (kind, "loop", channel, "Loop", list->loop), modified};
 }

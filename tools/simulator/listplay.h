@@ -1,6 +1,6 @@
 #pragma once
 
-#include "deck.h"
+#include "player.h"
 
 namespace sim {
 
@@ -24,7 +24,7 @@ void reorder_items (World &world, int channel, const ListKind &kind, const std::
 /// Loads an item, at a number of fields behind its first one, and starts it or not.
 void play_item (World &world, int channel, std::size_t index, bool roll, std::int32_t distance);
 /// Sets the next item. It starts as its own settings say, or is only cued.
-void choose_next (World &world, int channel, std::size_t index, bool stands);
+void choose_next (World &world, int channel, std::size_t index, bool only_cued);
 /// Sets whether the first item follows the last one.
 void set_list_loop (World &world, int channel, int loop);
 /// Loads the next item. It starts as its own settings say.

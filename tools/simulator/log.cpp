@@ -60,11 +60,11 @@ void log_line (std::string_view line) {
     ++lines_missing;
 }
 
-void say (std::string_view line) {
+void print_line (std::string_view line) {
   write_all (std::string (line) + '\n');
 }
 
-void complain (std::string_view line) {
+void print_error (std::string_view line) {
   write_all (fmt::format ("orva-simulator: {}\n", line), STDERR_FILENO);
 }
 

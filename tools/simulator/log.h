@@ -10,9 +10,9 @@ namespace sim {
 void log_line (std::string_view line);
 
 /// Writes one line without a time, and waits until it is taken.
-void say (std::string_view line);
+void print_line (std::string_view line);
 
 /// Writes one line about something that has gone wrong to the standard error.
-void complain (std::string_view line);
+void print_error (std::string_view line);
 
 } // namespace sim

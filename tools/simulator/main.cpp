@@ -27,7 +27,7 @@ struct CommandLine {
 };
 
 std::string check_time (const std::string &text) {
-  return read_time (text) ? "" : "'" + text + "' is no time such as 2026-01-31T12:00:00Z";
+  return read_time (text) ? "" : "'" + text + "' is not a time such as 2026-01-31T12:00:00Z";
 }
 
 std::string check_standard (const std::string &name) {
@@ -154,7 +154,7 @@ int main (int argc, char **argv) {
     app.parse (argc, argv);
     if (!line.steering.control.empty () && line.steering.control_token.empty () &&
         !is_loopback (line.steering.control))
-      throw CLI::ValidationError ("--control", "an address off loopback needs a --control-token");
+      throw CLI::ValidationError ("--control", "an address outside loopback needs a --control-token");
   } catch (const CLI::ParseError &problem) {
     return app.exit (problem) == 0 ? 0 : status_usage;
   }
@@ -167,7 +167,7 @@ int main (int argc, char **argv) {
       return run_replay (line.replay);
     return run_servers (line);
   } catch (const std::exception &fault) {
-    complain (std::string ("cannot go on: ") + fault.what ());
+    print_error (std::string ("cannot go on: ") + fault.what ());
     return status_failed;
   }
 }

@@ -37,8 +37,8 @@ struct Steering {
 };
 
 // Exit statuses.
-inline constexpr int status_failed = 1;   ///< it could not start or go on
-inline constexpr int status_usage = 2;    ///< the command line is wrong
-inline constexpr int status_departed = 3; ///< a scenario or a replay went otherwise than expected
+inline constexpr int status_failed = 1;     ///< it could not start or go on
+inline constexpr int status_usage = 2;      ///< the command line is wrong
+inline constexpr int status_unexpected = 3; ///< a scenario or a replay went otherwise than expected
 
 } // namespace sim

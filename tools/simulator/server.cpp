@@ -2,8 +2,8 @@
 
 #include "control/control.h"
 #include "control/mailbox.h"
-#include "control/steered.h"
-#include "faults/line.h"
+#include "control/steered_server.h"
+#include "faults/fault_injector.h"
 #include "log.h"
 #include "script/script.h"
 #include "wire.h"
@@ -36,7 +36,7 @@ constexpr std::size_t full_bytes = 16u << 20;
 // more unread is disconnected at once.
 constexpr std::size_t idle_bytes = 64u << 20;
 constexpr std::chrono::seconds idle_time{10};
-constexpr std::size_t hopeless_bytes = 512u << 20;
+constexpr std::size_t most_unread_bytes = 512u << 20;
 
 constexpr int parts_in_a_turn = 8; // of a long answer
 constexpr std::size_t written_at_once = 256u << 10;
@@ -51,38 +51,39 @@ void pass_due_fields (World &world) {
 /// One connection. The server keeps it until it has ended, a read or a write under way until that is over.
 class Session : public Client, public Endpoint, public std::enable_shared_from_this<Session> {
 public:
-  Session (World &world, asio::io_context &context, Faults &faults, Witness &witness, tcp::socket socket,
-           int client_number, std::function<void (int)> ended)
+  Session (World &world, asio::io_context &context, Faults &faults, MessageObserver &observer,
+           tcp::socket socket, int client_number, std::function<void (int)> ended)
 
       : Client (client_number, fmt::format ("{}#{}", world.options.log_prefix, client_number)),
         world_ (world), socket_ (std::move (socket)),
-        line_ (std::make_shared<Line> (context, faults, witness, *this, client_number, peer_address ())),
+        injector_ (std::make_shared<FaultInjector> (context, faults, observer, *this, client_number,
+                                                    peer_address ())),
         ended_ (std::move (ended)) {}
 
   void start () {
     asio::error_code ignored;
     socket_.set_option (tcp::no_delay (true), ignored);
     world_.join (*this);
-    note ("comes");
+    log ("connected");
     read ();
-    line_->refresh ();
+    injector_->refresh ();
   }
 
   void end (std::string_view why) {
     if (!socket_.is_open ())
       return;
-    line_->detach ();
+    injector_->detach ();
     asio::error_code ignored;
     socket_.close (ignored);
-    cut_off_ = true;
-    part (why);
+    output_ended_ = true;
+    leave_world (why);
     ended_ (number);
   }
 
   void send (std::string message) override {
-    line_->send (message);
-    if (is_hopeless ())
-      give_up ();
+    injector_->send (message);
+    if (reads_too_slowly ())
+      drop_slow_reader ();
   }
 
   void produce (Producer producer) override {
@@ -92,9 +93,11 @@ public:
 
   bool lags () const override { return unsent () > lagging_bytes; }
 
-  Line &line () { return *line_; }
+  FaultInjector &injector () { return *injector_; }
 
-  std::size_t unsent () const { return waiting_.size () + going_.size () - written_ + line_->held (); }
+  std::size_t unsent () const {
+    return waiting_.size () + being_written_.size () - written_ + injector_->held ();
+  }
 
   /// Queues bytes behind what waits to be sent, past all faults.
   void put (std::string_view bytes) override {
@@ -113,12 +116,12 @@ public:
 
 private:
   void finish () override {
-    finishing_ = cut_off_ = true;
+    finishing_ = output_ended_ = true;
     if (!writing_)
-      end_later ("is sent away by a fault");
+      end_later ("is disconnected by a fault");
   }
 
-  void let_read (bool allowed) override {
+  void allow_reading (bool allowed) override {
     if (allowed == may_read_)
       return;
     may_read_ = allowed;
@@ -132,17 +135,17 @@ private:
     return error ? "" : peer.address ().to_string ();
   }
 
-  void note (std::string_view what) const {
+  void log (std::string_view what) const {
     if (!world_.options.quiet)
       log_line (fmt::format ("{} {}", name, what));
   }
 
   // The world forgets the client.
-  void part (std::string_view why) {
-    if (std::exchange (parted_, true))
+  void leave_world (std::string_view why) {
+    if (std::exchange (has_left_, true))
       return;
     world_.leave (*this);
-    note (why);
+    log (why);
   }
 
   void read () {
@@ -156,20 +159,20 @@ private:
   void take (const asio::error_code &error, std::size_t size) {
     reading_ = false;
     if (error == asio::error::eof)
-      return hear_no_more ();
+      return end_of_commands ();
     if (error)
-      return end ("goes");
+      return end ("disconnected");
     try {
       framer_.feed ({received_.data (), size});
     } catch (const Malformed &fault) {
-      return end (fmt::format ("is sent away: {}", fault.what ()));
+      return end (fmt::format ("is disconnected: {}", fault.what ()));
     }
     go_on ();
   }
 
   // The client has sent its last command. It still gets its answers, unless it does not read them for long.
-  void hear_no_more () {
-    part ("goes");
+  void end_of_commands () {
+    leave_world ("disconnected");
     finishing_ = true;
     const unsigned milliseconds = 10'000;
     ::setsockopt (socket_.native_handle (), IPPROTO_TCP, TCP_USER_TIMEOUT, &milliseconds,
@@ -189,7 +192,7 @@ private:
         else
           break;
     } catch (const Malformed &fault) {
-      return end (fmt::format ("is sent away: {}", fault.what ()));
+      return end (fmt::format ("is disconnected: {}", fault.what ()));
     }
     stalled_ = is_full ();
     if (may_carry_out () && !reading_)
@@ -197,16 +200,16 @@ private:
   }
 
   bool may_carry_out () const {
-    return !finishing_ && !is_full () && socket_.is_open () && line_->may_read ();
+    return !finishing_ && !is_full () && socket_.is_open () && injector_->may_read ();
   }
 
-  bool is_producing () const { return producer_ && !cut_off_; }
+  bool is_producing () const { return producer_ && !output_ended_; }
 
   // The client has so much to take that its next command waits.
   bool is_full () const { return is_producing () || unsent () >= full_bytes; }
 
   void carry_out (const std::string &document) {
-    if (line_->receive (document))
+    if (injector_->receive (document))
       world_.receive (*this, document);
   }
 
@@ -230,18 +233,18 @@ private:
   }
 
   void end_if_done () {
-    if (finishing_ && !is_producing () && !writing_ && (cut_off_ || unsent () == 0))
-      end (parted_ ? "goes" : "is sent away by a fault");
+    if (finishing_ && !is_producing () && !writing_ && (output_ended_ || unsent () == 0))
+      end (has_left_ ? "disconnected" : "is disconnected by a fault");
   }
 
-  bool is_hopeless () const {
-    return unsent () > hopeless_bytes ||
+  bool reads_too_slowly () const {
+    return unsent () > most_unread_bytes ||
            (unsent () > idle_bytes && writing_ && Clock::now () - last_taken_ > idle_time);
   }
 
-  void give_up () {
+  void drop_slow_reader () {
     waiting_ = {};
-    end_later ("is sent away: it does not read");
+    end_later ("is disconnected: it does not read");
   }
 
   // Later, because the caller may be in a loop over all clients.
@@ -254,14 +257,14 @@ private:
     if (!socket_.is_open ())
       return;
     writing_ = true;
-    if (written_ == going_.size ()) {
-      going_.clear ();
-      going_.swap (waiting_);
+    if (written_ == being_written_.size ()) {
+      being_written_.clear ();
+      being_written_.swap (waiting_);
       written_ = 0;
     }
-    const std::size_t size = std::min (going_.size () - written_, written_at_once);
+    const std::size_t size = std::min (being_written_.size () - written_, written_at_once);
     socket_.async_write_some (
-        asio::buffer (going_.data () + written_, size),
+        asio::buffer (being_written_.data () + written_, size),
         [self = shared_from_this ()] (const asio::error_code &error, std::size_t taken) {
           self->wrote (static_cast<bool> (error), taken);
         });
@@ -271,14 +274,14 @@ private:
     written_ += taken;
     last_taken_ = Clock::now ();
     if (failed)
-      return end ("goes");
-    if (written_ == going_.size () && waiting_.empty ())
+      return end ("disconnected");
+    if (written_ == being_written_.size () && waiting_.empty ())
       fill ();
-    writing_ = written_ < going_.size () || !waiting_.empty ();
+    writing_ = written_ < being_written_.size () || !waiting_.empty ();
     if (writing_) {
       write ();
     } else {
-      going_ = {};
+      being_written_ = {};
       written_ = 0;
     }
     sent_some ();
@@ -286,26 +289,26 @@ private:
 
   World &world_;
   tcp::socket socket_;
-  const std::shared_ptr<Line> line_; ///< what is sent passes through it
+  const std::shared_ptr<FaultInjector> injector_; ///< what is sent passes through it
   const std::function<void (int)> ended_;
   Framer framer_;
   std::array<char, 16384> received_{};
-  Producer producer_;       ///< the long answer under way, if any
-  std::string waiting_;     ///< not yet handed to the socket
-  std::string going_;       ///< what the write under way refers to
-  std::size_t written_ = 0; ///< bytes of `going_` that the client has taken
+  Producer producer_;         ///< the long answer under way, if any
+  std::string waiting_;       ///< not yet handed to the socket
+  std::string being_written_; ///< what the write under way refers to
+  std::size_t written_ = 0;   ///< bytes of `being_written_` that the client has taken
   Clock::time_point last_taken_;
   bool writing_ = false;
   bool reading_ = false;
   bool may_read_ = true;
   bool stalled_ = false; ///< commands wait until the client has taken some of its answers
   bool fill_posted_ = false;
-  bool cut_off_ = false;   ///< nothing more is sent but what is queued
-  bool parted_ = false;    ///< the world does not know it any more
-  bool finishing_ = false; ///< nothing more is carried out
+  bool output_ended_ = false; ///< nothing more is sent but what is queued
+  bool has_left_ = false;     ///< the world does not know it any more
+  bool finishing_ = false;    ///< nothing more is carried out
 };
 
-class Server : public Steered, public Witness {
+class Server : public SteeredServer, public MessageObserver {
 public:
   Server (asio::io_context &context, const Options &options)
       : context_ (context), options_ (options), world_ (std::make_unique<World> (options)),
@@ -323,14 +326,15 @@ public:
   std::vector<Connection> connections () override {
     std::vector<Connection> connections;
     each_session ([&] (Session &session) {
-      connections.push_back ({session.number, session.line ().address (), session.unsent (), &session});
+      connections.push_back ({session.number, session.injector ().address (), session.unsent (), &session});
     });
     return connections;
   }
 
   bool close_client (int number, bool reset) override {
-    return with_session (
-        number, [&] (Session &session) { reset ? session.reset () : session.end ("is sent away by hand"); });
+    return with_session (number, [&] (Session &session) {
+      reset ? session.reset () : session.end ("is disconnected by a control request");
+    });
   }
 
   bool send_bytes (int number, std::string_view bytes) override {
@@ -338,11 +342,11 @@ public:
   }
 
   void start_over () override {
-    end_all ("is sent away: the server starts over");
+    end_all ("is disconnected: the server starts over");
     world_.reset (); // it may hold the file that the next one opens
     world_ = std::make_unique<World> (options_);
     journal_.clear ();
-    greeted_ = 0;
+    last_number_ = 0;
     faults_.clear ();
     set_first_faults ();
     pace_changed ();
@@ -355,12 +359,12 @@ public:
   }
 
 private:
-  void received (int client, std::string_view command, const std::vector<Rule> &struck) override {
+  void received (int client, std::string_view command, const std::vector<Rule> &applied) override {
     std::vector<std::string> names;
-    for (const Rule &rule : struck)
+    for (const Rule &rule : applied)
       names.emplace_back (name_of (rule.fault));
     if (!names.empty () && !options_.quiet)
-      world_->log (fmt::format ("#{} {} has the faults {}", client, glance_at (command).name,
+      world_->log (fmt::format ("#{} {} has the faults {}", client, summary_of (command).name,
                                 fmt::join (names, ", ")));
     if (!options_.journal)
       return;
@@ -394,15 +398,15 @@ private:
         return;
       if (error)
         return accept_later (error);
-      accept_fails_ = false;
-      greet (std::move (socket));
+      accept_failed_ = false;
+      add_session (std::move (socket));
       accept ();
     });
   }
 
   // Most likely no descriptor is left. New clients wait in the queue of the system until another one goes.
   void accept_later (const asio::error_code &error) {
-    if (!std::exchange (accept_fails_, true))
+    if (!std::exchange (accept_failed_, true))
       world_->log (fmt::format ("new clients wait: {}", error.message ()));
     accept_timer_.expires_after (accept_pause);
     accept_timer_.async_wait ([this] (const asio::error_code &cancelled) {
@@ -411,8 +415,8 @@ private:
     });
   }
 
-  void greet (tcp::socket socket) {
-    const int number = ++greeted_;
+  void add_session (tcp::socket socket) {
+    const int number = ++last_number_;
     const auto session = std::make_shared<Session> (*world_, context_, faults_, *this, std::move (socket),
                                                     number, [this] (int ended) { sessions_.erase (ended); });
     sessions_[number] = session;
@@ -435,15 +439,15 @@ private:
   }
 
   void refresh_faults () {
-    const bool away = faults_.stands (Fault::go_away);
-    const bool shut = away || faults_.stands (Fault::refuse_connections);
+    const bool away = faults_.is_active (Fault::go_away);
+    const bool shut = away || faults_.is_active (Fault::refuse_connections);
     if (shut && acceptor_.is_open ())
       acceptor_.close ();
     if (!shut && !acceptor_.is_open ())
       open ();
     if (away)
-      end_all ("is sent away by a fault");
-    each_session ([] (Session &session) { session.line ().refresh (); });
+      end_all ("is disconnected by a fault");
+    each_session ([] (Session &session) { session.injector ().refresh (); });
   }
 
   void await_field () {
@@ -466,12 +470,12 @@ private:
   tcp::acceptor acceptor_;
   asio::steady_timer timer_;
   asio::steady_timer accept_timer_;
-  bool accept_fails_ = false; ///< the last one did
+  bool accept_failed_ = false; ///< the last one did
   Random chances_ = options_.seed ? Random (*options_.seed) : Random ();
   Faults faults_{context_, chances_};
   Journal journal_;
   std::map<int, std::shared_ptr<Session>> sessions_; ///< by number, until they end
-  int greeted_ = 0;
+  int last_number_ = 0;
 };
 
 } // namespace
@@ -481,7 +485,7 @@ int serve (const std::vector<Options> &options, const Steering &steering) {
   asio::signal_set signals (context, SIGINT, SIGTERM);
   signals.async_wait ([&] (const asio::error_code &, int) { context.stop (); });
   std::vector<std::unique_ptr<Server>> servers;
-  std::vector<Steered *> steered;
+  std::vector<SteeredServer *> steered;
   for (const Options &each : options) {
     servers.push_back (std::make_unique<Server> (context, each));
     steered.push_back (servers.back ().get ());
@@ -495,19 +499,19 @@ int serve (const std::vector<Options> &options, const Steering &steering) {
   if (!steering.script.empty ())
     script = std::make_unique<Script> (context, api, steering.script);
   for (const Options &each : options)
-    say (fmt::format ("listening on {}:{}", each.address, port));
+    print_line (fmt::format ("listening on {}:{}", each.address, port));
   int status = 0;
   if (script)
     script->start ([&] (const std::string &problem) {
       if (!problem.empty ())
-        complain (problem);
-      status = problem.empty () ? 0 : status_departed;
+        print_error (problem);
+      status = problem.empty () ? 0 : status_unexpected;
       context.stop ();
     });
   context.run ();
   mailbox.close ();
   for (const std::unique_ptr<Server> &server : servers)
-    server->end_all ("is sent away: the server ends");
+    server->end_all ("is disconnected: the server ends");
   return status;
 }
 

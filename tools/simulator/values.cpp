@@ -72,7 +72,7 @@ void check_list (const Element &element, const Tag &tag) {
   const std::vector<Part> one = {{tag.parts.front ().name, false}};
   for (const Element &child : element.children) {
     if (child.name != tag.parts.front ().name)
-      throw Refusal (fmt::format ("Tag {} may not stand in {}", child.name, tag.name));
+      throw Refusal (fmt::format ("Tag {} is not allowed in {}", child.name, tag.name));
     Element alone;
     alone.name = tag.name;
     alone.children = {child};
@@ -101,7 +101,7 @@ void check_known (const Element &element, const std::vector<Part> &parts) {
     for (const Part &part : parts)
       known = known || part.name == child.name;
     if (!known)
-      throw Refusal (fmt::format ("Tag {} may not stand in {}", child.name, element.name));
+      throw Refusal (fmt::format ("Tag {} is not allowed in {}", child.name, element.name));
   }
 }
 
@@ -211,12 +211,12 @@ void check_parts (const Element &element, const std::vector<Part> &parts) {
     if (!found)
       continue;
     if (found != &element.children[next])
-      throw Refusal (fmt::format ("Tag {} in {} stands in the wrong place", part.name, element.name));
+      throw Refusal (fmt::format ("Tag {} in {} is in the wrong place", part.name, element.name));
     check_value (*found, element.name);
     ++next;
   }
   if (next != element.children.size ())
-    throw Refusal (fmt::format ("Tag {} stands twice in {}", element.children[next].name, element.name));
+    throw Refusal (fmt::format ("Tag {} occurs twice in {}", element.children[next].name, element.name));
 }
 
 } // namespace sim

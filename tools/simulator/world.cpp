@@ -75,7 +75,7 @@ const Element &command_of (const Element &root) {
   if (root.children.size () > 2)
     throw Refusal (fmt::format ("The document holds {} commands", root.children.size () - 1));
   if (root.children.front ().name != "xid")
-    throw Refusal ("Tag xid in cmd stands in the wrong place");
+    throw Refusal ("Tag xid in cmd is in the wrong place");
   return root.children.back ();
 }
 
@@ -89,7 +89,7 @@ void check_command (const Element &command) {
 void carry_out (Call &call, const Element &command) {
   const Handler handler = find_handler (command.name);
   if (!handler)
-    throw Refusal (fmt::format ("The simulator does not do '{}'", command.name));
+    throw Refusal (fmt::format ("The simulator does not support '{}'", command.name));
   handler (call);
 }
 
@@ -145,8 +145,8 @@ void World::leave (Client &client) {
 
 void World::release (const Client &client) {
   for (int channel = 0; channel < channel_count; ++channel)
-    if (seen (channel).steal.client == client.number)
-      deck (channel).steal = {};
+    if (player (channel).steal.client == client.number)
+      player_to_change (channel).steal = {};
   vclips.release (client.number);
   std::erase_if (dictionary, [&] (const auto &entry) {
     if (entry.second.owner != client.number)
@@ -156,10 +156,10 @@ void World::release (const Client &client) {
   });
 }
 
-Deck &World::deck (int channel) {
+Player &World::player_to_change (int channel) {
   touched_.insert (channel);
   moved_.insert (channel);
-  return decks_[static_cast<std::size_t> (channel)];
+  return players_[static_cast<std::size_t> (channel)];
 }
 
 void World::gang (const std::set<int> &channels, const std::function<void (int)> &action) {
@@ -170,14 +170,14 @@ void World::gang (const std::set<int> &channels, const std::function<void (int)>
 }
 
 void World::all_or_nothing (const std::function<void ()> &action) {
-  const std::array<Deck, channel_count> before = decks_;
+  const std::array<Player, channel_count> before = players_;
   const auto told = static_cast<std::ptrdiff_t> (pending_.size ());
   Clips::Change change (clips);
   try {
     action ();
     change.finish ();
   } catch (const Refusal &) {
-    decks_ = before;
+    players_ = before;
     pending_.erase (pending_.begin () + told, pending_.end ());
     throw;
   }
@@ -188,11 +188,11 @@ void World::renew_clip (const std::string &from, const std::string &to) {
     return content.source == Source::clip && content.name == from;
   };
   for (int channel = 0; channel < channel_count; ++channel) {
-    Deck &known = decks_[static_cast<std::size_t> (channel)];
+    Player &known = players_[static_cast<std::size_t> (channel)];
     if (known.unstored && known.unstored->clip == from)
       known.unstored = Recording{to, known.unstored->length, known.unstored->length};
     if (is_it (known.cue.content))
-      deck (channel).renew (clip_content (*this, to));
+      player_to_change (channel).renew (clip_content (*this, to));
     for (Precued &precued : known.precued)
       if (is_it (precued.cue.content))
         precued.cue.content = clip_content (*this, to);
@@ -201,12 +201,12 @@ void World::renew_clip (const std::string &from, const std::string &to) {
 
 void World::check_unused (Source source, const std::string &name) const {
   for (int channel = 0; channel < channel_count; ++channel) {
-    const Deck &deck = seen (channel);
-    const Content &loaded = deck.cue.content;
+    const Player &user = player (channel);
+    const Content &loaded = user.cue.content;
     const std::string_view letter = word_at ("Channel", channel);
     if (loaded.source == source && loaded.name == name)
       throw Refusal (fmt::format ("'{}' is loaded on channel {}", name, letter));
-    for (const Precued &precued : deck.precued)
+    for (const Precued &precued : user.precued)
       if (precued.cue.content.source == source && precued.cue.content.name == name)
         throw Refusal (fmt::format ("'{}' is precued on channel {}", name, letter));
     if (source == Source::clip && loaded.source == Source::vclip && vclips.shows (loaded.name, name))
@@ -217,11 +217,11 @@ void World::check_unused (Source source, const std::string &name) const {
 
 // A recording that runs is a part of its clip.
 void World::amend (Clip &clip) const {
-  for (const Deck &deck : decks_) {
-    if (!deck.unstored || deck.unstored->clip != clip.id || deck.unstored->growth () == 0)
+  for (const Player &player : players_) {
+    if (!player.unstored || player.unstored->clip != clip.id || player.unstored->growth () == 0)
       continue;
     const bool loops_to_end = clip.loop_out + 1 >= clip.length ();
-    clip.untrimmed += deck.unstored->growth ();
+    clip.untrimmed += player.unstored->growth ();
     if (loops_to_end)
       clip.loop_out = clip.length () - 1;
   }
@@ -229,8 +229,8 @@ void World::amend (Clip &clip) const {
 
 std::uint64_t World::available_space () const {
   std::uint64_t fields = static_cast<std::uint64_t> (clips.fields ());
-  for (const Deck &deck : decks_)
-    fields += deck.unstored ? deck.unstored->growth () : 0;
+  for (const Player &player : players_)
+    fields += player.unstored ? player.unstored->growth () : 0;
   const std::uint64_t used = fields * field_size;
   return total_space_ - std::min (used, total_space_);
 }
@@ -279,10 +279,10 @@ void World::pass_fields (int count) {
 }
 
 void World::pass_field (int channel) {
-  const Deck &standing = seen (channel);
-  if (standing.status () == status_stop && !standing.in_transition ())
+  const Player &before = player (channel);
+  if (before.status () == status_stop && !before.in_transition ())
     return;
-  Deck &moving = deck (channel);
+  Player &moving = player_to_change (channel);
   try {
     if (moving.recording () && available_space () < field_size)
       throw Refusal ("The disk is full");
@@ -298,7 +298,7 @@ void World::pass_field (int channel) {
 void World::each_second () {
   clips.store_late_stamps ();
   for (int channel = 0; channel < channel_count; ++channel)
-    if (seen (channel).has_ended_recording ())
+    if (player (channel).has_ended_recording ())
       touched_.insert (channel);
   if (available_space () != space_reported_)
     report_disk_space ();
@@ -365,7 +365,7 @@ void World::start_reports (Client &client, int channel, int kind) {
   client.channel_reports.insert ({channel, kind});
   report_present (client, channel, kind);
   if (moved_.contains (channel))
-    client.owed_positions.insert (channel);
+    client.unsent_positions.insert (channel);
 }
 
 void World::flush_reports () {
@@ -377,10 +377,10 @@ void World::flush_reports () {
 
 void World::report_news () {
   flush_reports ();
-  report_decks ();
+  report_players ();
 }
 
-void World::report_decks () {
+void World::report_players () {
   for (const int channel : std::exchange (touched_, {})) {
     close_recording (*this, channel);
     for (auto &[kind, body] : reporter_.news (*this, channel))
@@ -402,9 +402,9 @@ void World::report_positions () {
     if (reporter_.position_is_news (*this, channel))
       news.insert (channel);
   for (Client *client : clients_) {
-    client->owed_positions.insert (news.begin (), news.end ());
+    client->unsent_positions.insert (news.begin (), news.end ());
     if (!client->lags ())
-      for (const int channel : std::exchange (client->owed_positions, {}))
+      for (const int channel : std::exchange (client->unsent_positions, {}))
         report_position (*this, *client, channel);
   }
 }

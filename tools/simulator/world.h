@@ -6,10 +6,10 @@
 #include "clock.h"
 #include "configuration.h"
 #include "database.h"
-#include "deck.h"
 #include "lists.h"
 #include "metadata.h"
 #include "options.h"
+#include "player.h"
 #include "random.h"
 #include "standard.h"
 #include "values.h"
@@ -48,8 +48,8 @@ public:
   void pass_fields (int count);
 
   /// A channel that may be changed: what has changed will be reported.
-  Deck &deck (int channel);
-  const Deck &seen (int channel) const { return decks_[static_cast<std::size_t> (channel)]; }
+  Player &player_to_change (int channel);
+  const Player &player (int channel) const { return players_[static_cast<std::size_t> (channel)]; }
   /// Does the same to several channels. When one refuses, none of them is changed.
   void gang (const std::set<int> &channels, const std::function<void (int)> &action);
   /// Does something with clips and channels. When it throws a Refusal, they are as they were before.
@@ -109,10 +109,10 @@ private:
   void each_second ();
   void release (const Client &client);
   void flush_reports ();
-  void report_decks ();
+  void report_players ();
   void report_positions ();
 
-  std::array<Deck, channel_count> decks_;
+  std::array<Player, channel_count> players_;
   std::set<int> touched_; ///< channels that may have news
   std::set<int> moved_;   ///< channels whose position may be news
   ChannelReporter reporter_;

@@ -15,7 +15,7 @@ ControlAddress read_control_address (const std::string &text) {
   const auto port =
       colon == text.npos ? std::nullopt : read_unsigned (std::string_view (text).substr (colon + 1), 65535);
   if (error || !port || *port == 0)
-    throw std::runtime_error ("'" + text + "' is no address and port such as 127.0.0.1:9913");
+    throw std::runtime_error ("'" + text + "' is not an address and port such as 127.0.0.1:9913");
   return {host, static_cast<int> (*port)};
 }
 

@@ -21,8 +21,8 @@ struct Refused : std::runtime_error {
 };
 
 // What a handler is given: the server, the rest of the path behind its name, and the request.
-struct Asked {
-  Steered &server;
+struct ApiCall {
+  SteeredServer &server;
   std::string rest;
   const ControlRequest &request;
 
@@ -39,146 +39,146 @@ struct Asked {
       return otherwise;
     const auto value = read_unsigned (found->second, INT64_MAX);
     if (!value)
-      throw Refused (400, fmt::format ("'{}' of {} is no number", found->second, name));
+      throw Refused (400, fmt::format ("'{}' of {} is not a number", found->second, name));
     return *value;
   }
 
   int rest_number () const {
     const auto value = read_unsigned (rest, INT32_MAX);
     if (!value)
-      throw Refused (404, fmt::format ("'{}' is no number", rest));
+      throw Refused (404, fmt::format ("'{}' is not a number", rest));
     return static_cast<int> (*value);
   }
 };
 
-using Route = std::function<Json (const Asked &)>;
+using Route = std::function<Json (const ApiCall &)>;
 
 const Json done = Json::object ({{"ok", true}});
 
-Json get_state (const Asked &asked) {
-  return state_json (asked.server);
+Json get_state (const ApiCall &call) {
+  return state_json (call.server);
 }
 
-int channel_of_rest (const Asked &asked) {
-  const int channel = word_number ("Channel", asked.rest);
+int channel_of_rest (const ApiCall &call) {
+  const int channel = word_number ("Channel", call.rest);
   if (channel < 0 || channel >= channel_count)
-    throw Refused (404, fmt::format ("there is no channel '{}'", asked.rest));
+    throw Refused (404, fmt::format ("there is no channel '{}'", call.rest));
   return channel;
 }
 
-Json get_channels (const Asked &asked) {
-  if (asked.rest.empty ())
-    return channels_json (asked.server.world ());
-  return channel_json (asked.server.world (), channel_of_rest (asked));
+Json get_channels (const ApiCall &call) {
+  if (call.rest.empty ())
+    return channels_json (call.server.world ());
+  return channel_json (call.server.world (), channel_of_rest (call));
 }
 
-Json put_channel (const Asked &asked) {
-  const int channel = channel_of_rest (asked);
-  set_channel (asked.server.world (), channel, asked.body ());
-  return channel_json (asked.server.world (), channel);
+Json put_channel (const ApiCall &call) {
+  const int channel = channel_of_rest (call);
+  set_channel (call.server.world (), channel, call.body ());
+  return channel_json (call.server.world (), channel);
 }
 
-Json get_clips (const Asked &asked) {
-  World &world = asked.server.world ();
-  if (!asked.rest.empty ()) {
-    if (!world.clips.exists (asked.rest))
-      throw Refused (404, fmt::format ("there is no clip '{}'", asked.rest));
-    return clip_json (world, asked.rest);
+Json get_clips (const ApiCall &call) {
+  World &world = call.server.world ();
+  if (!call.rest.empty ()) {
+    if (!world.clips.exists (call.rest))
+      throw Refused (404, fmt::format ("there is no clip '{}'", call.rest));
+    return clip_json (world, call.rest);
   }
-  const std::uint64_t most = asked.number ("limit", 1000);
-  return clip_names_json (world, asked.query ("after", ""), most);
+  const std::uint64_t most = call.number ("limit", 1000);
+  return clip_names_json (world, call.query ("after", ""), most);
 }
 
-Json put_clip (const Asked &asked) {
-  set_clip (asked.server.world (), asked.rest, asked.body ());
-  return clip_json (asked.server.world (), asked.rest);
+Json put_clip (const ApiCall &call) {
+  set_clip (call.server.world (), call.rest, call.body ());
+  return clip_json (call.server.world (), call.rest);
 }
 
-Json delete_clip (const Asked &asked) {
-  if (!asked.server.world ().clips.exists (asked.rest))
-    throw Refused (404, fmt::format ("there is no clip '{}'", asked.rest));
-  drop_clip (asked.server.world (), asked.rest);
+Json delete_clip (const ApiCall &call) {
+  if (!call.server.world ().clips.exists (call.rest))
+    throw Refused (404, fmt::format ("there is no clip '{}'", call.rest));
+  drop_clip (call.server.world (), call.rest);
   return done;
 }
 
-Json post_commands (const Asked &asked) {
-  return run_commands (asked.server.world (), asked.body ());
+Json post_commands (const ApiCall &call) {
+  return run_commands (call.server.world (), call.body ());
 }
 
-Json post_reports (const Asked &asked) {
-  push_report (asked.server.world (), asked.body ());
+Json post_reports (const ApiCall &call) {
+  push_report (call.server.world (), call.body ());
   return done;
 }
 
-Json get_time (const Asked &asked) {
-  return time_json (asked.server.world ());
+Json get_time (const ApiCall &call) {
+  return time_json (call.server.world ());
 }
 
-Json put_time (const Asked &asked) {
-  set_pace (asked.server, asked.body ());
-  return get_time (asked);
+Json put_time (const ApiCall &call) {
+  set_pace (call.server, call.body ());
+  return get_time (call);
 }
 
-Json post_step (const Asked &asked) {
-  if (asked.rest != "step")
-    throw Refused (404, "there is no such thing");
-  step (asked.server, asked.body ());
-  return get_time (asked);
+Json post_step (const ApiCall &call) {
+  if (call.rest != "step")
+    throw Refused (404, "there is no such path");
+  step (call.server, call.body ());
+  return get_time (call);
 }
 
-Json post_reset (const Asked &asked) {
-  asked.server.start_over ();
+Json post_reset (const ApiCall &call) {
+  call.server.start_over ();
   return done;
 }
 
-Json get_journal (const Asked &asked) {
-  const std::uint64_t most = asked.number ("limit", 1000);
+Json get_journal (const ApiCall &call) {
+  const std::uint64_t most = call.number ("limit", 1000);
   Json entries = Json::array ();
-  for (const Journal::Entry *entry : asked.server.journal ().since (asked.number ("since", 0)))
+  for (const Journal::Entry *entry : call.server.journal ().since (call.number ("since", 0)))
     if (entries.size () < most)
       entries.push_back (journal_entry_json (*entry));
-  return {{"mark", asked.server.journal ().mark ()}, {"entries", entries}};
+  return {{"mark", call.server.journal ().mark ()}, {"entries", entries}};
 }
 
-Json get_clients (const Asked &asked) {
-  return clients_json (asked.server);
+Json get_clients (const ApiCall &call) {
+  return clients_json (call.server);
 }
 
-Json delete_client (const Asked &asked) {
-  if (!asked.server.close_client (asked.rest_number (), asked.query ("how", "close") == "reset"))
-    throw Refused (404, fmt::format ("there is no client {}", asked.rest));
+Json delete_client (const ApiCall &call) {
+  if (!call.server.close_client (call.rest_number (), call.query ("how", "close") == "reset"))
+    throw Refused (404, fmt::format ("there is no client {}", call.rest));
   return done;
 }
 
 // The body goes to the client as it is.
-Json post_client (const Asked &asked) {
-  if (!asked.server.send_bytes (asked.rest_number (), asked.request.body))
-    throw Refused (404, fmt::format ("there is no client {}", asked.rest));
+Json post_client (const ApiCall &call) {
+  if (!call.server.send_bytes (call.rest_number (), call.request.body))
+    throw Refused (404, fmt::format ("there is no client {}", call.rest));
   return done;
 }
 
-Json get_faults (const Asked &asked) {
-  return faults_json (asked.server.faults ());
+Json get_faults (const ApiCall &call) {
+  return faults_json (call.server.faults ());
 }
 
-Json post_faults (const Asked &asked) {
+Json post_faults (const ApiCall &call) {
   constexpr std::size_t most_rules = 1000;
-  const nlohmann::json body = nlohmann::json::parse (json_text (asked.body ()));
+  const nlohmann::json body = nlohmann::json::parse (json_text (call.body ()));
   const bool one = body.is_object () && !body.contains ("faults");
   std::vector<Rule> rules = rules_from (one ? nlohmann::json::array ({body}) : body);
-  if (asked.server.faults ().rules ().size () + rules.size () > most_rules)
+  if (call.server.faults ().rules ().size () + rules.size () > most_rules)
     throw Refused (409, fmt::format ("there cannot be more than {} faults", most_rules));
   Json ids = Json::array ();
   for (Rule &rule : rules)
-    ids.push_back (asked.server.faults ().add (std::move (rule)));
+    ids.push_back (call.server.faults ().add (std::move (rule)));
   return {{"ids", ids}};
 }
 
-Json delete_faults (const Asked &asked) {
-  if (asked.rest.empty ())
-    asked.server.faults ().clear ();
-  else if (!asked.server.faults ().remove (asked.rest_number ()))
-    throw Refused (404, fmt::format ("there is no fault {}", asked.rest));
+Json delete_faults (const ApiCall &call) {
+  if (call.rest.empty ())
+    call.server.faults ().clear ();
+  else if (!call.server.faults ().remove (call.rest_number ()))
+    throw Refused (404, fmt::format ("there is no fault {}", call.rest));
   return done;
 }
 
@@ -216,7 +216,7 @@ ControlReply ControlApi::handle (const ControlRequest &request) noexcept {
 std::string ControlApi::page_state (const std::string &server) noexcept {
   constexpr std::uint64_t most_commands = 20;
   try {
-    Steered &chosen = server_of (server);
+    SteeredServer &chosen = server_of (server);
     Json json = state_json (chosen);
     Json &commands = json["commands"] = Json::array ();
     const std::uint64_t mark = chosen.journal ().mark ();
@@ -235,12 +235,12 @@ Json ControlApi::carry_out (const ControlRequest &request) {
   if (route == routes ().end ())
     throw Refused (404, fmt::format ("there is no {} {}", request.method, request.path));
   const auto server = request.query.find ("server");
-  Steered &chosen = server_of (server == request.query.end () ? "" : server->second);
+  SteeredServer &chosen = server_of (server == request.query.end () ? "" : server->second);
   return route->second ({chosen, path.substr (std::min (slash + 1, path.size ())), request});
 }
 
-Steered &ControlApi::server_of (const std::string &address) const {
-  for (Steered *server : servers_)
+SteeredServer &ControlApi::server_of (const std::string &address) const {
+  for (SteeredServer *server : servers_)
     if (address.empty () || server->world ().options.address == address)
       return *server;
   throw Refused (404, fmt::format ("there is no server {}", address));

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "control/json.h"
-#include "control/steered.h"
+#include "control/steered_server.h"
 
 #include <map>
 #include <string>
@@ -25,7 +25,7 @@ struct ControlReply {
 /// Carries out what is asked for at the control address. One thread, that of the server.
 class ControlApi {
 public:
-  explicit ControlApi (std::vector<Steered *> servers) : servers_ (std::move (servers)) {}
+  explicit ControlApi (std::vector<SteeredServer *> servers) : servers_ (std::move (servers)) {}
 
   /// Never throws: what goes wrong is an `error` in the reply.
   ControlReply handle (const ControlRequest &request) noexcept;
@@ -34,12 +34,12 @@ public:
   std::string page_state (const std::string &server) noexcept;
 
   /// The server that a request names by its address, or the first one. @throws std::exception
-  Steered &server_of (const std::string &address) const;
+  SteeredServer &server_of (const std::string &address) const;
 
 private:
   Json carry_out (const ControlRequest &request);
 
-  const std::vector<Steered *> servers_;
+  const std::vector<SteeredServer *> servers_;
 };
 
 } // namespace sim

@@ -54,7 +54,7 @@ private:
 
 class Control::Http {
 public:
-  Http (Mailbox &mailbox, std::vector<Steered *> servers, const Steering &steering)
+  Http (Mailbox &mailbox, std::vector<SteeredServer *> servers, const Steering &steering)
       : mailbox_ (mailbox), api_ (std::move (servers)),
         guard_ (read_control_address (steering.control), steering.control_token) {
     server_.new_task_queue = [] { return new Requests; };
@@ -66,12 +66,12 @@ public:
       ::setsockopt (socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
     });
     server_.set_pre_routing_handler ([this] (const httplib::Request &request, httplib::Response &response) {
-      return admit (request, response);
+      return check_access (request, response);
     });
     add_routes ();
     const ControlAddress address = read_control_address (steering.control);
     if (!server_.bind_to_port (address.host, address.port))
-      throw std::runtime_error (fmt::format ("the control address {} cannot be had", steering.control));
+      throw std::runtime_error (fmt::format ("the control address {} cannot be used", steering.control));
     thread_ = std::thread ([this] {
       server_.listen_after_bind ();
       thread_ended_ = true;
@@ -91,18 +91,19 @@ public:
   }
 
 private:
-  httplib::Server::HandlerResponse admit (const httplib::Request &request, httplib::Response &response) {
-    const Guard::Verdict verdict =
-        guard_.judge (request.get_header_value ("Host"), request.get_header_value ("Origin"),
+  httplib::Server::HandlerResponse check_access (const httplib::Request &request,
+                                                 httplib::Response &response) {
+    const Guard::Decision decision =
+        guard_.check (request.get_header_value ("Host"), request.get_header_value ("Origin"),
                       request.get_header_value ("Authorization"), request.get_param_value ("token"));
     response.set_header ("X-Content-Type-Options", "nosniff");
     response.set_header ("Content-Security-Policy",
                          "default-src 'self' 'unsafe-inline'; frame-ancestors 'none'");
     response.set_header ("Cache-Control", "no-store");
-    if (verdict.admitted)
+    if (decision.allowed)
       return httplib::Server::HandlerResponse::Unhandled;
-    response.status = verdict.status;
-    response.set_content (json_text ({{"error", verdict.why}}), "application/json");
+    response.status = decision.status;
+    response.set_content (json_text ({{"error", decision.why}}), "application/json");
     return httplib::Server::HandlerResponse::Handled;
   }
 
@@ -178,7 +179,7 @@ private:
   std::thread thread_;
 };
 
-Control::Control (Mailbox &mailbox, std::vector<Steered *> servers, const Steering &steering)
+Control::Control (Mailbox &mailbox, std::vector<SteeredServer *> servers, const Steering &steering)
     : http_ (std::make_unique<Http> (mailbox, std::move (servers), steering)) {}
 
 Control::~Control () = default;

@@ -12,7 +12,7 @@ namespace sim {
 class Control {
 public:
   /// Listens from now on. @throws std::runtime_error when the address cannot be had
-  Control (Mailbox &mailbox, std::vector<Steered *> servers, const Steering &steering);
+  Control (Mailbox &mailbox, std::vector<SteeredServer *> servers, const Steering &steering);
   /// Ends all requests. The mailbox must have been closed before, so that none waits for the loop.
   ~Control ();
 

@@ -31,8 +31,8 @@ Guard::Guard (const ControlAddress &address, std::string token)
       any_port_ (address.host == "0.0.0.0" ? ':' + std::to_string (address.port) : ""),
       token_ (std::move (token)) {}
 
-Guard::Verdict Guard::judge (const std::string &host, const std::string &origin,
-                             const std::string &authorization, const std::string &token) const {
+Guard::Decision Guard::check (const std::string &host, const std::string &origin,
+                              const std::string &authorization, const std::string &token) const {
   if (!is_own_host (host))
     return {false, 403, "the Host of the request is not this address"};
   if (!origin.empty () && origin != "http://" + host)

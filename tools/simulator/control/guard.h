@@ -14,14 +14,14 @@ public:
   /// @param token that each request must carry; empty: none is asked for
   Guard (const ControlAddress &address, std::string token);
 
-  struct Verdict {
-    bool admitted = true;
+  struct Decision {
+    bool allowed = true;
     int status = 200;
     std::string why;
   };
   /// @param authorization header of that name. @param token from the query
-  Verdict judge (const std::string &host, const std::string &origin, const std::string &authorization,
-                 const std::string &token) const;
+  Decision check (const std::string &host, const std::string &origin, const std::string &authorization,
+                  const std::string &token) const;
 
 private:
   bool is_own_host (const std::string &host) const;

@@ -1,6 +1,6 @@
 #include "control/journal.h"
 
-#include "faults/glance.h"
+#include "faults/message_summary.h"
 
 namespace sim {
 
@@ -34,7 +34,7 @@ void Journal::add (int client, std::int64_t milliseconds, std::string_view comma
   entry.mark = ++last_mark_;
   entry.milliseconds = milliseconds;
   entry.client = client;
-  entry.xid = glance_at (command).xid;
+  entry.xid = summary_of (command).xid;
   entry.command = command;
   entry.faults = std::move (faults);
   open_[{client, entry.xid}] = entry.mark;

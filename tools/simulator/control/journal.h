@@ -19,7 +19,7 @@ public:
     int client = 0;
     std::string xid;
     std::string command;              ///< the whole document
-    std::vector<std::string> faults;  ///< names of those that have struck it
+    std::vector<std::string> faults;  ///< names of those that have applied it
     std::vector<std::string> answers; ///< the messages that the server made, before any fault
     std::size_t left_out = 0;         ///< messages of a long answer that are not kept
   };

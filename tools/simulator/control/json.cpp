@@ -46,7 +46,7 @@ Element tag_of_json (const Tag &tag, const std::string &name, const Json &value)
 // The members of an object, put in the order of these parts.
 void add_parts (Element &parent, const std::vector<Part> &parts, const Json &members) {
   if (!members.is_object () && !members.is_null ())
-    refuse (fmt::format ("what {} holds is no object", parent.name));
+    refuse (fmt::format ("what {} holds is not an object", parent.name));
   for (const auto &[name, value] : members.items ())
     if (std::none_of (parts.begin (), parts.end (), [&] (const Part &part) { return part.name == name; }))
       refuse (fmt::format ("{} has no {}", parent.name, name));
@@ -117,7 +117,7 @@ Json json_of_message (const std::string &body) {
 
 Element element_of (const std::string &name, const Json &json) {
   if (!is_name (name))
-    refuse (fmt::format ("'{}' is no name of an element", name));
+    refuse (fmt::format ("'{}' is not a valid name of an element", name));
   Element element;
   element.name = name;
   if (json.is_object ())

@@ -8,10 +8,11 @@
 
 namespace sim {
 
-Mailbox::Mailbox (asio::io_context &context) : bell_ (context), ring_ (::eventfd (0, EFD_CLOEXEC)) {
-  if (ring_ < 0)
-    throw std::runtime_error ("no event descriptor can be had");
-  bell_.assign (ring_);
+Mailbox::Mailbox (asio::io_context &context)
+    : event_ (context), event_descriptor_ (::eventfd (0, EFD_CLOEXEC)) {
+  if (event_descriptor_ < 0)
+    throw std::runtime_error ("there is no event descriptor left");
+  event_.assign (event_descriptor_);
   await ();
 }
 
@@ -25,7 +26,7 @@ void Mailbox::post (std::function<void ()> action) {
     return;
   posted_.push_back (std::move (action));
   const std::uint64_t one = 1;
-  [[maybe_unused]] const ssize_t written = ::write (ring_, &one, sizeof one);
+  [[maybe_unused]] const ssize_t written = ::write (event_descriptor_, &one, sizeof one);
 }
 
 void Mailbox::close () {
@@ -36,7 +37,7 @@ void Mailbox::close () {
 }
 
 void Mailbox::await () {
-  bell_.async_wait (asio::posix::stream_descriptor::wait_read, [this] (const asio::error_code &error) {
+  event_.async_wait (asio::posix::stream_descriptor::wait_read, [this] (const asio::error_code &error) {
     if (error)
       return;
     run_all ();
@@ -46,7 +47,7 @@ void Mailbox::await () {
 
 void Mailbox::run_all () {
   std::uint64_t count = 0;
-  [[maybe_unused]] const ssize_t size = ::read (ring_, &count, sizeof count);
+  [[maybe_unused]] const ssize_t size = ::read (event_descriptor_, &count, sizeof count);
   std::deque<std::function<void ()>> actions;
   {
     const std::lock_guard lock (mutex_);

@@ -45,8 +45,8 @@ private:
   void await ();
   void run_all ();
 
-  asio::posix::stream_descriptor bell_; ///< an event descriptor that posting makes readable
-  const int ring_;                      ///< the same, for other threads
+  asio::posix::stream_descriptor event_; ///< an event descriptor that posting makes readable
+  const int event_descriptor_;           ///< the same, for other threads
   std::mutex mutex_;
   std::deque<std::function<void ()>> posted_; ///< guarded by the mutex
   bool closed_ = false;                       ///< guarded by the mutex

@@ -134,7 +134,7 @@ const show = state => {
   fill("lists", state.lists.playlists.map(name => make("li", "", name)).concat(
     state.lists.chases.map(name => make("li", "", "chase " + name))));
   fill("faults", state.faults.map(rule => {
-    const item = make("li", "", rule.fault + " " + (rule.command ?? rule.report ?? "") + ", struck " + rule.struck + " ");
+    const item = make("li", "", rule.fault + " " + (rule.command ?? rule.report ?? "") + ", applied " + rule.applied + " ");
     item.append(button("remove", () => call("DELETE", "/faults/" + rule.id)));
     return item;
   }));

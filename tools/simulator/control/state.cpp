@@ -60,30 +60,30 @@ Json names_json (const std::vector<std::string> &names) {
 } // namespace
 
 Json channel_json (const World &world, int channel) {
-  const Deck &deck = world.seen (channel);
-  const Content &content = deck.cue.content;
-  Json json = {{"channel", word ("Channel", channel)}, {"status", word ("ChannelStatus", deck.status ())}};
+  const Player &player = world.player (channel);
+  const Content &content = player.cue.content;
+  Json json = {{"channel", word ("Channel", channel)}, {"status", word ("ChannelStatus", player.status ())}};
   json["source"] = source_name (content.source);
   json["clip"] = content.name;
   json["length"] = content.length;
-  json["position"] = deck.position ();
+  json["position"] = player.position ();
   json["timecode"] =
-      timecode_text (world.standard, content.first_field + deck.position (), content.drop_frame);
-  json["speed"] = number_of (deck.speed ());
-  json["in"] = deck.cue.in;
-  json["out"] = deck.cue.out.value_or (deck.last_field ());
-  json["loop"] = word ("Loop", deck.cue.loop);
-  json["loop_in"] = deck.cue.loop_in;
-  json["loop_out"] = deck.cue.loop_out.value_or (deck.last_field ());
-  json["angle"] = deck.cue.angle;
-  json["edit_mask"] = deck.edit_mask;
-  json["ee_mask"] = deck.ee_mask;
-  json["auto_ee"] = deck.auto_ee;
+      timecode_text (world.standard, content.first_field + player.position (), content.drop_frame);
+  json["speed"] = number_of (player.speed ());
+  json["in"] = player.cue.in;
+  json["out"] = player.cue.out.value_or (player.last_field ());
+  json["loop"] = word ("Loop", player.cue.loop);
+  json["loop_in"] = player.cue.loop_in;
+  json["loop_out"] = player.cue.loop_out.value_or (player.last_field ());
+  json["angle"] = player.cue.angle;
+  json["edit_mask"] = player.edit_mask;
+  json["ee_mask"] = player.ee_mask;
+  json["auto_ee"] = player.auto_ee;
   json["precued"] = Json::array ();
-  for (const Precued &next : deck.precued)
+  for (const Precued &next : player.precued)
     json["precued"].push_back (next.cue.content.name);
-  json["list"] = list_json (deck.list);
-  json["chase"] = list_json (deck.chase);
+  json["list"] = list_json (player.list);
+  json["chase"] = list_json (player.chase);
   return json;
 }
 
@@ -94,7 +94,7 @@ Json channels_json (const World &world) {
   return channels;
 }
 
-Json clients_json (Steered &server) {
+Json clients_json (SteeredServer &server) {
   Json clients = Json::array ();
   for (const Connection &connection : server.connections ()) {
     Json kinds = Json::array ();
@@ -149,7 +149,7 @@ Json lists_json (const World &world) {
           {"chases", names_json (world.lists.names_after (chases, "", -1))}};
 }
 
-Json state_json (Steered &server) {
+Json state_json (SteeredServer &server) {
   const World &world = server.world ();
   Json json = {{"address", world.options.address},
                {"name", world.options.name},

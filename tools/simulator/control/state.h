@@ -1,7 +1,7 @@
 #pragma once
 
 #include "control/json.h"
-#include "control/steered.h"
+#include "control/steered_server.h"
 
 namespace sim {
 
@@ -9,13 +9,13 @@ namespace sim {
 
 Json channel_json (const World &world, int channel);
 Json channels_json (const World &world);
-Json clients_json (Steered &server);
+Json clients_json (SteeredServer &server);
 Json time_json (const World &world);
 Json faults_json (const Faults &faults);
 Json journal_entry_json (const Journal::Entry &entry);
 Json lists_json (const World &world);
 
 /// All of it but the clips, of which there may be a million, and the journal.
-Json state_json (Steered &server);
+Json state_json (SteeredServer &server);
 
 } // namespace sim

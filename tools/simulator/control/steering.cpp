@@ -18,10 +18,10 @@ namespace {
 
 void check_members (const Json &json, const std::vector<std::string> &known) {
   if (!json.is_object ())
-    refuse ("the body is no object");
+    refuse ("the body is not an object");
   for (const auto &[name, value] : json.items ())
     if (std::find (known.begin (), known.end (), name) == known.end ())
-      refuse (fmt::format ("nothing is known of the member \"{}\"", name));
+      refuse (fmt::format ("there is no member \"{}\"", name));
 }
 
 template <typename Value>
@@ -200,13 +200,13 @@ void push_report (World &world, const Json &report) {
   world.report_news ();
 }
 
-void set_pace (Steered &server, const Json &pace) {
+void set_pace (SteeredServer &server, const Json &pace) {
   check_members (pace, {"paused", "rate"});
   Clock &clock = server.world ().clock;
   if (pace.contains ("rate")) {
     const auto rate = member<double> (pace, "rate");
     if (!(rate >= 0.001 && rate <= 1000))
-      refuse ("the rate goes from 0.001 to 1000");
+      refuse ("the rate must be from 0.001 to 1000");
     clock.set_rate (rate);
   }
   if (pace.contains ("paused"))
@@ -214,7 +214,7 @@ void set_pace (Steered &server, const Json &pace) {
   server.pace_changed ();
 }
 
-void step (Steered &server, const Json &step) {
+void step (SteeredServer &server, const Json &step) {
   constexpr int most = 1'000'000;
   check_members (step, {"fields"});
   const int fields = member<int> (step, "fields");

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "control/json.h"
-#include "control/steered.h"
+#include "control/steered_server.h"
 
 #include <string>
 
@@ -30,8 +30,8 @@ Json clip_names_json (World &world, const std::string &after, std::uint64_t most
 void push_report (World &world, const Json &report);
 
 /// Changes how time goes by: any of `paused` and `rate`.
-void set_pace (Steered &server, const Json &pace);
+void set_pace (SteeredServer &server, const Json &pace);
 /// Lets so many `fields` go by at once.
-void step (Steered &server, const Json &step);
+void step (SteeredServer &server, const Json &step);
 
 } // namespace sim

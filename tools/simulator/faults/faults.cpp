@@ -4,9 +4,9 @@ namespace sim {
 
 int Faults::add (Rule rule) {
   rule.id = ++last_id_;
-  if (rule.standing () && rule.fault == Fault::reset && !rule.for_ms)
+  if (rule.is_lasting () && rule.fault == Fault::reset && !rule.for_ms)
     rule.for_ms = 0;
-  if (rule.standing () && rule.for_ms)
+  if (rule.is_lasting () && rule.for_ms)
     expire (rule.id, *rule.for_ms);
   rules_.emplace (rule.id, std::move (rule));
   announce ();
@@ -34,48 +34,49 @@ std::vector<Rule> Faults::rules () const {
   return rules;
 }
 
-std::vector<Rule> Faults::strike (const Glance &message, int client, const std::string &address) {
+std::vector<Rule> Faults::select_rules (const MessageSummary &message, int client,
+                                        const std::string &address) {
   if (message.root.empty ())
     return {};
-  std::vector<Rule> striking;
+  std::vector<Rule> selected;
   for (auto &[id, rule] : rules_)
-    if (rule.concerns (message) && rule.client.matches (client, address) && takes_its_turn (rule))
-      striking.push_back (rule);
-  return striking;
+    if (rule.concerns (message) && rule.client.matches (client, address) && is_due (rule))
+      selected.push_back (rule);
+  return selected;
 }
 
-bool Faults::takes_its_turn (Rule &rule) {
+bool Faults::is_due (Rule &rule) {
   ++rule.seen;
-  if (rule.struck >= rule.times || (rule.nth != 0 && rule.nth != rule.seen))
+  if (rule.applied >= rule.times || (rule.nth != 0 && rule.nth != rule.seen))
     return false;
   if (rule.chance < 1 && !random_.happens (rule.chance))
     return false;
-  ++rule.struck;
+  ++rule.applied;
   return true;
 }
 
-bool Faults::stands (Fault fault, int client, const std::string &address) const {
+bool Faults::is_active (Fault fault, int client, const std::string &address) const {
   for (const auto &[id, rule] : rules_)
-    if (rule.standing () && rule.fault == fault && rule.client.matches (client, address))
+    if (rule.is_lasting () && rule.fault == fault && rule.client.matches (client, address))
       return true;
   return false;
 }
 
-bool Faults::stands (Fault fault) const {
+bool Faults::is_active (Fault fault) const {
   for (const auto &[id, rule] : rules_)
-    if (rule.standing () && rule.fault == fault)
+    if (rule.is_lasting () && rule.fault == fault)
       return true;
   return false;
 }
 
-void Faults::make_stand (const Rule &rule, int client) {
-  Rule standing;
-  standing.fault = rule.fault;
-  standing.for_ms = rule.for_ms;
+void Faults::start_lasting (const Rule &rule, int client) {
+  Rule lasting;
+  lasting.fault = rule.fault;
+  lasting.for_ms = rule.for_ms;
   const bool about_one = rule.fault == Fault::stop_reading || rule.fault == Fault::freeze;
   if (about_one && !rule.everyone)
-    standing.client.text = std::to_string (client);
-  add (std::move (standing));
+    lasting.client.text = std::to_string (client);
+  add (std::move (lasting));
 }
 
 void Faults::expire (int id, std::uint64_t after_ms) {

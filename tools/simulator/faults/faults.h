@@ -11,7 +11,7 @@
 
 namespace sim {
 
-/// The faults of one server: the rules that are set, and which of them strike. One thread.
+/// The faults of one server: the rules that are set, and which of them apply to a message. One thread.
 class Faults {
 public:
   Faults (asio::io_context &context, Random &random) : context_ (context), random_ (random) {}
@@ -26,25 +26,24 @@ public:
   std::vector<Rule> rules () const;
   bool none () const { return rules_.empty (); }
 
-  /// The rules that strike a command, or a report on its way to this client. Counts what it was asked.
-  std::vector<Rule> strike (const Glance &message, int client, const std::string &address);
+  /// The rules that apply to a command, or to a report for this client. Counts the message.
+  std::vector<Rule> select_rules (const MessageSummary &message, int client, const std::string &address);
 
-  /// Whether a standing rule of that fault is in effect for this client.
-  bool stands (Fault fault, int client, const std::string &address) const;
+  /// Whether a lasting rule of that fault is in effect for this client.
+  bool is_active (Fault fault, int client, const std::string &address) const;
   /// Whether one is in effect for everybody.
-  bool stands (Fault fault) const;
+  bool is_active (Fault fault) const;
 
-  /// Called when a rule about messages has affected one of this client. Starts the lasting effect of the
-  /// rule.
-  void make_stand (const Rule &rule, int client);
+  /// Starts the lasting effect of a rule about messages, which has been applied to one of this client.
+  void start_lasting (const Rule &rule, int client);
 
   Random &random () { return random_; }
 
-  /// Is called from the loop after rules have been added or removed.
+  /// Is called by the event loop after rules have been added or removed.
   std::function<void ()> changed;
 
 private:
-  bool takes_its_turn (Rule &rule);
+  bool is_due (Rule &rule);
   void expire (int id, std::uint64_t after_ms);
   void announce ();
 

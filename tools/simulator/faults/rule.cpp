@@ -27,7 +27,7 @@ constexpr std::string_view fault_names[] = {
 
 std::string text_of (const json &value) {
   if (!value.is_string ())
-    refuse (fmt::format ("{} is no text", value.dump ()));
+    refuse (fmt::format ("{} is not a text", value.dump ()));
   return value.get<std::string> ();
 }
 
@@ -41,7 +41,7 @@ Fault fault_of (const json &value) {
 std::uint64_t count_of (const json &value) {
   constexpr std::uint64_t most = 1'000'000'000'000;
   if (!value.is_number_unsigned () || value.get<std::uint64_t> () > most)
-    refuse (fmt::format ("{} is no whole number from 0 to {}", value.dump (), most));
+    refuse (fmt::format ("{} is not a whole number from 0 to {}", value.dump (), most));
   return value.get<std::uint64_t> ();
 }
 
@@ -53,7 +53,7 @@ bool flag_of (const json &value) {
 
 double chance_of (const json &value) {
   if (!value.is_number () || !(value.get<double> () >= 0 && value.get<double> () <= 1))
-    refuse (fmt::format ("{} is no number from 0 to 1", value.dump ()));
+    refuse (fmt::format ("{} is not a number from 0 to 1", value.dump ()));
   return value.get<double> ();
 }
 
@@ -71,14 +71,14 @@ std::pair<std::uint64_t, std::uint64_t> bounds_of (const json &value) {
 std::string channel_of (const json &value) {
   const std::string letter = text_of (value);
   if (letter.size () != 1 || letter[0] < 'A' || letter[0] > 'L')
-    refuse (fmt::format ("{} is no channel from A to L", value.dump ()));
+    refuse (fmt::format ("{} is not a channel from A to L", value.dump ()));
   return letter;
 }
 
 std::string base64_bytes (const json &value) {
   const std::optional<std::string> bytes = bytes_of_base64 (text_of (value));
   if (!bytes)
-    refuse (fmt::format ("{} is no base64", value.dump ()));
+    refuse (fmt::format ("{} is not base64", value.dump ()));
   return *bytes;
 }
 
@@ -86,7 +86,7 @@ void set_member (Rule &rule, const std::string &name, const json &value) {
   const std::map<std::string, std::function<void ()>> setters = {
       {"id", [] {}},
       {"seen", [] {}},
-      {"struck", [] {}},
+      {"applied", [] {}},
       {"fault", [&] { rule.fault = fault_of (value); }},
       {"command", [&] { rule.command = text_of (value); }},
       {"report", [&] { rule.report = text_of (value); }},
@@ -110,20 +110,20 @@ void set_member (Rule &rule, const std::string &name, const json &value) {
   };
   const auto setter = setters.find (name);
   if (setter == setters.end ())
-    refuse ("nothing is known of that member");
+    refuse ("there is no such member");
   setter->second ();
 }
 
-// Faults that need no message to strike.
-bool may_stand (Fault fault) {
+// Faults that need no message to select_rules.
+bool can_be_lasting (Fault fault) {
   return fault == Fault::reset || fault >= Fault::stop_reading;
 }
 
 void check (const Rule &rule) {
   if (!rule.command.empty () && !rule.report.empty ())
     refuse ("a rule is about a command or about a report, not about both");
-  if (rule.standing () && !may_stand (rule.fault))
-    refuse ("this fault needs a \"command\" or a \"report\" to strike");
+  if (rule.is_lasting () && !can_be_lasting (rule.fault))
+    refuse ("this fault needs a \"command\" or a \"report\" to select_rules");
   if (rule.command.empty () &&
       (rule.fault == Fault::refuse || rule.fault == Fault::wrong_kind || rule.fault == Fault::out_of_order))
     refuse ("this fault is about answers and needs a \"command\"");
@@ -154,7 +154,7 @@ std::string_view name_of (Fault fault) {
 }
 
 json Rule::as_json () const {
-  nlohmann::json out = {{"id", id}, {"fault", name_of (fault)}, {"seen", seen}, {"struck", struck}};
+  nlohmann::json out = {{"id", id}, {"fault", name_of (fault)}, {"seen", seen}, {"applied", applied}};
   const auto put = [&] (const char *name, const auto &value, bool wanted) {
     if (wanted)
       out[name] = value;
@@ -179,17 +179,17 @@ json Rule::as_json () const {
   return out;
 }
 
-bool Rule::concerns (const Glance &glance) const {
-  const std::string &wanted = glance.root == "cmd" ? command : report;
-  if (wanted.empty () || (wanted != "*" && wanted != glance.name))
+bool Rule::concerns (const MessageSummary &summary) const {
+  const std::string &wanted = summary.root == "cmd" ? command : report;
+  if (wanted.empty () || (wanted != "*" && wanted != summary.name))
     return false;
-  return channel.empty () || glance.channels.contains (channel);
+  return channel.empty () || summary.channels.contains (channel);
 }
 
 std::vector<Rule> rules_from (const json &source) {
   const json &list = source.is_object () && source.contains ("faults") ? source["faults"] : source;
   if (!list.is_array ())
-    refuse ("the faults are no list");
+    refuse ("the faults are not a list");
   std::vector<Rule> rules;
   for (const json &entry : list)
     try {

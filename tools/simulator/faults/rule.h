@@ -1,6 +1,6 @@
 #pragma once
 
-#include "faults/glance.h"
+#include "faults/message_summary.h"
 
 #include <cstdint>
 #include <nlohmann/json.hpp>
@@ -41,18 +41,18 @@ struct WhichClient {
   }
 };
 
-/// A fault with all that says when it strikes.
+/// A fault, with the conditions under which it is applied.
 struct Rule {
   /// Reads a rule. @throws std::runtime_error that says what is wrong with it.
   static Rule from (const nlohmann::json &json);
   nlohmann::json as_json () const;
 
-  /// Whether it strikes single messages; a standing rule has its effect for as long as it is there.
-  bool standing () const { return command.empty () && report.empty (); }
-  /// Whether it is about this command or report, whoever it belongs to.
-  bool concerns (const Glance &glance) const;
+  /// Whether it is in effect as long as it is set; the others are applied to single messages.
+  bool is_lasting () const { return command.empty () && report.empty (); }
+  /// Whether it is about this command or report, for any client.
+  bool concerns (const MessageSummary &summary) const;
 
-  int id = 0; ///< given by the list it stands in
+  int id = 0; ///< assigned by `Faults`
   Fault fault = Fault::refuse;
 
   // When.
@@ -60,9 +60,9 @@ struct Rule {
   std::string report;  ///< name of a report, `*` for all
   std::string channel; ///< letter; empty: any or none
   WhichClient client;
-  std::uint64_t nth = 0;            ///< only the n-th that would be struck; 0: each
+  std::uint64_t nth = 0;            ///< only the nth message that matches; 0: each
   double chance = 1;                ///< probability of each
-  std::uint64_t times = UINT64_MAX; ///< so often at most
+  std::uint64_t times = UINT64_MAX; ///< the most messages it is applied to
   std::uint64_t row = 1;            ///< which message of an answer of several
 
   // How.
@@ -73,12 +73,12 @@ struct Rule {
   std::optional<std::string> body;     ///< of `wrong_kind`
   std::optional<std::string> message;  ///< of `malformed`: any bytes
   std::optional<std::uint64_t> bytes;  ///< of `oversized`, `cut` and `pieces`
-  std::optional<std::uint64_t> for_ms; ///< how long a standing rule stays
+  std::optional<std::uint64_t> for_ms; ///< how long a lasting rule stays
   bool everyone = false;               ///< `stop_reading` and `freeze`: all clients instead of this one
 
-  // What has happened.
-  std::uint64_t seen = 0;   ///< messages it might have struck
-  std::uint64_t struck = 0; ///< messages it has struck
+  // Counts.
+  std::uint64_t seen = 0;    ///< messages that matched
+  std::uint64_t applied = 0; ///< messages it was applied to
 };
 
 /// The rules of a faults file: a list, or an object with the list as `faults`.

@@ -1,7 +1,7 @@
 #include "script/script.h"
 
 #include "control/state.h"
-#include "faults/glance.h"
+#include "faults/message_summary.h"
 
 #include <fmt/format.h>
 #include <fstream>
@@ -26,23 +26,23 @@ milliseconds milliseconds_of (const Json &json, const char *name, std::uint64_t 
   if (!json.contains (name))
     return milliseconds (otherwise);
   if (!json[name].is_number_unsigned () || json[name].get<std::uint64_t> () > most)
-    refuse (fmt::format ("\"{}\" is no whole number from 0 to {}", name, most));
+    refuse (fmt::format ("\"{}\" is not a whole number from 0 to {}", name, most));
   return milliseconds (json[name].get<std::uint64_t> ());
 }
 
 void check_members (const Json &json, const std::vector<std::string> &known) {
   if (!json.is_object ())
-    refuse (fmt::format ("{} is no object", json_text (json)));
+    refuse (fmt::format ("{} is not an object", json_text (json)));
   for (const auto &[name, value] : json.items ())
     if (std::find (known.begin (), known.end (), name) == known.end ())
-      refuse (fmt::format ("nothing is known of the member \"{}\"", name));
+      refuse (fmt::format ("there is no member \"{}\"", name));
 }
 
 std::string text_member (const Json &json, const char *name, const std::string &otherwise) {
   if (!json.contains (name))
     return otherwise;
   if (!json[name].is_string ())
-    refuse (fmt::format ("\"{}\" is no text", name));
+    refuse (fmt::format ("\"{}\" is not a text", name));
   return json[name].get<std::string> ();
 }
 
@@ -63,7 +63,7 @@ Script::Script (asio::io_context &context, ControlApi &api, const std::string &f
     const Json json = parse_json (file_text (file));
     const Json &steps = json.is_object () && json.contains ("steps") ? json["steps"] : json;
     if (!steps.is_array ())
-      refuse ("the steps are no list");
+      refuse ("the steps are not a list");
     for (const Json &step : steps)
       try {
         steps_.push_back (step_from (step));
@@ -122,11 +122,11 @@ Script::Pattern Script::pattern_from (const Json &json) {
   pattern.command = text_member (json, "command", "*");
   pattern.channel = text_member (json, "channel", "");
   if (json.contains ("client") && !json["client"].is_number_unsigned ())
-    refuse ("\"client\" is no number");
+    refuse ("\"client\" is not a number");
   pattern.client = json.value ("client", 0);
   pattern.arguments = json.value ("arguments", Json::object ());
   if (!pattern.arguments.is_object ())
-    refuse ("\"arguments\" is no object");
+    refuse ("\"arguments\" is not an object");
   return pattern;
 }
 
@@ -167,10 +167,10 @@ void Script::watch () {
   const bool found = find (step);
   const bool late = asio::steady_timer::clock_type::now () >= until_;
   if (found && !expects)
-    return fail (fmt::format ("a forbidden '{}' has come", step.pattern.command));
+    return fail (fmt::format ("a forbidden '{}' was sent", step.pattern.command));
   if (late && !found && expects)
-    return fail (
-        fmt::format ("no expected '{}' has come within {} ms", step.pattern.command, step.span.count ()));
+    return fail (fmt::format ("the expected '{}' was not sent within {} ms", step.pattern.command,
+                              step.span.count ()));
   if (found || late) {
     ++now_;
     return take_next ();
@@ -194,10 +194,10 @@ bool Script::find (const Step &step) {
 }
 
 bool Script::matches (const Pattern &pattern, const Journal::Entry &entry) {
-  const Glance glance = glance_at (entry.command);
-  if ((pattern.command != "*" && pattern.command != glance.name) ||
+  const MessageSummary summary = summary_of (entry.command);
+  if ((pattern.command != "*" && pattern.command != summary.name) ||
       (pattern.client != 0 && pattern.client != entry.client) ||
-      (!pattern.channel.empty () && !glance.channels.contains (pattern.channel)))
+      (!pattern.channel.empty () && !summary.channels.contains (pattern.channel)))
     return false;
   if (pattern.arguments.empty ())
     return true;

@@ -1,8 +1,8 @@
 #include "trace/proxy.h"
 
-#include "faults/line.h"
+#include "faults/fault_injector.h"
 #include "log.h"
-#include "trace/flow.h"
+#include "trace/buffered_socket.h"
 #include "trace/trace.h"
 
 #include <asio.hpp>
@@ -25,21 +25,22 @@ tcp::endpoint endpoint_of (const std::string &address) {
 }
 
 /// One client with its connection to the server.
-class Pair : public Endpoint, public std::enable_shared_from_this<Pair> {
+class ProxiedConnection : public Endpoint, public std::enable_shared_from_this<ProxiedConnection> {
 public:
-  Pair (asio::io_context &context, Faults &faults, Witness &witness, TraceWriter &trace, tcp::socket client,
-        int number, bool bends)
-      : context_ (context), trace_ (trace), number_ (number), bends_ (bends),
-        client_ (std::make_shared<Flow> (std::move (client))), to_server_ (context),
-        line_ (std::make_shared<Line> (context, faults, witness, *this, number, client_->peer ())) {}
+  ProxiedConnection (asio::io_context &context, Faults &faults, MessageObserver &observer, TraceWriter &trace,
+                     tcp::socket client, int number, bool has_faults)
+      : context_ (context), trace_ (trace), number_ (number), has_faults_ (has_faults),
+        client_ (std::make_shared<BufferedSocket> (std::move (client))), to_server_ (context),
+        injector_ (
+            std::make_shared<FaultInjector> (context, faults, observer, *this, number, client_->peer ())) {}
 
   void start (const std::string &server, std::function<void ()> ended) {
     ended_ = std::move (ended);
-    note ("open");
+    write_event ("open");
     to_server_.async_connect (endpoint_of (server),
                               [self = shared_from_this ()] (const asio::error_code &error) {
                                 if (error) {
-                                  self->note ("unreachable");
+                                  self->write_event ("unreachable");
                                   return self->end ();
                                 }
                                 self->join ();
@@ -49,54 +50,54 @@ public:
   void end () {
     if (std::exchange (over_, true))
       return;
-    line_->detach ();
-    for (Flow *flow : {client_.get (), server_.get ()})
-      if (flow)
-        flow->on_bytes = nullptr, flow->on_end = nullptr;
+    injector_->detach ();
+    for (BufferedSocket *socket : {client_.get (), server_.get ()})
+      if (socket)
+        socket->on_bytes = nullptr, socket->on_end = nullptr;
     write_rest (TraceLine::From::client, from_client_.rest ());
     write_rest (TraceLine::From::server, from_server_.rest ());
     client_->finish ();
     if (server_)
       server_->finish ();
-    note ("close");
+    write_event ("close");
     ended_ ();
   }
 
-  Line &line () { return *line_; }
+  FaultInjector &injector () { return *injector_; }
 
 private:
   void join () {
-    server_ = std::make_shared<Flow> (std::move (to_server_));
+    server_ = std::make_shared<BufferedSocket> (std::move (to_server_));
     const auto self = shared_from_this ();
     client_->on_bytes = [self] (std::string_view bytes) { self->take_from_client (bytes); };
     server_->on_bytes = [self] (std::string_view bytes) { self->take_from_server (bytes); };
     client_->on_end = server_->on_end = [self] { self->end_later (); };
     client_->start ();
     server_->start ();
-    line_->refresh ();
+    injector_->refresh ();
   }
 
   void take_from_client (std::string_view bytes) {
     from_client_.feed (bytes);
-    if (!bends_)
+    if (!has_faults_)
       server_->put (bytes);
     for (std::string message = from_client_.next (); !message.empty (); message = from_client_.next ()) {
-      if (!bends_)
+      if (!has_faults_)
         trace_.write ({TraceLine::From::client, number_, message});
-      else if (line_->receive (message))
+      else if (injector_->receive (message))
         server_->put (message);
     }
   }
 
   void take_from_server (std::string_view bytes) {
     from_server_.feed (bytes);
-    if (!bends_)
+    if (!has_faults_)
       client_->put (bytes);
     for (std::string message = from_server_.next (); !message.empty (); message = from_server_.next ()) {
-      if (!bends_)
+      if (!has_faults_)
         trace_.write ({TraceLine::From::server, number_, message});
       else
-        line_->send (message);
+        injector_->send (message);
     }
   }
 
@@ -108,7 +109,7 @@ private:
     trace_.write (line);
   }
 
-  void note (const char *event) {
+  void write_event (const char *event) {
     TraceLine line;
     line.connection = number_;
     line.event = event;
@@ -122,7 +123,7 @@ private:
     client_->reset ();
     end_later ();
   }
-  void let_read (bool allowed) override { client_->let_read (allowed); }
+  void allow_reading (bool allowed) override { client_->allow_reading (allowed); }
 
   void end_later () {
     asio::post (context_, [self = shared_from_this ()] { self->end (); });
@@ -131,18 +132,18 @@ private:
   asio::io_context &context_;
   TraceWriter &trace_;
   const int number_;
-  const bool bends_; ///< faults are put in: messages go one by one
-  const std::shared_ptr<Flow> client_;
-  std::shared_ptr<Flow> server_; ///< absent until it is reached
+  const bool has_faults_; ///< faults are put in: messages go one by one
+  const std::shared_ptr<BufferedSocket> client_;
+  std::shared_ptr<BufferedSocket> server_; ///< absent until it is reached
   tcp::socket to_server_;
-  const std::shared_ptr<Line> line_;
+  const std::shared_ptr<FaultInjector> injector_;
   Splitter from_client_{Splitter::Side::client};
   Splitter from_server_{Splitter::Side::server};
   std::function<void ()> ended_;
   bool over_ = false;
 };
 
-class Proxy : public Witness {
+class Proxy : public MessageObserver {
 public:
   Proxy (asio::io_context &context, const ProxyOptions &options)
       : context_ (context), options_ (options), acceptor_ (context), trace_ (options.trace),
@@ -154,9 +155,9 @@ public:
     open ();
   }
 
-  void received (int client, std::string_view command, const std::vector<Rule> &struck) override {
+  void received (int client, std::string_view command, const std::vector<Rule> &applied) override {
     TraceLine line{TraceLine::From::client, client, std::string (command)};
-    for (const Rule &rule : struck)
+    for (const Rule &rule : applied)
       line.faults.emplace_back (name_of (rule.fault));
     trace_.write (line);
   }
@@ -166,9 +167,9 @@ public:
   }
 
   void end_all () {
-    const std::map<int, std::shared_ptr<Pair>> present = pairs_;
-    for (const auto &[number, pair] : present)
-      pair->end ();
+    const std::map<int, std::shared_ptr<ProxiedConnection>> present = connections_;
+    for (const auto &[number, connection] : present)
+      connection->end ();
   }
 
 private:
@@ -185,27 +186,27 @@ private:
     acceptor_.async_accept ([this] (const asio::error_code &error, tcp::socket socket) {
       if (error)
         return;
-      const int number = ++greeted_;
-      const auto pair = std::make_shared<Pair> (context_, faults_, *this, trace_, std::move (socket), number,
-                                                !options_.faults.empty ());
-      pairs_[number] = pair;
-      pair->start (options_.server, [this, number] { pairs_.erase (number); });
+      const int number = ++last_number_;
+      const auto connection = std::make_shared<ProxiedConnection> (
+          context_, faults_, *this, trace_, std::move (socket), number, !options_.faults.empty ());
+      connections_[number] = connection;
+      connection->start (options_.server, [this, number] { connections_.erase (number); });
       accept ();
     });
   }
 
   void refresh () {
-    const bool away = faults_.stands (Fault::go_away);
-    const bool shut = away || faults_.stands (Fault::refuse_connections);
+    const bool away = faults_.is_active (Fault::go_away);
+    const bool shut = away || faults_.is_active (Fault::refuse_connections);
     if (shut && acceptor_.is_open ())
       acceptor_.close ();
     if (!shut && !acceptor_.is_open ())
       open ();
     if (away)
       end_all ();
-    const std::map<int, std::shared_ptr<Pair>> present = pairs_;
-    for (const auto &[number, pair] : present)
-      pair->line ().refresh ();
+    const std::map<int, std::shared_ptr<ProxiedConnection>> present = connections_;
+    for (const auto &[number, connection] : present)
+      connection->injector ().refresh ();
   }
 
   asio::io_context &context_;
@@ -214,8 +215,8 @@ private:
   TraceWriter trace_;
   Random random_;
   Faults faults_;
-  std::map<int, std::shared_ptr<Pair>> pairs_; ///< by number, until they end
-  int greeted_ = 0;
+  std::map<int, std::shared_ptr<ProxiedConnection>> connections_; ///< by number, until they end
+  int last_number_ = 0;
 };
 
 } // namespace
@@ -225,7 +226,7 @@ int run_proxy (const ProxyOptions &options) {
   asio::signal_set signals (context, SIGINT, SIGTERM);
   signals.async_wait ([&] (const asio::error_code &, int) { context.stop (); });
   Proxy proxy (context, options);
-  say (fmt::format ("listening on {}:{}", options.listen, port));
+  print_line (fmt::format ("listening on {}:{}", options.listen, port));
   context.run ();
   proxy.end_all ();
   return 0;

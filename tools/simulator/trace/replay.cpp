@@ -2,7 +2,7 @@
 
 #include "log.h"
 #include "options.h"
-#include "trace/flow.h"
+#include "trace/buffered_socket.h"
 #include "trace/trace.h"
 
 #include <asio.hpp>
@@ -38,18 +38,19 @@ std::string with_identifier (std::string_view message, std::string_view identifi
 }
 
 /// A connection that is played.
-class Part {
+class PlayedConnection {
 public:
   /// @param ended is called once: empty when all was played, else how the client departed
-  Part (std::deque<TraceLine> lines, std::shared_ptr<Flow> flow, std::function<void (std::string)> ended)
-      : lines_ (std::move (lines)), flow_ (std::move (flow)), ended_ (std::move (ended)) {
-    flow_->on_bytes = [this] (std::string_view bytes) { take (bytes); };
-    flow_->on_end = [this] { leave (); };
-    flow_->start ();
+  PlayedConnection (std::deque<TraceLine> lines, std::shared_ptr<BufferedSocket> client,
+                    std::function<void (std::string)> ended)
+      : lines_ (std::move (lines)), client_ (std::move (client)), ended_ (std::move (ended)) {
+    client_->on_bytes = [this] (std::string_view bytes) { take (bytes); };
+    client_->on_end = [this] { leave (); };
+    client_->start ();
     play ();
   }
 
-  ~Part () { flow_->on_bytes = nullptr, flow_->on_end = nullptr; }
+  ~PlayedConnection () { client_->on_bytes = nullptr, client_->on_end = nullptr; }
 
 private:
   void take (std::string_view bytes) {
@@ -64,7 +65,7 @@ private:
     while (!over_ && !lines_.empty ()) {
       const TraceLine &line = lines_.front ();
       if (line.from == TraceLine::From::server)
-        flow_->put (with_identifier (line.message, identifier_for (line.message)));
+        client_->put (with_identifier (line.message, identifier_for (line.message)));
       else if (line.from == TraceLine::From::client && !line.partial && !compare (line))
         return;
       lines_.pop_front ();
@@ -73,7 +74,7 @@ private:
     if (over_)
       return;
     if (!arrived_.empty ())
-      return depart (fmt::format ("the trace has ended, and the client sends {}", arrived_.front ()));
+      return fail (fmt::format ("the trace has ended, and the client sends {}", arrived_.front ()));
     end ("");
   }
 
@@ -84,7 +85,7 @@ private:
     const std::string message = std::move (arrived_.front ());
     arrived_.pop_front ();
     if (with_identifier (message, "") != with_identifier (line.message, "")) {
-      depart (fmt::format ("instead of {} the client sends {}", line.message, message));
+      fail (fmt::format ("instead of {} the client sends {}", line.message, message));
       return false;
     }
     identifiers_[std::string (identifier_of (line.message))] = identifier_of (message);
@@ -100,21 +101,21 @@ private:
   void leave () {
     for (const TraceLine &line : lines_)
       if (line.from == TraceLine::From::client && !line.partial)
-        return depart (fmt::format ("instead of {} the client goes", line.message));
+        return fail (fmt::format ("instead of {} the client disconnects", line.message));
     end ("");
   }
 
-  void depart (const std::string &how) { end (fmt::format ("line {}: {}", place_ + 1, how)); }
+  void fail (const std::string &how) { end (fmt::format ("line {}: {}", place_ + 1, how)); }
 
   void end (const std::string &problem) {
     if (std::exchange (over_, true))
       return;
-    flow_->finish ();
+    client_->finish ();
     ended_ (problem);
   }
 
   std::deque<TraceLine> lines_;
-  const std::shared_ptr<Flow> flow_;
+  const std::shared_ptr<BufferedSocket> client_;
   const std::function<void (std::string)> ended_;
   Splitter from_client_{Splitter::Side::client};
   std::deque<std::string> arrived_;
@@ -143,11 +144,11 @@ int run_replay (const ReplayOptions &options) {
   std::deque<std::deque<TraceLine>> connections = connections_of (options.trace);
   std::size_t left = connections.size ();
   int status = 0, number = 0;
-  std::vector<std::unique_ptr<Part>> parts;
+  std::vector<std::unique_ptr<PlayedConnection>> played;
   const auto ended = [&] (int part, const std::string &problem) {
     if (!problem.empty ()) {
-      complain (fmt::format ("connection {}, {}", part, problem));
-      status = status_departed;
+      print_error (fmt::format ("connection {}, {}", part, problem));
+      status = status_unexpected;
     }
     if (--left == 0 || status != 0)
       asio::post (context, [&] { context.stop (); });
@@ -160,15 +161,15 @@ int run_replay (const ReplayOptions &options) {
       if (!connections.empty ()) {
         std::deque<TraceLine> lines = std::move (connections.front ());
         connections.pop_front ();
-        parts.push_back (std::make_unique<Part> (
-            std::move (lines), std::make_shared<Flow> (std::move (socket)),
+        played.push_back (std::make_unique<PlayedConnection> (
+            std::move (lines), std::make_shared<BufferedSocket> (std::move (socket)),
             [&, part = ++number] (const std::string &problem) { ended (part, problem); }));
       }
       accept ();
     });
   };
   accept ();
-  say (fmt::format ("listening on {}:{}", options.listen, port));
+  print_line (fmt::format ("listening on {}:{}", options.listen, port));
   if (left > 0)
     context.run ();
   return status;

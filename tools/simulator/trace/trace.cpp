@@ -52,7 +52,7 @@ TraceLine line_of (const Json &json) {
   }
   const auto bytes = bytes_of_base64 (json["base64"].get<std::string> ());
   if (!bytes)
-    refuse ("\"base64\" is no base64");
+    refuse ("\"base64\" is not base64");
   line.message = *bytes;
   return line;
 }

@@ -15,7 +15,7 @@ struct TraceLine {
   std::string message{};             ///< any bytes
   bool partial = false;              ///< the connection ended before the message did
   std::string event{};               ///< `open`, `close` or `unreachable`, when it is no message
-  std::vector<std::string> faults{}; ///< names of those that have struck it
+  std::vector<std::string> faults{}; ///< names of those that have applied it
 };
 
 /// Writes a trace, line by line. One thread.

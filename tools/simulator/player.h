@@ -1,7 +1,7 @@
 #pragma once
 
-#include "channel.h"
 #include "items.h"
+#include "transport.h"
 
 #include <optional>
 #include <string>
@@ -18,10 +18,10 @@ struct LoadedList {
   std::optional<Transition> transition; ///< for items that have none of their own
   std::vector<Item> items;
   std::optional<std::size_t> now, next;
-  bool next_stands = false; ///< the next item is cued and not played
+  bool next_only_cued = false; ///< the next item is cued and not played
   int loop = loop_off;
   bool modified = false;
-  std::optional<Item> bed; ///< what is shown, over and over, when the list has come to its end
+  std::optional<Item> bed; ///< what is repeated after the end of the list
 };
 
 /// Who has taken a channel for transfers.
@@ -31,8 +31,8 @@ struct Steal {
   std::string name;
 };
 
-/// A channel with what is attached to it.
-struct Deck : Channel {
+/// One channel of the server: its transport, its lists and who has taken it for transfers.
+struct Player : Transport {
   std::optional<LoadedList> list;
   std::optional<LoadedList> chase;
   std::optional<int> preview; ///< the channel that shows what comes next
@@ -49,7 +49,7 @@ struct Deck : Channel {
 
 class World;
 
-// What happens to decks, and what follows from it: stamps of clips, precued clips, lists.
+// Actions on channels, with their effects on stamps of clips, precued clips and lists.
 
 /// The content of the clip of that name. @throws Refusal when there is no such clip.
 Content clip_content (World &world, const std::string &name);
@@ -70,7 +70,7 @@ void stop (World &world, int channel);
 /// @throws Refusal when nothing is precued.
 void switch_to_precued (World &world, int channel);
 
-/// The channel has come to the end of what it plays.
+/// Continues after a channel has reached the end of what it plays.
 void reach_end (World &world, int channel);
 
 /// How `take` puts the next item of the list, or the precued clip, on air.

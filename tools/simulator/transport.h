@@ -13,7 +13,7 @@ namespace sim {
 
 enum class Source { nothing, clip, vclip, live };
 
-/// What can be loaded on a channel: a length of pictures with a name.
+/// What can be loaded on a channel: a clip, a virtual clip or the live input.
 struct Content {
   Source source = Source::nothing;
   std::string name;
@@ -29,16 +29,16 @@ struct Content {
   bool drop_frame = false;
 };
 
-/// Content with all that was said about how to show it.
+/// Content, and how to show it.
 struct Cue {
   Content content;
   std::uint32_t in = 0;
-  std::optional<std::uint32_t> out; ///< the last field to show; absent: the last there is
+  std::optional<std::uint32_t> out; ///< the last field to show; absent: that of the content
   int angle = 0;
   int loop = loop_off;
   int playback = 0;
   std::uint32_t loop_in = 0;
-  std::optional<std::uint32_t> loop_out; ///< the last field of the loop; absent: the last there is
+  std::optional<std::uint32_t> loop_out; ///< the last field of the loop; absent: that of the content
 };
 
 struct Precued {
@@ -46,19 +46,19 @@ struct Precued {
   int condition = precue_explicit;
 };
 
-/// A clip that has been recorded into, and whose new length is not yet stored.
+/// A recording whose new length is not yet stored in the clip.
 struct Recording {
   std::string clip;
   std::uint32_t length = 0;
   std::uint32_t stored_length = 0;
-  bool was_refused = false; ///< it could not be stored when it ended
+  bool was_refused = false; ///< storing it failed when it ended
 
   std::uint32_t growth () const { return length - stored_length; }
 };
 
-/// The motion of one channel: where it is, where it goes, what waits behind. It knows no other channel and no
-/// clip but what is loaded; positions are fields, both ends of a range belong to it.
-class Channel {
+/// The transport of one channel: position, speed, loops, recording and precued clips. It does not use other
+/// channels or stored clips. Positions are fields. Both ends of a range are part of it.
+class Transport {
 public:
   bool loaded () const { return cue.content.source != Source::nothing; }
   std::uint32_t position () const { return static_cast<std::uint32_t> (place_ >> 16); }
@@ -67,28 +67,29 @@ public:
   bool playing () const { return playing_; }
   bool recording () const;
   int status () const;
-  /// The speed the channel goes at now, with the direction of a ping-pong; 0 when it stands.
+  /// The speed the channel goes at now, with the direction of a ping-pong; 0 when it does not move.
   Fixed speed () const;
-  /// The speed the channel goes at as soon as it has cued; 0 when it stands.
+  /// The speed the channel goes at as soon as it has cued; 0 when it does not move.
   Fixed speed_when_cued () const;
   bool in_transition () const { return transition_left_ > 0; }
 
-  /// Shows the first field of the cue one field later, and no longer records: nobody has armed it for this
-  /// clip.
+  /// Loads a cue and shows its first field one field later. Clears the edit mask: a new clip is not recorded
+  /// until a client sets the mask again.
   void load (const Cue &what);
-  /// The cue that is about to stand is there at once, as after a change of clips on the air.
+  /// Ends the cueing at once, as when clips change on air.
   void skip_cueing () { cueing_left_ = 0; }
   void unload ();
-  /// What is loaded has changed by itself, in length for example. A recording into it is stored up to here.
+  /// Takes over a change of the loaded clip, for example of its length. Restarts the recording into it: what
+  /// was recorded before is stored.
   void renew (const Content &content);
   void play (Fixed speed);
   void stop ();
-  /// Goes to a field and stands there. Both go no further than the ends.
+  /// Goes to a field and stops. Both stop at the ends of what is loaded.
   void go_to (std::uint32_t field);
   void jog (std::int32_t distance);
   void start_transition (std::uint32_t fields) { transition_left_ = fields; }
 
-  /// One field goes by. @return whether the end of what is loaded was reached in this field
+  /// Moves by one field. @return whether it reached the end of what is loaded
   bool pass_field ();
 
   Cue cue;
@@ -100,8 +101,8 @@ public:
 
 private:
   struct Range {
-    std::int64_t low;  ///< the first place
-    std::int64_t high; ///< the place behind the last
+    std::int64_t low;  ///< the first position
+    std::int64_t high; ///< the position after the last
   };
   Range fields (std::uint32_t first, std::uint32_t last) const;
   Range loop_range () const;
@@ -114,11 +115,11 @@ private:
   bool record (std::int64_t next);
   std::int64_t behind_out () const;
 
-  std::int64_t place_ = 0; ///< 16 bits behind the point
+  std::int64_t place_ = 0; ///< in fields, with 16 fractional bits
   Fixed speed_ = fixed_one;
   bool playing_ = false;
-  bool backwards_ = false; ///< the way back of a ping-pong
-  int cueing_left_ = 0;    ///< fields until the picture stands
+  bool backwards_ = false; ///< the second half of a ping-pong
+  int cueing_left_ = 0;    ///< fields until the cue is done
   std::uint32_t transition_left_ = 0;
 };
 

@@ -1,4 +1,4 @@
-#include "faults/glance.h"
+#include "faults/message_summary.h"
 
 #include <pugixml.hpp>
 
@@ -16,20 +16,20 @@ void collect_channels (const pugi::xml_node &node, std::set<std::string> &channe
 
 } // namespace
 
-Glance glance_at (std::string_view message) {
-  Glance glance;
+MessageSummary summary_of (std::string_view message) {
+  MessageSummary summary;
   pugi::xml_document document;
   if (!document.load_buffer (message.data (), message.size (), pugi::parse_default, pugi::encoding_utf8))
-    return glance;
+    return summary;
   const pugi::xml_node root = document.first_child ();
-  glance.root = root.name ();
+  summary.root = root.name ();
   for (const pugi::xml_node &child : root.children ())
     if (std::string_view (child.name ()) == "xid")
-      glance.xid = child.text ().get ();
-    else if (glance.name.empty ())
-      glance.name = child.name ();
-  collect_channels (root, glance.channels);
-  return glance;
+      summary.xid = child.text ().get ();
+    else if (summary.name.empty ())
+      summary.name = child.name ();
+  collect_channels (root, summary.channels);
+  return summary;
 }
 
 } // namespace sim

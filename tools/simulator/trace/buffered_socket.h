@@ -11,9 +11,9 @@ namespace sim {
 
 /// One end of a connection. It passes on what it receives and queues what is to be sent. One thread. It lives
 /// while somebody holds it or a read or write is under way.
-class Flow : public std::enable_shared_from_this<Flow> {
+class BufferedSocket : public std::enable_shared_from_this<BufferedSocket> {
 public:
-  explicit Flow (asio::ip::tcp::socket socket) : socket_ (std::move (socket)) {}
+  explicit BufferedSocket (asio::ip::tcp::socket socket) : socket_ (std::move (socket)) {}
 
   std::function<void (std::string_view bytes)> on_bytes;
   std::function<void ()> on_end; ///< is called once, when the other side has ended or been lost
@@ -25,7 +25,7 @@ public:
   void close ();
   void reset ();
   /// Whether bytes are read.
-  void let_read (bool allowed);
+  void allow_reading (bool allowed);
 
   std::string peer () const;
 
@@ -36,8 +36,8 @@ private:
 
   asio::ip::tcp::socket socket_;
   std::array<char, 16384> received_{};
-  std::string waiting_; ///< not yet handed to the socket
-  std::string going_;   ///< what the write under way refers to
+  std::string waiting_;       ///< not yet handed to the socket
+  std::string being_written_; ///< what the write under way refers to
   bool reading_ = false;
   bool writing_ = false;
   bool may_read_ = true;

@@ -1,16 +1,16 @@
-#include "trace/flow.h"
+#include "trace/buffered_socket.h"
 
 #include <utility>
 
 namespace sim {
 
-void Flow::start () {
+void BufferedSocket::start () {
   asio::error_code ignored;
   socket_.set_option (asio::ip::tcp::no_delay (true), ignored);
   read ();
 }
 
-void Flow::read () {
+void BufferedSocket::read () {
   if (reading_ || !may_read_ || !socket_.is_open ())
     return;
   reading_ = true;
@@ -25,26 +25,26 @@ void Flow::read () {
                            });
 }
 
-void Flow::end () {
+void BufferedSocket::end () {
   if (const auto ended = std::exchange (on_end, nullptr))
     ended ();
 }
 
-void Flow::put (std::string_view bytes) {
+void BufferedSocket::put (std::string_view bytes) {
   waiting_ += bytes;
   if (!writing_)
     write ();
 }
 
-void Flow::write () {
+void BufferedSocket::write () {
   if (!socket_.is_open ())
     return;
   writing_ = true;
-  going_.swap (waiting_);
-  asio::async_write (socket_, asio::buffer (going_),
+  being_written_.swap (waiting_);
+  asio::async_write (socket_, asio::buffer (being_written_),
                      [self = shared_from_this ()] (const asio::error_code &error, std::size_t) {
                        self->writing_ = false;
-                       self->going_.clear ();
+                       self->being_written_.clear ();
                        if (error)
                          self->end ();
                        else if (!self->waiting_.empty ())
@@ -54,29 +54,29 @@ void Flow::write () {
                      });
 }
 
-void Flow::finish () {
+void BufferedSocket::finish () {
   finishing_ = true;
   if (!writing_)
     close ();
 }
 
-void Flow::close () {
+void BufferedSocket::close () {
   asio::error_code ignored;
   socket_.close (ignored);
 }
 
-void Flow::reset () {
+void BufferedSocket::reset () {
   asio::error_code ignored;
   socket_.set_option (asio::ip::tcp::socket::linger (true, 0), ignored);
   close ();
 }
 
-void Flow::let_read (bool allowed) {
+void BufferedSocket::allow_reading (bool allowed) {
   may_read_ = allowed;
   read ();
 }
 
-std::string Flow::peer () const {
+std::string BufferedSocket::peer () const {
   asio::error_code error;
   const auto endpoint = socket_.remote_endpoint (error);
   return error ? "" : endpoint.address ().to_string ();

@@ -19,9 +19,9 @@ struct Connection {
 };
 
 /// A running server as it is steered from outside. One thread.
-class Steered {
+class SteeredServer {
 public:
-  virtual ~Steered () = default;
+  virtual ~SteeredServer () = default;
 
   virtual World &world () = 0;
   virtual Faults &faults () = 0;

@@ -1,4 +1,4 @@
-#include "deck.h"
+#include "player.h"
 
 #include "listplay.h"
 #include "log.h"
@@ -17,7 +17,7 @@ constexpr std::uint32_t usual_dissolve = 50; // fields
 void check_place (const Cue &cue, std::optional<std::uint32_t> place) {
   const std::uint32_t last = cue.content.length == 0 ? 0 : cue.content.length - 1;
   if (place && *place > last)
-    throw Refusal (fmt::format ("Position {} lies beyond the end of '{}', which has {} fields", *place,
+    throw Refusal (fmt::format ("Position {} is beyond the end of '{}', which has {} fields", *place,
                                 cue.content.name, cue.content.length));
 }
 
@@ -105,61 +105,61 @@ void check_cue (const Cue &cue) {
 
 void load (World &world, int channel, const Cue &cue) {
   check_cue (cue);
-  Deck &deck = world.deck (channel);
-  if (deck.cue.content.source == Source::clip)
-    world.clips.touch (deck.cue.content.name, "unloaded_stamp");
-  deck.load (cue);
+  Player &player = world.player_to_change (channel);
+  if (player.cue.content.source == Source::clip)
+    world.clips.touch (player.cue.content.name, "unloaded_stamp");
+  player.load (cue);
   close_recording (world, channel);
   if (cue.content.source == Source::clip)
     world.clips.touch (cue.content.name, "loaded_stamp");
 }
 
 void unload (World &world, int channel) {
-  Deck &deck = world.deck (channel);
-  if (deck.cue.content.source == Source::clip)
-    world.clips.touch (deck.cue.content.name, "unloaded_stamp");
-  deck.unload ();
+  Player &player = world.player_to_change (channel);
+  if (player.cue.content.source == Source::clip)
+    world.clips.touch (player.cue.content.name, "unloaded_stamp");
+  player.unload ();
   close_recording (world, channel);
 }
 
 void play (World &world, int channel, Fixed speed) {
-  Deck &deck = world.deck (channel);
-  if (!deck.loaded ())
+  Player &player = world.player_to_change (channel);
+  if (!player.loaded ())
     throw Refusal (fmt::format ("Nothing is loaded on channel {}", word_at ("Channel", channel)));
   check_recording (world, channel, speed);
-  deck.play (speed);
-  if (deck.cue.content.source == Source::clip)
-    world.clips.touch (deck.cue.content.name, "played_stamp");
+  player.play (speed);
+  if (player.cue.content.source == Source::clip)
+    world.clips.touch (player.cue.content.name, "played_stamp");
 }
 
 void stop (World &world, int channel) {
-  Deck &deck = world.deck (channel);
-  const bool was_playing = deck.playing ();
-  deck.stop ();
-  if (was_playing && !deck.precued.empty () && deck.precued.front ().condition == precue_previous_stops)
+  Player &player = world.player_to_change (channel);
+  const bool was_playing = player.playing ();
+  player.stop ();
+  if (was_playing && !player.precued.empty () && player.precued.front ().condition == precue_previous_stops)
     switch_to_precued (world, channel);
 }
 
 void switch_to_precued (World &world, int channel) {
-  Deck &deck = world.deck (channel);
-  if (deck.precued.empty ())
+  Player &player = world.player_to_change (channel);
+  if (player.precued.empty ())
     throw Refusal (fmt::format ("Nothing is precued on channel {}", word_at ("Channel", channel)));
-  Cue cue = deck.precued.front ().cue;
-  deck.precued.pop_front ();
+  Cue cue = player.precued.front ().cue;
+  player.precued.pop_front ();
   cue.content = clip_content (world, cue.content.name);
-  const bool was_playing = deck.playing ();
-  const Fixed speed = deck.speed_when_cued ();
+  const bool was_playing = player.playing ();
+  const Fixed speed = player.speed_when_cued ();
   load (world, channel, cue);
-  deck.skip_cueing ();
+  player.skip_cueing ();
   if (was_playing)
     play (world, channel, speed);
 }
 
 void reach_end (World &world, int channel) {
-  Deck &deck = world.deck (channel);
+  Player &player = world.player_to_change (channel);
   if (end_item (world, channel))
     return;
-  const int condition = deck.precued.empty () ? precue_explicit : deck.precued.front ().condition;
+  const int condition = player.precued.empty () ? precue_explicit : player.precued.front ().condition;
   if (condition == precue_end_of_clip || condition == precue_end_of_clip2)
     switch_to_precued (world, channel);
   else
@@ -167,35 +167,35 @@ void reach_end (World &world, int channel) {
 }
 
 void take (World &world, int channel, const Take &how) {
-  Deck &deck = world.deck (channel);
-  const bool was_playing = deck.playing ();
-  const Fixed speed = deck.speed_when_cued ();
-  if (deck.list && deck.list->next)
+  Player &player = world.player_to_change (channel);
+  const bool was_playing = player.playing ();
+  const Fixed speed = player.speed_when_cued ();
+  if (player.list && player.list->next)
     take_next (world, channel);
   else
     switch_to_precued (world, channel);
   if (how.follow) {
-    deck.stop ();
+    player.stop ();
     go_on (world, channel, *how.follow, was_playing, speed);
   }
   if (how.transition.type == transition_dissolve)
-    deck.start_transition (how.transition.duration.value_or (usual_dissolve));
+    player.start_transition (how.transition.duration.value_or (usual_dissolve));
 }
 
 void check_recording (const World &world, int channel, Fixed speed) {
-  const Deck &deck = world.seen (channel);
-  const Content &content = deck.cue.content;
-  if (deck.edit_mask == 0 || content.source != Source::clip)
+  const Player &player = world.player (channel);
+  const Content &content = player.cue.content;
+  if (player.edit_mask == 0 || content.source != Source::clip)
     return;
   if (world.clips.find (content.name).read_only_content)
     throw Refusal (fmt::format ("Clip '{}' is read-only", content.name));
   if (speed != fixed_one)
     throw Refusal ("A recording runs at normal speed only");
-  if (deck.unstored && deck.unstored->clip != content.name)
-    throw Refusal (fmt::format ("The recording of '{}' is not yet stored", deck.unstored->clip));
+  if (player.unstored && player.unstored->clip != content.name)
+    throw Refusal (fmt::format ("The recording of '{}' is not yet stored", player.unstored->clip));
   for (int other = 0; other < channel_count; ++other)
-    if (other != channel && world.seen (other).recording () &&
-        world.seen (other).cue.content.name == content.name)
+    if (other != channel && world.player (other).recording () &&
+        world.player (other).cue.content.name == content.name)
       throw Refusal (fmt::format ("Clip '{}' is being recorded on channel {}", content.name,
                                   word_at ("Channel", other)));
   if (world.available_space () < field_size)
@@ -216,7 +216,7 @@ bool store_recording (World &world, const Recording &done) {
 
 // It is tried again every second.
 void keep_recording (World &world, int channel, std::string_view why) {
-  Recording &recording = *world.deck (channel).unstored;
+  Recording &recording = *world.player_to_change (channel).unstored;
   if (!std::exchange (recording.was_refused, true))
     world.log (fmt::format ("the recording of '{}' is stored later: {}", recording.clip, why));
 }
@@ -224,9 +224,9 @@ void keep_recording (World &world, int channel, std::string_view why) {
 } // namespace
 
 void close_recording (World &world, int channel) {
-  if (!world.seen (channel).has_ended_recording ())
+  if (!world.player (channel).has_ended_recording ())
     return;
-  const Recording done = *world.seen (channel).unstored;
+  const Recording done = *world.player (channel).unstored;
   bool exists = false;
   try {
     exists = store_recording (world, done);
@@ -234,7 +234,7 @@ void close_recording (World &world, int channel) {
     keep_recording (world, channel, refusal.what ());
     return;
   }
-  world.deck (channel).unstored.reset ();
+  world.player_to_change (channel).unstored.reset ();
   if (!exists)
     return;
   world.renew_clip (done.clip, done.clip);

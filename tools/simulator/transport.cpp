@@ -1,4 +1,4 @@
-#include "channel.h"
+#include "transport.h"
 
 #include <algorithm>
 #include <limits>
@@ -11,15 +11,15 @@ constexpr int every_track = 0x3FF;
 
 } // namespace
 
-std::uint32_t Channel::last_field () const {
+std::uint32_t Transport::last_field () const {
   return cue.content.length == 0 ? 0 : cue.content.length - 1;
 }
 
-bool Channel::recording () const {
+bool Transport::recording () const {
   return playing_ && edit_mask != 0 && cue.content.source == Source::clip;
 }
 
-int Channel::status () const {
+int Transport::status () const {
   if (!loaded ())
     return status_idle;
   if (cueing_left_ > 0)
@@ -31,17 +31,17 @@ int Channel::status () const {
   return cue.content.source == Source::live ? status_timedelay : status_play;
 }
 
-Fixed Channel::speed () const {
+Fixed Transport::speed () const {
   return cueing_left_ > 0 ? 0 : speed_when_cued ();
 }
 
-Fixed Channel::speed_when_cued () const {
+Fixed Transport::speed_when_cued () const {
   if (!playing_)
     return 0;
   return backwards_ && speed_ != std::numeric_limits<Fixed>::min () ? -speed_ : speed_;
 }
 
-void Channel::load (const Cue &what) {
+void Transport::load (const Cue &what) {
   cue = what;
   place_ = std::int64_t{cue.in} << 16;
   playing_ = false;
@@ -51,7 +51,7 @@ void Channel::load (const Cue &what) {
   edit_mask = 0;
 }
 
-void Channel::unload () {
+void Transport::unload () {
   cue = {};
   place_ = 0;
   playing_ = false;
@@ -61,45 +61,45 @@ void Channel::unload () {
   precued.clear ();
 }
 
-void Channel::renew (const Content &content) {
+void Transport::renew (const Content &content) {
   if (unstored && unstored->clip == content.name)
     unstored = Recording{content.name, content.length, content.length};
   cue.content = content;
   place_ = std::min (place_, std::int64_t{last_field ()} << 16);
 }
 
-void Channel::play (Fixed speed) {
+void Transport::play (Fixed speed) {
   playing_ = true;
   backwards_ = false;
   speed_ = speed;
 }
 
-void Channel::stop () {
+void Transport::stop () {
   playing_ = false;
 }
 
-void Channel::go_to (std::uint32_t field) {
+void Transport::go_to (std::uint32_t field) {
   playing_ = false;
   place_ = std::int64_t{std::min (field, last_field ())} << 16;
 }
 
-void Channel::jog (std::int32_t distance) {
+void Transport::jog (std::int32_t distance) {
   const std::int64_t field =
       std::clamp<std::int64_t> (std::int64_t{position ()} + distance, 0, last_field ());
   go_to (static_cast<std::uint32_t> (field));
 }
 
-Channel::Range Channel::fields (std::uint32_t first, std::uint32_t last) const {
+Transport::Range Transport::fields (std::uint32_t first, std::uint32_t last) const {
   last = std::min (last, last_field ());
   return {std::int64_t{std::min (first, last)} << 16, (std::int64_t{last} + 1) << 16};
 }
 
-Channel::Range Channel::loop_range () const {
+Transport::Range Transport::loop_range () const {
   const std::uint32_t out = cue.loop_out.value_or (last_field ());
   return cue.loop_in <= out ? fields (cue.loop_in, out) : fields (0, last_field ());
 }
 
-bool Channel::pass_field () {
+bool Transport::pass_field () {
   if (transition_left_ > 0)
     --transition_left_;
   if (cueing_left_ > 0) {
@@ -109,7 +109,7 @@ bool Channel::pass_field () {
   return playing_ && move ();
 }
 
-bool Channel::move () {
+bool Transport::move () {
   const std::int64_t next = place_ + speed ();
   if (recording ())
     return record (next);
@@ -126,17 +126,17 @@ bool Channel::move () {
 }
 
 // A clip precued for the end of this one whatever happens ends the loop.
-bool Channel::loops () const {
+bool Transport::loops () const {
   const bool awaited = !precued.empty () && precued.front ().condition == precue_end_of_clip2;
   return cue.loop != loop_off && cue.loop != loop_auto && !awaited;
 }
 
 // What lies outside the loop is played up to the loop in these modes, and skipped in the others.
-bool Channel::enters_freely () const {
+bool Transport::enters_freely () const {
   return cue.loop == loop_to || cue.loop == loop_pingpong_to;
 }
 
-bool Channel::move_in_loop (std::int64_t next, Range whole) {
+bool Transport::move_in_loop (std::int64_t next, Range whole) {
   const Range range = loop_range ();
   const bool inside = place_ >= range.low && place_ < range.high;
   if (!inside && !enters_freely ()) {
@@ -154,26 +154,26 @@ bool Channel::move_in_loop (std::int64_t next, Range whole) {
   return false;
 }
 
-void Channel::wrap (std::int64_t next, Range range) {
+void Transport::wrap (std::int64_t next, Range range) {
   const std::int64_t span = range.high - range.low;
   const std::int64_t beyond = (next - range.low) % span;
   place_ = range.low + (beyond < 0 ? beyond + span : beyond);
 }
 
-void Channel::reflect (std::int64_t next, Range range) {
+void Transport::reflect (std::int64_t next, Range range) {
   const std::int64_t last = range.high - fixed_one;
   backwards_ = !backwards_;
   place_ = std::clamp (next < range.low ? 2 * range.low - next : 2 * last - next, range.low, last);
 }
 
 // The place behind the out point; without one, behind every place.
-std::int64_t Channel::behind_out () const {
+std::int64_t Transport::behind_out () const {
   return cue.out ? (std::int64_t{*cue.out} + 1) << 16 : std::numeric_limits<std::int64_t>::max ();
 }
 
 // A recording ends at the out point. It goes on behind the end of the clip, which grows, and through all
 // loops.
-bool Channel::record (std::int64_t next) {
+bool Transport::record (std::int64_t next) {
   constexpr std::int64_t most_fields = 0xFFFFFFFF;
   if (!unstored)
     unstored = Recording{cue.content.name, cue.content.length, cue.content.length};

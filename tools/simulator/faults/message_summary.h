@@ -7,13 +7,13 @@
 namespace sim {
 
 /// What a message of either direction is, without looking at its values.
-struct Glance {
+struct MessageSummary {
   std::string root; ///< `cmd`, `reply` or `report`; empty when the message cannot be read
   std::string xid;
   std::string name;               ///< the command, or the body of a reply or report
   std::set<std::string> channels; ///< the letters of all channels it names
 };
 
-Glance glance_at (std::string_view message);
+MessageSummary summary_of (std::string_view message);
 
 } // namespace sim
