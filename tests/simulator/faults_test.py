@@ -331,7 +331,7 @@ class Files(unittest.TestCase):
         self.assertBad('[{"fault": "refuse", "report": "channel_status"}]', 'needs a "command"')
         self.assertBad('[{"fault": "refuse", "command": "play", "channel": "a"}]', "not a channel from A to L")
         self.assertBad('[{"fault": "refuse", "command": "play", "chance": 1.5}]', "not a number from 0 to 1")
-        self.assertBad('[{"fault": "malformed", "command": "play", "message_base64": "?"}]', "no base64")
+        self.assertBad('[{"fault": "malformed", "command": "play", "message_base64": "?"}]', "not base64")
 
     def test_a_file_that_is_not_there(self):
         with self.assertRaisesRegex(RuntimeError, "cannot be read"):
