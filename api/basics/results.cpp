@@ -2,10 +2,12 @@
 
 #include "platform/threads.h"
 
+#include <utility>
+
 namespace {
 
-/// The texts of the codes, made once so that recording one of them allocates nothing but a
-/// thread's first entry.
+/// The texts of the codes, made once so that recording one of them allocates nothing but a thread's first
+/// entry.
 struct FixedTexts {
   const AString by_code[ORVA_WRITE_ONLY + 1] = {
       "OK",
@@ -19,30 +21,50 @@ struct FixedTexts {
   };
 };
 
+// Found in the table once, because asking the system for the number of a thread is slow.
+thread_local LastText *this_threads_text = nullptr;
+
+LastText &last_text () {
+  if (this_threads_text == nullptr)
+    this_threads_text = &LastErrorTable::instance ().of (platform::thread_number ());
+  return *this_threads_text;
+}
+
 ResultCode fixed_result (ResultCode code) {
-  return make_result (code, result_text (code));
+  last_text ().record_constant (result_text (code));
+  return code;
 }
 
 } // namespace
+
+void LastText::record (const AString &text) {
+  AString replaced = text;
+  {
+    const ShortScope hold (lock_);
+    std::swap (own_, replaced);
+  }
+  constant_.store (nullptr, std::memory_order_release);
+}
+
+AString LastText::text () const {
+  if (const AString *constant = constant_.load (std::memory_order_acquire))
+    return *constant;
+  const ShortScope hold (lock_);
+  return own_;
+}
 
 LastErrorTable &LastErrorTable::instance () {
   static LastErrorTable &table = *new LastErrorTable;
   return table;
 }
 
-void LastErrorTable::record (uint32_t thread, const AString &text) {
-  const AMutexScope hold (lock_);
-  texts_[thread] = text;
-}
-
-AString LastErrorTable::text (uint32_t thread) const {
-  const AMutexScope hold (lock_);
-  const auto found = texts_.find (thread);
-  return found == texts_.end () ? AString () : found->second;
+LastText &LastErrorTable::of (uint32_t thread) {
+  const ShortScope hold (lock_);
+  return texts_[thread];
 }
 
 ResultCode make_result (ResultCode code, const AString &text) {
-  LastErrorTable::instance ().record (platform::thread_number (), text);
+  last_text ().record (text);
   return code;
 }
 
@@ -86,5 +108,5 @@ const AString &result_text (ResultCode code) {
 }
 
 AString last_error_text () {
-  return LastErrorTable::instance ().text (platform::thread_number ());
+  return last_text ().text ();
 }

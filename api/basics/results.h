@@ -4,11 +4,27 @@
 #include "base/astring.h"
 #include "orva.h"
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 
 /// What an exported function returns: 0 is success, the rest are the codes of orva.h.
 using ResultCode = uint32_t;
+
+/// The text that a thread has recorded last, empty at first. Any thread may call any member.
+class LastText {
+public:
+  /// Records a text that is never destroyed and never changes. No lock is taken.
+  void record_constant (const AString &text) noexcept { constant_.store (&text, std::memory_order_release); }
+  /// Records a copy of @p text.
+  void record (const AString &text);
+  AString text () const;
+
+private:
+  std::atomic<const AString *> constant_{nullptr}; ///< null while `own_` is the text
+  mutable ShortMutex lock_;
+  AString own_ KELVANE_GUARDED_BY (lock_);
+};
 
 /// The text that each thread recorded last. The process has one table, made at first use and never destroyed.
 /// An entry is never removed: a new thread that receives the number of an old one inherits its text until its
@@ -18,20 +34,21 @@ class LastErrorTable {
 public:
   static LastErrorTable &instance ();
 
-  /// Throws std::bad_alloc when the system cannot make a lock.
   LastErrorTable () = default;
   LastErrorTable (const LastErrorTable &) = delete;
   LastErrorTable &operator= (const LastErrorTable &) = delete;
 
-  /// Puts @p text into the entry of the thread numbered @p thread. Allocates only for a thread's first text.
-  void record (uint32_t thread, const AString &text);
+  /// The entry of the thread numbered @p thread, which never moves. Allocates only at the first call for a
+  /// number.
+  LastText &of (uint32_t thread);
 
+  void record (uint32_t thread, const AString &text) { of (thread).record (text); }
   /// The text of that thread, empty when it has none.
-  AString text (uint32_t thread) const;
+  AString text (uint32_t thread) { return of (thread).text (); }
 
 private:
-  mutable Mutex lock_;
-  std::map<uint32_t, AString> texts_ KELVANE_GUARDED_BY (lock_);
+  ShortMutex lock_;
+  std::map<uint32_t, LastText> texts_ KELVANE_GUARDED_BY (lock_);
 };
 
 /// Records @p text for the calling thread and returns @p code. Every result passes through here, success too.

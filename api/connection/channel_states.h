@@ -29,10 +29,7 @@ public:
     if (channel >= count)
       return;
     Item &kept = channels_[channel].*item;
-    {
-      const AMutexScope hold (kept.lock);
-      std::swap (kept.value, value);
-    }
+    kept.set (std::move (value));
     set_valid (kept.valid);
     for (const uint32_t kind : notices)
       notices_.post (kind, channel);
@@ -47,7 +44,7 @@ public:
       return;
     ChannelCache &cache = channels_[channel];
     {
-      const AMutexScope hold (cache.listplay.lock);
+      const ShortScope hold (cache.listplay.lock);
       change (cache.listplay.value);
     }
     set_valid (cache.info.valid);

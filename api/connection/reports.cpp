@@ -39,10 +39,9 @@ void OrvaConnObject::on_channel_speed (uint32_t Channel, Kelvane::fixed Speed) {
   channels.keep (Channel, &ChannelCache::speed, Speed, {ORVA_NOTICE_SPEED});
 }
 
-void OrvaConnObject::on_channel_timecode (uint32_t Channel, uint32_t ClipPosition,
-                                          QUILL3::Timecode DisplayTimecode, QUILL3::Timecode InputTimecode) {
-  channels.keep (Channel, &ChannelCache::timecode, {ClipPosition, DisplayTimecode, InputTimecode},
-                 {ORVA_NOTICE_POSITION});
+void OrvaConnObject::on_channel_timecode (uint32_t Channel, uint32_t ClipPosition, QUILL3::Timecode,
+                                          QUILL3::Timecode) {
+  channels.keep (Channel, &ChannelCache::position, ClipPosition, {ORVA_NOTICE_POSITION});
 }
 
 // C29: doc/compatibility.md

@@ -26,8 +26,8 @@ uint32_t orva_channel_clip_length (uint32_t connection, uint32_t channel, uint32
 }
 
 uint32_t orva_channel_position (uint32_t connection, uint32_t channel, uint32_t *position) {
-  return query_channel (connection, channel, &ChannelCache::timecode,
-                        [&] (const ChannelPosition &reported) { *position = reported.position; });
+  return query_channel (connection, channel, &ChannelCache::position,
+                        [&] (uint32_t reported) { *position = reported; });
 }
 
 uint32_t orva_channel_precue_count (uint32_t connection, uint32_t channel, uint32_t *count) {

@@ -121,7 +121,7 @@ uint32_t orva_clip_open_metakeys (uint32_t handle, uint32_t *list) {
   return read_clip (handle, [=] (const ClipInfo &clip) {
     if (list == nullptr)
       return;
-    AStringList keys;
+    NameList keys;
     if (clip.MetadataList.present)
       for (const Metadata &pair : clip.MetadataList.value)
         keys.append (pair.Key);

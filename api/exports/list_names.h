@@ -1,6 +1,5 @@
 #pragma once
 
-#include "api/basics/typehelp.h"
 #include "api/exports/export_call.h"
 #include "api/handles/list_handles.h"
 
@@ -8,10 +7,5 @@
 /// "Invalid handle" the buffer receives the empty text.
 // C9, C11, C39: doc/compatibility.md
 inline ResultCode take_list_name (uint32_t handle, OrvaStringBuffer name) noexcept {
-  return guarded ([&] {
-    AString taken;
-    const ResultCode code = ListHandles::instance ().take_name (handle, taken);
-    typehelp::fill_string_buffer (taken, name);
-    return code;
-  });
+  return guarded ([&] { return ListHandles::instance ().take_name (handle, name); });
 }

@@ -12,10 +12,8 @@ namespace {
 template <class Command>
 ResultCode open_list (uint32_t connection, uint32_t *handle) noexcept {
   return on_connection (connection, [&] (const Connection &self) {
-    AStringList names;
-    const auto add = [] (void *list, AString name) {
-      static_cast<AStringList *> (list)->append (std::move (name));
-    };
+    NameList names;
+    const auto add = [] (void *list, AString name) { static_cast<NameList *> (list)->append (name); };
     PendingCommand pending (self, true);
     self->send (Command{}, pending.on_ok (), AFunction<void (AString)>::with_pointer (add, &names),
                 pending.on_error ());

@@ -1,12 +1,15 @@
 #include "api/handles/list_handles.h"
 
+#include "api/basics/typehelp.h"
+
 ListHandles &ListHandles::instance () {
   static ListHandles &handles = *new ListHandles;
   return handles;
 }
 
-ResultCode ListHandles::take_name (uint32_t handle, AString &name) {
-  name = AString ();
-  const bool known = visit (handle, [&] (AStringList &names) { name = names.take_first (); });
-  return known ? result_ok () : result_invalid_handle ();
+ResultCode ListHandles::take_name (uint32_t handle, OrvaStringBuffer name) {
+  if (visit (handle, [&] (NameList &names) { typehelp::fill_string_buffer (names.take_first (), name); }))
+    return result_ok ();
+  typehelp::fill_string_buffer (std::u16string_view (), name);
+  return result_invalid_handle ();
 }

@@ -189,9 +189,8 @@ ResultCode KVStore::get_change (uint32_t timeout_ms, uint32_t *type, std::u16str
   if (!is_readable ())
     return result_write_only ();
   const AMutexScope hold (changes_lock_);
-  if (change_noted_.wait_for (changes_lock_, timeout_ms, [this] () KELVANE_REQUIRES (changes_lock_) {
-        return !changes_order_.empty ();
-      }))
+  if (change_noted_.wait_for (changes_lock_, timeout_ms,
+                              [this] () KELVANE_REQUIRES (changes_lock_) { return !changes_.is_empty (); }))
     return take_change (type, key, value);
   key->clear ();
   value->clear ();
@@ -199,24 +198,15 @@ ResultCode KVStore::get_change (uint32_t timeout_ms, uint32_t *type, std::u16str
 }
 
 ResultCode KVStore::take_change (uint32_t *type, std::u16string *key, std::u16string *value) {
-  if (!KELVANE_ASSERT (!changes_order_.empty ()) ||
-      !KELVANE_ASSERT (!(changes_set_.empty () && changes_erase_.empty ())))
+  if (!KELVANE_ASSERT (!changes_.is_empty ()))
     return result_internal_error ();
-  const ResultCode ok = result_ok (); // may throw, which nothing may after this: the change would be lost
-  *key = std::move (changes_order_.front ());
-  changes_order_.pop_front ();
-  if (auto set = changes_set_.extract (*key)) {
-    *type = ORVA_STORE_CHANGE_SET;
-    *value = std::move (set.mapped ());
-    return ok;
-  }
-  if (changes_erase_.erase (*key) != 0) {
-    *type = ORVA_STORE_CHANGE_ERASE;
-    value->clear ();
-    return ok;
-  }
-  KELVANE_ASSERT (0);
-  return result_internal_error ();
+  const StoreChange &change = changes_.first ();
+  key->assign (change.key ()); // what may throw is done before the change is removed
+  value->assign (change.value ());
+  const ResultCode ok = result_ok ();
+  *type = change.type ();
+  changes_.remove_first ();
+  return ok;
 }
 
 ResultCode KVStore::wait_scan (uint32_t timeout_ms) {
@@ -228,7 +218,8 @@ bool KVStore::short_key (const AString &report_prefix, const AString &key, std::
   const AString rest = (report_prefix + key).strip_prefix (prefix_text_, &begins);
   if (!begins || rest.is_empty ())
     return false;
-  *result = rest.to_u16string ();
+  result->clear ();
+  rest.append_utf16_to (result);
   return true;
 }
 
@@ -236,9 +227,9 @@ bool KVStore::short_key (const AString &report_prefix, const AString &key, std::
 // out before the last key was added.
 struct KVStore::Announcement {
   explicit Announcement (KVStore &of) KELVANE_REQUIRES (of.changes_lock_)
-      : store (of), waiting (of.changes_order_.size ()) {}
+      : store (of), waiting (of.changes_.size ()) {}
   ~Announcement () KELVANE_NO_THREAD_SAFETY_ANALYSIS {
-    if (store.changes_order_.size () != waiting)
+    if (store.changes_.size () != waiting)
       store.change_noted_.notify_all ();
   }
   KVStore &store;
@@ -249,9 +240,13 @@ void KVStore::on_change (const AString &report_prefix, const QUILL3::MetadataLis
   const AMutexScope hold (changes_lock_);
   const Announcement announcement (*this);
   std::u16string key;
+  std::u16string value;
   for (const QUILL3::Metadata &item : items)
-    if (short_key (report_prefix, item.Key, &key))
-      note_setting (std::move (key), item.Value.to_u16string ());
+    if (short_key (report_prefix, item.Key, &key)) {
+      value.clear ();
+      item.Value.append_utf16_to (&value);
+      changes_.add (ORVA_STORE_CHANGE_SET, key, value);
+    }
 }
 
 void KVStore::on_remove (const AString &report_prefix, const QUILL3::KeyList &keys) {
@@ -260,35 +255,5 @@ void KVStore::on_remove (const AString &report_prefix, const QUILL3::KeyList &ke
   std::u16string key;
   for (const AString &reported : keys)
     if (short_key (report_prefix, reported, &key))
-      note_erasure (std::move (key));
-}
-
-// A key that waits to be taken keeps its position in the order when it changes again. What needs memory is
-// done first, so that a failure leaves the tables as they were.
-
-void KVStore::note_setting (std::u16string key, std::u16string value) {
-  const auto set = changes_set_.find (key);
-  if (set != changes_set_.end ()) {
-    set->second = std::move (value);
-    return;
-  }
-  const bool waits = changes_erase_.contains (key);
-  std::list<std::u16string> entry;
-  if (!waits)
-    entry.push_back (key);
-  changes_set_.emplace (key, std::move (value));
-  changes_erase_.erase (key);
-  changes_order_.splice (changes_order_.end (), entry);
-}
-
-void KVStore::note_erasure (std::u16string key) {
-  if (changes_erase_.contains (key))
-    return;
-  const bool waits = changes_set_.contains (key);
-  std::list<std::u16string> entry;
-  if (!waits)
-    entry.push_back (key);
-  changes_erase_.insert (key);
-  changes_set_.erase (key);
-  changes_order_.splice (changes_order_.end (), entry);
+      changes_.add (ORVA_STORE_CHANGE_ERASE, key, {});
 }

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "api/connection/command_flow.h"
+#include "api/stores/store_changes.h"
 
 #include <atomic>
 #include <cstdint>
-#include <list>
 #include <memory>
 #include <string>
 #include <thread>
@@ -59,7 +59,7 @@ public:
   void on_remove (const AString &report_prefix, const QUILL3::KeyList &keys) override;
 
 private:
-  friend struct BrokenTables; // of a test: no call can break the tables
+  friend struct BrokenWait; // of a test: no call takes a change when none waits
 
   struct Pending {
     Mutex lock;
@@ -94,8 +94,6 @@ private:
   /// The key as callers know it; false when it is not of this store.
   bool short_key (const AString &report_prefix, const AString &key, std::u16string *result) const;
   struct Announcement;
-  void note_setting (std::u16string key, std::u16string value) KELVANE_REQUIRES (changes_lock_);
-  void note_erasure (std::u16string key) KELVANE_REQUIRES (changes_lock_);
 
   // Constant after construction.
   const Connection connection_;
@@ -106,10 +104,7 @@ private:
 
   Mutex changes_lock_;
   Condition change_noted_;
-  // Each key of the order is in exactly one of the other two.
-  std::list<std::u16string> changes_order_ KELVANE_GUARDED_BY (changes_lock_); ///< oldest first
-  std::unordered_map<std::u16string, std::u16string> changes_set_ KELVANE_GUARDED_BY (changes_lock_);
-  std::unordered_set<std::u16string> changes_erase_ KELVANE_GUARDED_BY (changes_lock_);
+  StoreChanges changes_ KELVANE_GUARDED_BY (changes_lock_);
 
   Pending pending_;
 };

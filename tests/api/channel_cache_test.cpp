@@ -74,8 +74,8 @@ TEST_F (ChannelCacheTest, StartsEmpty) {
   });
   EXPECT_EQ (cache ().status.value, 0u);
   EXPECT_TRUE (cache ().clipid.value.is_empty ());
-  EXPECT_EQ (cache ().speed.value.raw, 0);
-  EXPECT_EQ (cache ().timecode.value.position, 0u);
+  EXPECT_EQ (cache ().speed.value.load ().raw, 0);
+  EXPECT_EQ (cache ().position.value, 0u);
   EXPECT_EQ (cache ().info.value, QUILL3::ChannelInformation ());
   EXPECT_FALSE (list ().is_loaded ());
 }
@@ -92,16 +92,13 @@ TEST_F (ChannelCacheTest, KeepsTheLastValueOfEachKind) {
           "<ClipLength>100</ClipLength></ChannelInformation></channel_info>");
   EXPECT_EQ (cache ().status.value, 4u);
   EXPECT_TRUE (cache ().clipid.value == "NEWS");
-  EXPECT_EQ (cache ().speed.value.raw, -98304);
-  EXPECT_EQ (cache ().timecode.value.position, 42u);
-  EXPECT_TRUE (cache ().timecode.value.DisplayTimecode.Valid);
-  EXPECT_EQ (cache ().timecode.value.DisplayTimecode.FieldNumber.value_or (0), 7);
-  EXPECT_FALSE (cache ().timecode.value.InputTimecode.Valid);
+  EXPECT_EQ (cache ().speed.value.load ().raw, -98304);
+  EXPECT_EQ (cache ().position.value, 42u);
   EXPECT_EQ (cache ().info.value.ClipLength.value_or (0), 100u);
   EXPECT_TRUE (cache ().status.valid);
   EXPECT_TRUE (cache ().clipid.valid);
   EXPECT_TRUE (cache ().speed.valid);
-  EXPECT_TRUE (cache ().timecode.valid);
+  EXPECT_TRUE (cache ().position.valid);
   EXPECT_TRUE (cache ().info.valid);
   EXPECT_FALSE (cache ().listplay.valid);
   EXPECT_FALSE (cache (0).status.valid);
@@ -125,7 +122,7 @@ TEST_F (ChannelCacheTest, ABurstIsOneNotice) {
     report ("<channel_speed><Channel>B</Channel><Speed>" + std::to_string (i) + "X</Speed></channel_speed>");
   report ("<channel_speed><Channel>C</Channel><Speed>1X</Speed></channel_speed>");
   EXPECT_EQ (notices (), (std::vector<Pair>{{7, 1}, {7, 2}}));
-  EXPECT_EQ (cache ().speed.value.raw, 9 * 65536);
+  EXPECT_EQ (cache ().speed.value.load ().raw, 9 * 65536);
 }
 
 TEST_F (ChannelCacheTest, ChannelsBeyondTheEighthAreIgnored) {

@@ -43,6 +43,31 @@ TEST (Results, AreEachThreadsOwn) {
   EXPECT_EQ (last_error_text (), "OK");
 }
 
+TEST (LastText, IsTheLastOneOfEitherKind) {
+  static const AString constant = "a constant";
+  LastText last;
+  EXPECT_EQ (last.text (), "");
+  last.record_constant (constant);
+  EXPECT_EQ (last.text (), "a constant");
+  EXPECT_TRUE (last.text ().shares_store_with (constant));
+  last.record ("one of its own");
+  EXPECT_EQ (last.text (), "one of its own");
+  last.record ("");
+  EXPECT_EQ (last.text (), "");
+  last.record_constant (constant);
+  EXPECT_EQ (last.text (), "a constant");
+}
+
+TEST (LastErrorTable, AnEntryStaysWhereItIs) {
+  LastErrorTable table;
+  LastText *const first = &table.of (1);
+  for (uint32_t thread = 2; thread != 500; ++thread)
+    table.record (thread, "another");
+  EXPECT_EQ (&table.of (1), first);
+  first->record ("one");
+  EXPECT_EQ (table.text (1), "one");
+}
+
 TEST (LastErrorTable, KeepsATextForEachThreadForEver) {
   LastErrorTable table;
   EXPECT_TRUE (table.text (1).is_empty ());

@@ -241,6 +241,8 @@ public:
   /// The UTF-8 form appended to `out`; the same text as each_utf8.
   void append_utf8_to (std::string *out) const;
   std::string to_std_string () const;
+  /// The UTF-16 form appended to `out`. It ends at a code point that has none.
+  void append_utf16_to (std::u16string *out) const;
   std::u16string to_u16string () const;
 
   // -- Numbers (astring_numbers.cpp). White space at the ends is ignored. Each stores its result, if `out` is

@@ -4,6 +4,8 @@
 
 namespace {
 
+constexpr uint32_t first_surrogate = 0xD800; // below it a code point is one unit of UTF-16
+
 constexpr size_t utf8_portion = 128;
 
 /// The loop of all exporters with a buffer. `put (c, buffer, room)` writes one code point and returns its
@@ -102,6 +104,16 @@ size_t copy_utf16_z_to (const AString &text, Unit *buffer, size_t utf16_bufcount
   if (!KELVANE_ASSERT (buffer != nullptr) || !KELVANE_ASSERT (utf16_bufcount > 0))
     return 0;
   return terminated (buffer, fill_utf16 (text, buffer, utf16_bufcount - 1));
+}
+
+// Appends the code points up to the first that may need more than one unit, and returns where that is.
+const AChar *add_single_units (const AChar *run, const AChar *stop, std::u16string &out) {
+  const AChar *const end = std::find_if (run, stop, [] (AChar c) { return c.value () >= first_surrogate; });
+  const size_t used = out.size ();
+  out.resize (used + static_cast<size_t> (end - run));
+  std::transform (run, end, out.begin () + static_cast<std::ptrdiff_t> (used),
+                  [] (AChar c) { return static_cast<char16_t> (c.value ()); });
+  return end;
 }
 
 // Collects bytes for a sink.
@@ -250,16 +262,27 @@ std::string AString::to_std_string () const {
   return text;
 }
 
+void AString::append_utf16_to (std::u16string *out) const {
+  if (!KELVANE_ASSERT (out != nullptr))
+    return;
+  walk_runs ([out] (const AChar *run, uint64_t count) {
+    for (const AChar *const stop = run + count; run != stop;) {
+      run = add_single_units (run, stop, *out);
+      if (run == stop)
+        break;
+      char16_t units[MAX_UTF16_WCHAR_LENGTH];
+      unsigned unit_count = 0;
+      if (!encode_utf16 (*run++, units, MAX_UTF16_WCHAR_LENGTH, &unit_count))
+        return false;
+      out->append (units, unit_count);
+    }
+    return true;
+  });
+}
+
 std::u16string AString::to_u16string () const {
   std::u16string text;
   text.reserve (len_);
-  find_if ([&] (AChar c) {
-    char16_t units[MAX_UTF16_WCHAR_LENGTH];
-    unsigned count = 0;
-    if (!encode_utf16 (c, units, MAX_UTF16_WCHAR_LENGTH, &count))
-      return true;
-    text.append (units, count);
-    return false;
-  });
+  append_utf16_to (&text);
   return text;
 }
