@@ -37,13 +37,21 @@ ResultCode fixed_result (ResultCode code) {
 
 } // namespace
 
+void LastText::record_constant (const AString &text) noexcept {
+  const bool replaces_own = constant_.load (std::memory_order_relaxed) == nullptr;
+  constant_.store (&text, std::memory_order_release);
+  if (replaces_own)
+    set_own ({});
+}
+
 void LastText::record (const AString &text) {
-  AString replaced = text;
-  {
-    const ShortScope hold (lock_);
-    std::swap (own_, replaced);
-  }
+  set_own (text);
   constant_.store (nullptr, std::memory_order_release);
+}
+
+void LastText::set_own (AString text) {
+  const ShortScope hold (lock_); // the old text is destroyed after its release
+  std::swap (own_, text);
 }
 
 AString LastText::text () const {

@@ -14,14 +14,17 @@ using ResultCode = uint32_t;
 /// The text that a thread has recorded last, empty at first. Any thread may call any member.
 class LastText {
 public:
-  /// Records a text that is never destroyed and never changes. No lock is taken.
-  void record_constant (const AString &text) noexcept { constant_.store (&text, std::memory_order_release); }
+  /// Records a text that is never destroyed and never changes. Takes no lock when it replaces such a text.
+  void record_constant (const AString &text) noexcept;
   /// Records a copy of @p text.
   void record (const AString &text);
   AString text () const;
 
 private:
-  std::atomic<const AString *> constant_{nullptr}; ///< null while `own_` is the text
+  void set_own (AString text);
+
+  std::atomic<const AString *> constant_{
+      nullptr}; ///< null while `own_` is the text, which is empty otherwise
   mutable ShortMutex lock_;
   AString own_ KELVANE_GUARDED_BY (lock_);
 };
