@@ -79,9 +79,21 @@ inline Failure closed_failure () {
   return {Kind::invalid, "The server object is closed"};
 }
 
-/** Makes an operation on the calling thread. Its exceptions become failures. */
-template <class T, class F>
-result<T> attempt (std::uint32_t connection, bool needs_link, F &&operation) {
+/** A call with its arguments, but for the connection and the place of its value. It returns a result code. */
+template <class T>
+struct CallOf {
+  using type = std::function<std::uint32_t (std::uint32_t connection, T &value)>;
+};
+template <>
+struct CallOf<void> {
+  using type = std::function<std::uint32_t (std::uint32_t connection)>;
+};
+template <class T>
+using Call = typename CallOf<T>::type;
+
+/** Makes a call on the calling thread. Its exceptions become failures. */
+template <class T>
+result<T> attempt (std::uint32_t connection, bool needs_link, const Call<T> &operation) {
   try {
     if (connection == 0)
       return closed_failure ();
@@ -352,10 +364,10 @@ inline Failure cancelled_failure () {
   return {Kind::cancelled, "Cancelled before the answer; the outcome is unknown"};
 }
 
-/** An operation on another thread: all that it reads and writes is here, so the caller may leave. */
-template <class T, class F>
+/** A call on another thread: all that it reads and writes is here, so the caller may leave. */
+template <class T>
 struct RemoteCall : Waiter {
-  RemoteCall (std::shared_ptr<Core> on, bool link, F what)
+  RemoteCall (std::shared_ptr<Core> on, bool link, Call<T> what)
       : core (std::move (on)), needs_link (link), operation (std::move (what)) {}
 
   void run () {
@@ -374,17 +386,17 @@ struct RemoteCall : Waiter {
 
   const std::shared_ptr<Core> core;
   const bool needs_link;
-  F operation;
+  const Call<T> operation;
   std::optional<result<T>> outcome;
 };
 
-/** Makes an operation within the limit of the context, on the calling thread when it has none. */
-template <class T, class F>
-result<T> perform (const Context &context, bool needs_link, F operation) {
+/** Makes a call within the limit of the context, on the calling thread when it has none. */
+template <class T>
+result<T> perform (const Context &context, bool needs_link, Call<T> operation) {
   const Deadline deadline (context.limit ());
   if (deadline.never () && !context.cancel_state)
     return attempt<T> (context.core->connection (), needs_link, operation);
-  const auto call = std::make_shared<RemoteCall<T, F>> (context.core, needs_link, std::move (operation));
+  const auto call = std::make_shared<RemoteCall<T>> (context.core, needs_link, std::move (operation));
   if (context.cancel_state && !context.cancel_state->enter (call))
     return Failure{Kind::cancelled, "Cancelled before it began"};
   const bool running = context.core->helpers->run ([call] { call->run (); });
@@ -406,6 +418,25 @@ result<T> perform (const Context &context, bool needs_link, F operation) {
   if (!running)
     return Failure{Kind::internal, "The system has no thread to give"};
   return cancelled ? cancelled_failure () : timed_out_failure ();
+}
+
+/** A call that is made when the form of the operation says so. */
+template <class T>
+struct ReadyCall {
+  result<T> operator() () {
+    return asks_server ? perform<T> (context, true, std::move (call))
+                       : attempt<T> (context.core->connection (), false, call);
+  }
+
+  Context context;
+  bool asks_server; ///< or the library, which answers by itself: that needs no link and never waits
+  Call<T> call;
+};
+
+/** A call whose arguments are bad. */
+template <class T>
+auto bad_call (const char *reason) {
+  return [reason] () -> result<T> { return Failure{Kind::invalid, reason}; };
 }
 
 /** Calls `look`, which returns an optional result and may wait for a few milliseconds, until it has one, the
@@ -509,18 +540,12 @@ protected:
    * the arguments as C functions do, and returns a result code; it may outlive the caller. */
   template <class T, class F, class... Arguments>
   of<T> ask (F operation, const Arguments &...arguments) const {
-    const auto make = [context = data_.context] (auto call) {
-      return detail::perform<T> (context, true, std::move (call));
-    };
-    return make_checked<T> (make, operation, detail::checked (arguments)...);
+    return make_checked<T> (true, operation, detail::checked (arguments)...);
   }
   /** The same for what the library does by itself: it needs no link, never waits, and has no limit. */
   template <class T, class F, class... Arguments>
   of<T> ask_library (F operation, const Arguments &...arguments) const {
-    const auto make = [context = data_.context] (auto call) {
-      return detail::attempt<T> (context.core->connection (), false, call);
-    };
-    return make_checked<T> (make, operation, detail::checked (arguments)...);
+    return make_checked<T> (false, operation, detail::checked (arguments)...);
   }
   /** Sends a command that gives no value: a C function and its arguments. */
   template <class F, class... Arguments>
@@ -533,14 +558,14 @@ protected:
   }
   template <class T>
   of<T> fail (const char *reason) const {
-    return deliver<T> ([reason] () -> result<T> { return Failure{Kind::invalid, reason}; });
+    return deliver<T> (detail::bad_call<T> (reason));
   }
 
   Data data_;
 
 private:
-  template <class T, class Make, class F, class... Checked>
-  of<T> make_checked (Make make, F operation, Checked... arguments) const {
+  template <class T, class F, class... Checked>
+  of<T> make_checked (bool asks_server, F operation, Checked... arguments) const {
     if (const char *const reason = detail::first_bad (arguments...))
       return fail<T> (reason);
     auto call = [operation, all = std::make_tuple (std::move (arguments)...)] (auto &&...places) {
@@ -549,7 +574,7 @@ private:
       };
       return std::apply (with, all);
     };
-    return deliver<T> ([make, call = std::move (call)] () mutable { return make (std::move (call)); });
+    return deliver<T> (detail::ReadyCall<T>{data_.context, asks_server, std::move (call)});
   }
 };
 

@@ -9,6 +9,7 @@
 #include "channel.hpp"
 
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
@@ -144,10 +145,7 @@ public:
     const std::lock_guard<std::recursive_mutex> hold (lock_);
     active_ = false;
   }
-  bool active () const {
-    const std::lock_guard<std::recursive_mutex> hold (lock_);
-    return active_;
-  }
+  bool active () const { return active_; }
 
   const Interest interest;
   // Only the watching thread uses these.
@@ -155,8 +153,8 @@ public:
   bool ready = false; ///< has had the event Watching
 
 private:
-  mutable std::recursive_mutex lock_;
-  bool active_ = true;
+  std::recursive_mutex lock_; ///< held while the handler runs
+  std::atomic<bool> active_{true};
   const std::function<void (const Event &)> handler_;
 };
 

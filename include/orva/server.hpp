@@ -49,7 +49,7 @@ inline const std::shared_ptr<Core> &closed_core () {
 }
 
 /** A question that many may wait for; see ServerControl::healthy(). */
-using Probe = RemoteCall<std::uint32_t, std::uint32_t (*) (std::uint32_t, std::uint32_t &)>;
+using Probe = RemoteCall<std::uint32_t>;
 
 inline std::uint32_t probe_question (std::uint32_t server, std::uint32_t &rate) {
   return orva_video_frequency (server, &rate);
