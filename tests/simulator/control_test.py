@@ -167,6 +167,24 @@ class State(Controlled):
         self.call("POST", "/reports", {"everyone": True, "body": {"surprise": {}}})
         self.assertEqual(other.settled_reports(), ["<surprise />"])
 
+    def test_reports_are_kept(self):
+        client = support.Client(self.simulator.address)
+        self.addCleanup(client.close)
+        for kind in ("status", "timecode"):
+            client.answer("<channel_report_register><Channel>A</Channel><ChannelReportType>%s</ChannelReportType>"
+                          "</channel_report_register>" % kind)
+        mark = self.call("GET", "/reports")["mark"]
+        self.call("PUT", "/channels/A", {"play": True})
+        self.call("POST", "/time/step", {"fields": 10})
+        kept = self.call("GET", "/reports?since=%d" % mark)
+        self.assertEqual([(entry["client"], entry["report"]["report"]["channel_status"]["ChannelStatus"])
+                          for entry in kept["entries"]], [(1, "play")])
+        self.assertEqual(kept["mark"], mark + 1)
+        self.assertEqual(kept["entries"][0]["text"], "<report><channel_status><Channel>A</Channel><ChannelStatus>play"
+                         "</ChannelStatus><ClipID>BARS</ClipID></channel_status></report>")
+        self.call("POST", "/reset")
+        self.assertEqual(self.call("GET", "/reports"), {"mark": mark + 1, "entries": []})
+
     def test_reset(self):
         client = self.client()
         client.answer("<delete_clip><ClipID>PROLOGUE</ClipID></delete_clip>")
@@ -279,10 +297,28 @@ class Door(Controlled):
             connection.close()
         self.assertEqual(self.call("GET", "/clients"), [])
 
-    def test_events(self):
+    def listen_to_events(self):
         connection = socket.create_connection((self.simulator.address, CONTROL_PORT), timeout=support.PATIENCE)
         self.addCleanup(connection.close)
         connection.sendall(b"GET /events HTTP/1.1\r\nHost: %s\r\n\r\n" % self.authority.encode())
+        return connection
+
+    def test_eight_pages_can_listen(self):
+        pages = [self.listen_to_events() for _ in range(8)]
+        for page in pages:
+            self.assertTrue(page.recv(65536).startswith(b"HTTP/1.1 200 "))
+        self.assertError(503, "too many pages are open", "GET", "/events")
+        self.assertEqual(self.call("GET", "/clients"), [])
+        pages[0].close()
+
+        def is_free():
+            page = self.listen_to_events()
+            return page.recv(65536).startswith(b"HTTP/1.1 200 ")
+        self.wait(is_free)
+        self.assertError(503, "too many pages are open", "GET", "/events")
+
+    def test_events(self):
+        connection = self.listen_to_events()
         self.client().answer("<play><Channel>D</Channel><Speed>3X</Speed></play>")
         held = b""
         while b'"speed":3.0' not in held:

@@ -89,6 +89,11 @@ class Several(Files):
         for client in clients:
             client.close()
         self.assertEqual(simulator.stop(), 0)
+        lines = [line.split(" ", 1)[1] for line in simulator.log if "listening" not in line]
+        for address in (simulator.address, self.beside()):
+            self.assertIn(address + " #1 connected", lines)
+            self.assertTrue(any(line.startswith(address + " #1 1 delete_clip ClipID=PROLOGUE: ") for line in lines), lines)
+        self.assertTrue(all(line.startswith((simulator.address + " ", self.beside() + " ")) for line in lines), lines)
 
     def test_configuration_file(self):
         config = self.file({"servers": [{"address": support.own_address(), "name": "ONE"},

@@ -1,9 +1,11 @@
 """The proxy that records messages, and the replay of what it has recorded."""
 
 import base64
+import http.client
 import json
 import os
 import re
+import socket
 import subprocess
 import tempfile
 import unittest
@@ -109,6 +111,94 @@ class Proxy(Traced):
         self.assertEqual([client.message(), client.message()], ["<reply><xid>2</xid><ok /></reply>"] * 2)
         self.stop(proxy)
         self.assertEqual([line["faults"] for line in self.lines() if "faults" in line], [["refuse"], ["twice"]])
+
+    def test_a_client_that_has_sent_its_last_command_gets_its_answers(self):
+        self.simulate()
+        self.proxy()
+        client = self.client()
+        client.send("<cmd><xid>1</xid><download_clipids><DirectoryName></DirectoryName></download_clipids></cmd>"
+                    "<cmd><xid>2</xid><sync /></cmd>")
+        client.socket.shutdown(socket.SHUT_WR)
+        messages = []
+        while messages[-1:] != [None]:
+            messages.append(client.message())
+        self.assertEqual(messages[-2], "<reply><xid>2</xid><ok /></reply>")
+
+    def call(self, method, path, body=None):
+        connection = http.client.HTTPConnection(self.between, 9914, timeout=support.PATIENCE)
+        try:
+            connection.request(method, path, body and json.dumps(body))
+            response = connection.getresponse()
+            return response.status, json.loads(response.read())
+        finally:
+            connection.close()
+
+    def test_it_is_steered(self):
+        self.simulate()
+        self.proxy("--control", self.between + ":9914")
+        client = self.client()
+        client.answer("<report_register><ReportType>alerts</ReportType></report_register>")
+        self.assertEqual(self.call("POST", "/faults", {"fault": "refuse", "command": "play", "text": "No"}),
+                         (200, {"ids": [1]}))
+        self.assertIn("<ErrorMessage>No<", client.answer("<play><Channel>A</Channel></play>"))
+        self.assertEqual(self.call("DELETE", "/faults"), (200, {"ok": True}))
+        self.assertEqual(client.answer("<play><Channel>A</Channel></play>"), "<ok />")
+        status, journal = self.call("GET", "/journal")
+        self.assertEqual([(entry["command"], entry["faults"]) for entry in journal["entries"][1:]],
+                         [("play", ["refuse"]), ("play", [])])
+        self.assertIn("<ok />", journal["entries"][2]["answers"][0])
+        status, clients = self.call("GET", "/clients")
+        self.assertEqual([entry["client"] for entry in clients], [1])
+        for path in ("/state", "/channels/A", "/clips", "/time"):
+            self.assertEqual(self.call("GET", path), (409, {"error": "A proxy has no channels, clips or time of its own"}))
+        self.assertEqual(self.call("GET", "/")[0], 404)
+        self.assertEqual(self.call("DELETE", "/clients/1"), (200, {"ok": True}))
+        self.assertIsNone(client.message())
+        client = self.client()
+        client.answer("<sync />")
+        self.assertEqual(self.call("POST", "/reset"), (200, {"ok": True}))
+        self.assertIsNone(client.message())
+        self.assertEqual(self.call("GET", "/journal")[1]["entries"], [])
+
+    def memory(self, process):
+        with open("/proc/%d/statm" % process.process.pid) as file:
+            return int(file.read().split()[1]) * os.sysconf("SC_PAGE_SIZE")
+
+    def fill(self, sender, most=256 << 20):
+        """Sends until nothing is taken any more; the number of bytes that were taken."""
+        piece = (b"<report>" + b"x" * 8000 + b"</report>") * 8
+        sender.settimeout(1)
+        sent = 0
+        try:
+            while sent < most:
+                sent += sender.send(piece)
+        except socket.timeout:
+            pass
+        return sent
+
+    def drain(self, receiver, size):
+        receiver.settimeout(support.PATIENCE)
+        while size > 0:
+            size -= len(receiver.recv(1 << 20))
+        self.assertEqual(size, 0)
+
+    def test_what_one_side_does_not_take_is_not_read_from_the_other(self):
+        for options in ((), ("--control", self.between + ":9914")):
+            with self.subTest(options=options), socket.create_server((self.server, 8913)) as listener:
+                proxy = self.proxy(*options)
+                client = socket.create_connection((self.between, 8913))
+                server = listener.accept()[0]
+                before = self.memory(proxy)
+                for sender, receiver in ((server, client), (client, server)):
+                    sent = self.fill(sender)
+                    self.assertLess(sent, 256 << 20)
+                    self.assertLess(self.memory(proxy) - before, 32 << 20)
+                    if not options: # otherwise the rest of a message may be on its way
+                        self.drain(receiver, sent)
+                client.close()
+                server.close()
+                proxy.process.kill()
+                proxy.process.communicate()
 
     def test_a_trace_that_cannot_be_written(self):
         process = Process("proxy", "--listen", self.between, "--server", self.server, "--trace", "/nowhere/trace")

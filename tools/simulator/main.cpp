@@ -73,14 +73,17 @@ void add_server_options (CLI::App &app, CommandLine &line) {
   app.add_flag ("--strict", options.strict, "refuse documents that differ by a byte from the expected form");
 }
 
-void add_steering_options (CLI::App &app, CommandLine &line) {
-  Options &options = line.options;
-  app.add_option ("--control", line.steering.control,
-                  "address and port to steer it from, such as 127.0.0.1:9913")
+void add_control_options (CLI::App &app, Steering &steering) {
+  app.add_option ("--control", steering.control, "address and port to steer it from, such as 127.0.0.1:9913")
       ->check (check_control_address);
-  app.add_option ("--control-token", line.steering.control_token,
+  app.add_option ("--control-token", steering.control_token,
                   "secret that every request to the control address must carry")
       ->envname ("ORVA_SIMULATOR_TOKEN");
+}
+
+void add_steering_options (CLI::App &app, CommandLine &line) {
+  Options &options = line.options;
+  add_control_options (app, line.steering);
   app.add_option ("--script", line.steering.script, "JSON file of a scenario; the program ends with it");
   app.add_option ("--start", line.start, "time of day at the first field, such as 2026-01-31T12:00:00Z")
       ->check (check_time);
@@ -103,6 +106,8 @@ void add_proxy (CLI::App &app, CommandLine &line) {
   proxy.add_option ("--trace", line.proxy.trace, "file to write, JSON lines")->required ();
   proxy.add_option ("--faults", line.proxy.faults, "JSON file of faults to put into the server's traffic");
   proxy.add_option ("--seed", line.proxy.seed, "seed of all random choices");
+  line.proxy.steering.page = false;
+  add_control_options (proxy, line.proxy.steering);
 }
 
 void add_replay (CLI::App &app, CommandLine &line) {
@@ -111,6 +116,11 @@ void add_replay (CLI::App &app, CommandLine &line) {
   replay.add_option ("--listen", line.replay.listen, "IPv4 address to listen on")
       ->capture_default_str ()
       ->check (CLI::ValidIPV4);
+}
+
+void check_token (const Steering &steering) {
+  if (!steering.control.empty () && steering.control_token.empty () && !is_loopback (steering.control))
+    throw CLI::ValidationError ("--control", "an address outside loopback needs a --control-token");
 }
 
 std::vector<Options> servers_of (CommandLine &line) {
@@ -152,9 +162,8 @@ int main (int argc, char **argv) {
   app.require_subcommand (0, 1);
   try {
     app.parse (argc, argv);
-    if (!line.steering.control.empty () && line.steering.control_token.empty () &&
-        !is_loopback (line.steering.control))
-      throw CLI::ValidationError ("--control", "an address outside loopback needs a --control-token");
+    check_token (line.steering);
+    check_token (line.proxy.steering);
   } catch (const CLI::ParseError &problem) {
     return app.exit (problem) == 0 ? 0 : status_usage;
   }

@@ -6,7 +6,10 @@
 
 namespace sim {
 
-/// What one server is to be.
+/// The port of the protocol.
+inline constexpr unsigned short port = 8913;
+
+/// The options of one server.
 struct Options {
   std::string address = "127.0.0.1";
   std::string name = "SIMULATOR";
@@ -33,6 +36,7 @@ struct Options {
 struct Steering {
   std::string control;       ///< address and port of the control address; empty: none
   std::string control_token; ///< what requests to it must carry; empty: nothing
+  bool page = true;          ///< the control address has the page
   std::string script;        ///< file of a scenario; empty: none
 };
 

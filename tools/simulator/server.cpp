@@ -4,6 +4,7 @@
 #include "control/mailbox.h"
 #include "control/steered_server.h"
 #include "faults/fault_injector.h"
+#include "listener.h"
 #include "log.h"
 #include "script/script.h"
 #include "wire.h"
@@ -24,7 +25,6 @@ namespace {
 using asio::ip::tcp;
 using Clock = std::chrono::steady_clock;
 
-constexpr unsigned short port = 8913;
 // Bytes that wait to be sent to one client. Positions are left out above the first. Long answers stop above
 // the second, and commands wait above the third, until the client has taken some. Only reports can go
 // further.
@@ -40,7 +40,6 @@ constexpr std::size_t most_unread_bytes = 512u << 20;
 
 constexpr int parts_in_a_turn = 8; // of a long answer
 constexpr std::size_t written_at_once = 256u << 10;
-constexpr std::chrono::milliseconds accept_pause{100};
 
 // Fields that are due have gone by before anything else happens.
 void pass_due_fields (World &world) {
@@ -311,14 +310,13 @@ private:
 class Server : public SteeredServer, public MessageObserver {
 public:
   Server (asio::io_context &context, const Options &options)
-      : context_ (context), options_ (options), world_ (std::make_unique<World> (options)),
-        acceptor_ (context), timer_ (context), accept_timer_ (context) {
-    faults_.changed = [this] { refresh_faults (); };
+      : context_ (context), options_ (options), world_ (std::make_unique<World> (options)), timer_ (context) {
     set_first_faults ();
-    open ();
+    listener_.open ();
     await_field ();
   }
 
+  const std::string &address () const override { return options_.address; }
   World &world () override { return *world_; }
   Faults &faults () override { return faults_; }
   Journal &journal () override { return journal_; }
@@ -373,46 +371,13 @@ private:
 
   void sent (int client, std::string_view message) override {
     if (options_.journal)
-      journal_.answer (client, message);
+      journal_.add_sent (client, world_->clock.milliseconds (), message);
   }
 
   void set_first_faults () {
     if (!options_.faults.empty ())
       for (Rule &rule : read_rules (options_.faults))
         faults_.add (std::move (rule));
-  }
-
-  void open () {
-    const tcp::endpoint endpoint (asio::ip::make_address_v4 (options_.address), port);
-    acceptor_.open (endpoint.protocol ());
-    acceptor_.set_option (tcp::acceptor::reuse_address (true));
-    acceptor_.bind (endpoint);
-    acceptor_.listen ();
-    accept_timer_.cancel ();
-    accept ();
-  }
-
-  void accept () {
-    acceptor_.async_accept ([this] (const asio::error_code &error, tcp::socket socket) {
-      if (error == asio::error::operation_aborted)
-        return;
-      if (error)
-        return accept_later (error);
-      accept_failed_ = false;
-      add_session (std::move (socket));
-      accept ();
-    });
-  }
-
-  // Most likely no descriptor is left. New clients wait in the queue of the system until another one goes.
-  void accept_later (const asio::error_code &error) {
-    if (!std::exchange (accept_failed_, true))
-      world_->log (fmt::format ("new clients wait: {}", error.message ()));
-    accept_timer_.expires_after (accept_pause);
-    accept_timer_.async_wait ([this] (const asio::error_code &cancelled) {
-      if (!cancelled && acceptor_.is_open ())
-        accept ();
-    });
   }
 
   void add_session (tcp::socket socket) {
@@ -438,18 +403,6 @@ private:
     return true;
   }
 
-  void refresh_faults () {
-    const bool away = faults_.is_active (Fault::go_away);
-    const bool shut = away || faults_.is_active (Fault::refuse_connections);
-    if (shut && acceptor_.is_open ())
-      acceptor_.close ();
-    if (!shut && !acceptor_.is_open ())
-      open ();
-    if (away)
-      end_all ("is disconnected by a fault");
-    each_session ([] (Session &session) { session.injector ().refresh (); });
-  }
-
   void await_field () {
     timer_.cancel ();
     const auto next = world_->clock.next ();
@@ -467,15 +420,19 @@ private:
   asio::io_context &context_;
   const Options options_;
   std::unique_ptr<World> world_;
-  tcp::acceptor acceptor_;
   asio::steady_timer timer_;
-  asio::steady_timer accept_timer_;
-  bool accept_failed_ = false; ///< the last one did
   Random chances_ = options_.seed ? Random (*options_.seed) : Random ();
   Faults faults_{context_, chances_};
   Journal journal_;
   std::map<int, std::shared_ptr<Session>> sessions_; ///< by number, until they end
   int last_number_ = 0;
+  Listener listener_{context_,
+                     options_.address,
+                     faults_,
+                     {[this] (tcp::socket socket) { add_session (std::move (socket)); },
+                      [this] { end_all ("is disconnected by a fault"); },
+                      [this] { each_session ([] (Session &session) { session.injector ().refresh (); }); },
+                      [this] (const std::string &line) { world_->log (line); }}};
 };
 
 } // namespace

@@ -140,6 +140,16 @@ Json get_journal (const ApiCall &call) {
   return {{"mark", call.server.journal ().mark ()}, {"entries", entries}};
 }
 
+Json get_reports (const ApiCall &call) {
+  const Journal &journal = call.server.journal ();
+  const std::uint64_t most = call.number ("limit", 1000);
+  Json entries = Json::array ();
+  for (const Journal::Report *report : journal.reports_since (call.number ("since", 0)))
+    if (entries.size () < most)
+      entries.push_back (journal_report_json (*report));
+  return {{"mark", journal.report_mark ()}, {"entries", entries}};
+}
+
 Json get_clients (const ApiCall &call) {
   return clients_json (call.server);
 }
@@ -184,13 +194,16 @@ Json delete_faults (const ApiCall &call) {
 
 const std::map<std::string, Route> &routes () {
   static const auto &table = *new std::map<std::string, Route>{
-      {"GET state", get_state},         {"GET channels", get_channels}, {"PUT channels", put_channel},
-      {"GET clips", get_clips},         {"PUT clips", put_clip},        {"DELETE clips", delete_clip},
-      {"POST commands", post_commands}, {"POST reports", post_reports}, {"GET time", get_time},
-      {"PUT time", put_time},           {"POST time", post_step},       {"POST reset", post_reset},
-      {"GET journal", get_journal},     {"GET clients", get_clients},   {"DELETE clients", delete_client},
-      {"POST clients", post_client},    {"GET faults", get_faults},     {"POST faults", post_faults},
-      {"DELETE faults", delete_faults},
+      {"GET state", get_state},         {"GET channels", get_channels},
+      {"PUT channels", put_channel},    {"GET clips", get_clips},
+      {"PUT clips", put_clip},          {"DELETE clips", delete_clip},
+      {"POST commands", post_commands}, {"POST reports", post_reports},
+      {"GET reports", get_reports},     {"GET time", get_time},
+      {"PUT time", put_time},           {"POST time", post_step},
+      {"POST reset", post_reset},       {"GET journal", get_journal},
+      {"GET clients", get_clients},     {"DELETE clients", delete_client},
+      {"POST clients", post_client},    {"GET faults", get_faults},
+      {"POST faults", post_faults},     {"DELETE faults", delete_faults},
   };
   return table;
 }
@@ -241,7 +254,7 @@ Json ControlApi::carry_out (const ControlRequest &request) {
 
 SteeredServer &ControlApi::server_of (const std::string &address) const {
   for (SteeredServer *server : servers_)
-    if (address.empty () || server->world ().options.address == address)
+    if (address.empty () || server->address () == address)
       return *server;
   throw Refused (404, fmt::format ("there is no server {}", address));
 }

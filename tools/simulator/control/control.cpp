@@ -68,6 +68,8 @@ public:
     server_.set_pre_routing_handler ([this] (const httplib::Request &request, httplib::Response &response) {
       return check_access (request, response);
     });
+    if (steering.page)
+      add_page ();
     add_routes ();
     const ControlAddress address = read_control_address (steering.control);
     if (!server_.bind_to_port (address.host, address.port))
@@ -107,16 +109,19 @@ private:
     return httplib::Server::HandlerResponse::Handled;
   }
 
-  void add_routes () {
-    const auto handler = [this] (const httplib::Request &request, httplib::Response &response) {
-      answer (request, response);
-    };
+  void add_page () {
     server_.Get ("/", [] (const httplib::Request &, httplib::Response &response) {
       response.set_content (std::string (control_page), "text/html; charset=utf-8");
     });
     server_.Get ("/events", [this] (const httplib::Request &request, httplib::Response &response) {
       send_events (request, response);
     });
+  }
+
+  void add_routes () {
+    const auto handler = [this] (const httplib::Request &request, httplib::Response &response) {
+      answer (request, response);
+    };
     server_.Get (".*", handler);
     server_.Post (".*", handler);
     server_.Put (".*", handler);

@@ -11,7 +11,7 @@ namespace sim {
 /// The control address: HTTP with JSON, on threads of its own. The loop does all the work.
 class Control {
 public:
-  /// Listens from now on. @throws std::runtime_error when the address cannot be had
+  /// Listens from now on. @throws std::runtime_error when the address cannot be used
   Control (Mailbox &mailbox, std::vector<SteeredServer *> servers, const Steering &steering);
   /// Ends all requests. The mailbox must have been closed before, so that none waits for the loop.
   ~Control ();

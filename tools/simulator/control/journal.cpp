@@ -17,6 +17,10 @@ std::size_t size_of (const Journal::Entry &entry) {
   return size;
 }
 
+std::size_t size_of (const Journal::Report &report) {
+  return report.message.size () + sizeof report;
+}
+
 // The text between the first two of these tags; nothing when the message does not begin with them.
 std::string identifier_of (std::string_view message) {
   constexpr std::string_view open = "<reply><xid>", close = "</xid>";
@@ -41,6 +45,31 @@ void Journal::add (int client, std::int64_t milliseconds, std::string_view comma
   bytes_ += size_of (entry);
   entries_.push_back (std::move (entry));
   shorten ();
+}
+
+void Journal::add_sent (int client, std::int64_t milliseconds, std::string_view message) {
+  if (message.starts_with ("<reply>"))
+    answer (client, message);
+  else if (!message.starts_with ("<report><channel_timecode>") &&
+           !message.starts_with ("<report><channel_aux_audio_timecode>"))
+    add_report (client, milliseconds, message);
+}
+
+void Journal::add_report (int client, std::int64_t milliseconds, std::string_view message) {
+  reports_.push_back ({++last_report_, milliseconds, client, std::string (message)});
+  report_bytes_ += size_of (reports_.back ());
+  while (reports_.size () > most_entries || (report_bytes_ > most_bytes && reports_.size () > 1)) {
+    report_bytes_ -= size_of (reports_.front ());
+    reports_.pop_front ();
+  }
+}
+
+std::vector<const Journal::Report *> Journal::reports_since (std::uint64_t mark) const {
+  std::vector<const Report *> found;
+  for (const Report &report : reports_)
+    if (report.mark > mark)
+      found.push_back (&report);
+  return found;
 }
 
 void Journal::answer (int client, std::string_view message) {
@@ -71,6 +100,8 @@ void Journal::clear () {
   entries_.clear ();
   open_.clear ();
   bytes_ = 0;
+  reports_.clear ();
+  report_bytes_ = 0;
 }
 
 Journal::Entry *Journal::find (std::uint64_t mark) {

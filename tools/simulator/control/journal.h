@@ -10,7 +10,8 @@
 
 namespace sim {
 
-/// The last commands of all clients with their answers. Bounded: the oldest go first. One thread.
+/// The last commands of all clients with their answers, and the last reports. Its size is limited: the oldest
+/// are removed first. One thread.
 class Journal {
 public:
   struct Entry {
@@ -19,14 +20,27 @@ public:
     int client = 0;
     std::string xid;
     std::string command;              ///< the whole document
-    std::vector<std::string> faults;  ///< names of those that have applied it
+    std::vector<std::string> faults;  ///< names of those that were applied to it
     std::vector<std::string> answers; ///< the messages that the server made, before any fault
     std::size_t left_out = 0;         ///< messages of a long answer that are not kept
   };
 
   void add (int client, std::int64_t milliseconds, std::string_view command, std::vector<std::string> faults);
-  /// A reply to a command of this client; other messages are passed over.
-  void answer (int client, std::string_view message);
+  /// A message to this client: the reply to a command is kept with it, a report by itself. Positions are not
+  /// kept: there is one for each field, so they would soon be all that is left.
+  void add_sent (int client, std::int64_t milliseconds, std::string_view message);
+
+  /// A report that was sent, before any fault.
+  struct Report {
+    std::uint64_t mark = 0;        ///< its number, from 1
+    std::int64_t milliseconds = 0; ///< since 1970, by the server's clock
+    int client = 0;
+    std::string message; ///< the whole document
+  };
+  /// The number of the last report.
+  std::uint64_t report_mark () const { return last_report_; }
+  /// Those after a mark that are still kept, the oldest first.
+  std::vector<const Report *> reports_since (std::uint64_t mark) const;
 
   /// The number of the last command.
   std::uint64_t mark () const { return last_mark_; }
@@ -35,6 +49,8 @@ public:
   void clear ();
 
 private:
+  void answer (int client, std::string_view message);
+  void add_report (int client, std::int64_t milliseconds, std::string_view message);
   Entry *find (std::uint64_t mark);
   void shorten ();
 
@@ -42,6 +58,9 @@ private:
   std::map<std::pair<int, std::string>, std::uint64_t> open_; ///< client and identifier: its last command
   std::uint64_t last_mark_ = 0;
   std::size_t bytes_ = 0;
+  std::deque<Report> reports_;
+  std::uint64_t last_report_ = 0;
+  std::size_t report_bytes_ = 0;
 };
 
 } // namespace sim

@@ -97,17 +97,18 @@ Json channels_json (const World &world) {
 Json clients_json (SteeredServer &server) {
   Json clients = Json::array ();
   for (const Connection &connection : server.connections ()) {
+    Json &json = clients.emplace_back (
+        Json{{"client", connection.number}, {"address", connection.address}, {"unsent", connection.unsent}});
+    if (!connection.client)
+      continue;
     Json kinds = Json::array ();
     for (const int kind : connection.client->reports)
       kinds.push_back (word ("ReportType", kind));
     Json channel_kinds = Json::array ();
     for (const auto &[channel, kind] : connection.client->channel_reports)
       channel_kinds.push_back (word ("Channel", channel) + ' ' + word ("ChannelReportType", kind));
-    clients.push_back ({{"client", connection.number},
-                        {"address", connection.address},
-                        {"unsent", connection.unsent},
-                        {"reports", kinds},
-                        {"channel_reports", channel_kinds}});
+    json["reports"] = kinds;
+    json["channel_reports"] = channel_kinds;
   }
   return clients;
 }
@@ -142,6 +143,14 @@ Json journal_entry_json (const Journal::Entry &entry) {
   json["answers"] = entry.answers;
   json["left_out"] = entry.left_out;
   return json;
+}
+
+Json journal_report_json (const Journal::Report &report) {
+  return {{"mark", report.mark},
+          {"milliseconds", report.milliseconds},
+          {"client", report.client},
+          {"report", json_of_message (report.message)},
+          {"text", report.message}};
 }
 
 Json lists_json (const World &world) {

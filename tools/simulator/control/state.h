@@ -13,6 +13,7 @@ Json clients_json (SteeredServer &server);
 Json time_json (const World &world);
 Json faults_json (const Faults &faults);
 Json journal_entry_json (const Journal::Entry &entry);
+Json journal_report_json (const Journal::Report &report);
 Json lists_json (const World &world);
 
 /// All of it but the clips, of which there may be a million, and the journal.

@@ -13,9 +13,9 @@ namespace sim {
 /// One connection, as it is listed.
 struct Connection {
   int number = 0;
-  std::string address;    ///< where it comes from
-  std::size_t unsent = 0; ///< bytes that wait to be sent
-  const Client *client = nullptr;
+  std::string address;            ///< where it comes from
+  std::size_t unsent = 0;         ///< bytes that wait to be sent
+  const Client *client = nullptr; ///< null for one of a proxy
 };
 
 /// A running server as it is steered from outside. One thread.
@@ -23,6 +23,9 @@ class SteeredServer {
 public:
   virtual ~SteeredServer () = default;
 
+  /// Where it listens.
+  virtual const std::string &address () const = 0;
+  /// @throws Refusal when it has no state of its own, as a proxy
   virtual World &world () = 0;
   virtual Faults &faults () = 0;
   virtual Journal &journal () = 0;

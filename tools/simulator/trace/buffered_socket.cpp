@@ -16,13 +16,22 @@ void BufferedSocket::read () {
   reading_ = true;
   socket_.async_read_some (asio::buffer (received_),
                            [self = shared_from_this ()] (const asio::error_code &error, std::size_t size) {
-                             self->reading_ = false;
                              if (error)
-                               return self->end ();
+                               return self->stop_reading (error);
+                             self->reading_ = false;
                              if (self->on_bytes)
                                self->on_bytes ({self->received_.data (), size});
                              self->read ();
                            });
+}
+
+// It counts as reading from now on, so that no read is started again.
+void BufferedSocket::stop_reading (const asio::error_code &error) {
+  const auto input_ended = std::exchange (on_input_end, nullptr);
+  if (error == asio::error::eof && input_ended)
+    input_ended ();
+  else
+    end ();
 }
 
 void BufferedSocket::end () {
@@ -41,17 +50,31 @@ void BufferedSocket::write () {
     return;
   writing_ = true;
   being_written_.swap (waiting_);
-  asio::async_write (socket_, asio::buffer (being_written_),
-                     [self = shared_from_this ()] (const asio::error_code &error, std::size_t) {
-                       self->writing_ = false;
-                       self->being_written_.clear ();
-                       if (error)
-                         self->end ();
-                       else if (!self->waiting_.empty ())
-                         self->write ();
-                       else if (self->finishing_)
-                         self->close ();
-                     });
+  asio::async_write (
+      socket_, asio::buffer (being_written_),
+      [self = shared_from_this ()] (const asio::error_code &error, std::size_t) { self->wrote (error); });
+}
+
+void BufferedSocket::wrote (const asio::error_code &error) {
+  writing_ = false;
+  being_written_.clear ();
+  if (error)
+    return end ();
+  if (!waiting_.empty ())
+    write ();
+  else if (finishing_)
+    close ();
+  else if (output_ends_)
+    finish_output ();
+  if (const auto sent = on_sent)
+    sent ();
+}
+
+void BufferedSocket::finish_output () {
+  output_ends_ = true;
+  asio::error_code ignored;
+  if (!writing_)
+    socket_.shutdown (asio::ip::tcp::socket::shutdown_send, ignored);
 }
 
 void BufferedSocket::finish () {

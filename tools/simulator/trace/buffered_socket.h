@@ -9,17 +9,24 @@
 
 namespace sim {
 
-/// One end of a connection. It passes on what it receives and queues what is to be sent. One thread. It lives
+/// A connected socket that passes on what it receives and queues what is to be sent. One thread. It lives
 /// while somebody holds it or a read or write is under way.
 class BufferedSocket : public std::enable_shared_from_this<BufferedSocket> {
 public:
   explicit BufferedSocket (asio::ip::tcp::socket socket) : socket_ (std::move (socket)) {}
 
   std::function<void (std::string_view bytes)> on_bytes;
-  std::function<void ()> on_end; ///< is called once, when the other side has ended or been lost
+  std::function<void ()> on_sent; ///< is called when the other side has taken some of what was queued
+  std::function<void ()> on_end;  ///< is called once, when the connection is closed or lost
+  /// Is called when the other side sends nothing more, but may still receive; without it, this is `on_end`.
+  std::function<void ()> on_input_end;
 
   void start ();
   void put (std::string_view bytes);
+  /// Bytes that are queued.
+  std::size_t unsent () const { return waiting_.size () + being_written_.size (); }
+  /// Sends nothing more after what is queued, but still receives.
+  void finish_output ();
   /// Closes when all that is queued has been sent.
   void finish ();
   void close ();
@@ -31,7 +38,9 @@ public:
 
 private:
   void read ();
+  void stop_reading (const asio::error_code &error);
   void write ();
+  void wrote (const asio::error_code &error);
   void end ();
 
   asio::ip::tcp::socket socket_;
@@ -41,6 +50,7 @@ private:
   bool reading_ = false;
   bool writing_ = false;
   bool may_read_ = true;
+  bool output_ends_ = false; ///< nothing is sent after what is queued
   bool finishing_ = false;
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "options.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -10,7 +12,8 @@ struct ProxyOptions {
   std::string listen; ///< IPv4 address, port 8913
   std::string server; ///< IPv4 address, port 8913
   std::string trace;  ///< file to write
-  std::string faults; ///< file of faults; empty: bytes are handed on as they come
+  std::string faults; ///< file of faults; without it and without a control address bytes pass as they come
+  Steering steering;  ///< how it is steered; it has no script
   std::optional<std::uint64_t> seed;
 };
 

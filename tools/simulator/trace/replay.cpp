@@ -18,7 +18,6 @@ namespace {
 
 using asio::ip::tcp;
 
-constexpr unsigned short port = 8913;
 constexpr std::string_view open_tag = "<xid>", close_tag = "</xid>";
 
 std::string_view identifier_of (std::string_view message) {
