@@ -1,7 +1,7 @@
 // Prints the table of doc/performance.md: what the library costs, compared with the least that it could cost.
 #include "anchors.h"
 #include "measure.h"
-#include "orva.h"
+#include "orva.hpp"
 #include "server.h"
 #include "sockets.h"
 #include "thin.h"
@@ -95,6 +95,24 @@ void measure_round_trips () {
   note ("`orva_cmd_stop1`, 99th percentile / handoff", at_part (stops, 0.99) / at_part (raw_stops, 0.99));
   note ("`orva_open_clip_metadata` / handoff of the same bytes",
         at_part (clips, 0.5) / at_part (raw_clips, 0.5));
+}
+
+void measure_cpp_header () {
+  Library library (near_server);
+  const orva::Server server (orva::Address (near_server), orva::Options{orva::no_limit});
+  server.wait_until_connected ();
+  const auto without = server.channel (orva::A);
+  const auto with = without.within (std::chrono::seconds (5));
+  const auto c = [&] { must (orva_cmd_stop1 (library, 0), "orva_cmd_stop1"); };
+  std::vector<double> c_stops, stops, limited_stops;
+  for (unsigned turn = 0; turn != 10; ++turn) {
+    time_each (c_stops, round_trips / 10, c);
+    time_each (stops, round_trips / 10, [&] { without.stop (); });
+    time_each (limited_stops, round_trips / 10, [&] { with.stop (); });
+  }
+  const double c_median = at_part (c_stops, 0.5);
+  note ("`orva.hpp`, `stop ()` without a limit / `orva_cmd_stop1`", at_part (stops, 0.5) / c_median);
+  note ("`orva.hpp`, `stop ()` with a limit / `orva_cmd_stop1`", at_part (limited_stops, 0.5) / c_median);
 }
 
 // --- Many commands
@@ -359,6 +377,8 @@ std::vector<Figure> figures_wanted () {
       {"`orva_cmd_stop1`, median / handoff", 1.10, 1.05, false},
       {"`orva_cmd_stop1`, 99th percentile / handoff", 1.15, 1.10, false},
       {"`orva_open_clip_metadata` / handoff of the same bytes", 1.5, 1.2, false},
+      {"`orva.hpp`, `stop ()` without a limit / `orva_cmd_stop1`", 1.05, 1.02, false},
+      {"`orva.hpp`, `stop ()` with a limit / `orva_cmd_stop1`", 1.25, 1.1, false},
       {"asynchronous `orva_cmd_play1` and `orva_sync` / raw sends", 0.45, 0.7, true},
       {"8 threads on one connection / raw", 0.80, 0.9, true},
       {"`channel_speed` a second / thin", 1.0, 2, true},
@@ -391,6 +411,7 @@ struct Group {
 };
 constexpr Group groups[] = {
     {"round_trips", measure_round_trips},
+    {"cpp_header", measure_cpp_header},
     {"asynchronous", measure_asynchronous},
     {"threads", measure_threads},
     {"streams", measure_streams},
