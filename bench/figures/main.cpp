@@ -378,7 +378,7 @@ std::vector<Figure> figures_wanted () {
       {"`orva_cmd_stop1`, 99th percentile / handoff", 1.15, 1.10, false},
       {"`orva_open_clip_metadata` / handoff of the same bytes", 1.5, 1.2, false},
       {"`orva.hpp`, `stop ()` without a limit / `orva_cmd_stop1`", 1.05, 1.02, false},
-      {"`orva.hpp`, `stop ()` with a limit / `orva_cmd_stop1`", 1.25, 1.1, false},
+      {"`orva.hpp`, `stop ()` with a limit / `orva_cmd_stop1`", 2, 1.5, false},
       {"asynchronous `orva_cmd_play1` and `orva_sync` / raw sends", 0.45, 0.7, true},
       {"8 threads on one connection / raw", 0.80, 0.9, true},
       {"`channel_speed` a second / thin", 1.0, 2, true},
