@@ -41,6 +41,11 @@ std::string must_be (const Parameter &parameter, const std::string &value) {
     return count_of (value) ? "" : "a whole number, 0 or more";
   case Takes::time:
     return time_of (value) ? "" : "a time such as 10s, 500ms or 2m";
+  case Takes::condition:
+    return written_condition_of (value)
+               ? ""
+               : "a channel and a state: 'A stopped' (or playing, recording, cueing, "
+                 "empty, loaded), 'A clip NAME' or 'A at POSITION'";
   case Takes::tracks:
     return set_of (track_words, value) ? "" : "a list of video, key and audio, or all, or none";
   case Takes::edit_tracks:
@@ -92,6 +97,8 @@ std::string value_name (const Parameter &parameter) {
   case Takes::tracks:
   case Takes::edit_tracks:
     return "TRACKS";
+  case Takes::condition:
+    return "CONDITION";
   case Takes::server:
     return "SERVER";
   case Takes::file:

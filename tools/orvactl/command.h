@@ -25,6 +25,7 @@ enum class Takes {
   number,      ///< any number
   count,       ///< a whole number that is not negative
   time,        ///< a length of time, such as 10s
+  condition,   ///< of a channel, such as "A stopped"
   tracks,      ///< such as video,audio
   edit_tracks, ///< such as bit4,others
   server,      ///< an address, or a name in the configuration
@@ -57,6 +58,7 @@ struct Command {
   std::string example; ///< a command line
   Run run;
   Servers servers = Servers::one;
+  bool hidden = false; ///< not in the list of commands
 
   std::string group () const { return name.substr (0, name.find (' ')); }
   std::string word () const { return name.substr (name.find (' ') + 1); }

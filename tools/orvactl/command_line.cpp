@@ -81,6 +81,8 @@ private:
     CLI::App *const app = parent->add_subcommand (command.word (), command.summary);
     app->footer ("Example:\n  " + command.example);
     app->require_subcommand (0);
+    if (command.hidden)
+      app->group ("");
     for (const Parameter &parameter : command.parameters)
       add (*app, &command, parameter);
     apps_.emplace_back (app, &command);
@@ -105,6 +107,8 @@ private:
       option = app.add_option (parameter.name, accept, help_of (parameter));
       option->type_name (parameter.option () ? value_name (parameter) : "");
       option->multi_option_policy (CLI::MultiOptionPolicy::TakeAll);
+      if (parameter.need == Need::repeated)
+        option->expected (1, CLI::detail::expected_max_vector_size)->allow_extra_args ();
     }
     if (!parameter.option () && parameter.need == Need::required)
       option->required ();
@@ -160,18 +164,6 @@ private:
         return "\"" + name + "\" has no option \"" + word + "\"." +
                suggestion (word.substr (0, word.find ('=')), option_names (*app));
     return std::string (error.what ()) + ". \"orvactl " + name + " --help\" explains it.";
-  }
-
-  /// The first word that is neither a global option nor the value of one.
-  static std::string command_word (const std::vector<std::string> &words) {
-    for (std::size_t i = 0; i != words.size (); ++i) {
-      if (!words[i].starts_with ("-"))
-        return words[i];
-      for (const Parameter &option : global_options ())
-        if (option.name == words[i] && option.takes != Takes::nothing && i + 1 != words.size ())
-          ++i;
-    }
-    return "";
   }
 
   static std::vector<std::string> first_words () {
@@ -245,6 +237,17 @@ std::string nearest (const std::string &word, const std::vector<std::string> &wo
     }
   }
   return best;
+}
+
+std::string command_word (const std::vector<std::string> &words) {
+  for (std::size_t i = 0; i != words.size (); ++i) {
+    if (!words[i].starts_with ("-"))
+      return words[i];
+    for (const Parameter &option : global_options ())
+      if (option.name == words[i] && option.takes != Takes::nothing && i + 1 != words.size ())
+        ++i;
+  }
+  return "";
 }
 
 CommandLine read_command_line (const std::vector<std::string> &words, Scope scope) {

@@ -7,7 +7,10 @@ namespace orvactl {
 const std::vector<Command> &commands () {
   static const std::vector<Command> all = [] {
     std::vector<Command> list;
-    for (const auto family : {state_commands, transport_commands, load_commands, clip_list_commands}) {
+    for (const auto family :
+         {state_commands, top_commands, watch_commands, transport_commands, load_commands, record_commands,
+          clip_list_commands, clip_commands, metadata_commands, virtual_clip_commands, playlist_commands,
+          store_commands, check_commands, ping_commands, script_commands, completion_commands}) {
       Family more = family ();
       list.insert (list.end (), std::make_move_iterator (more.begin ()),
                    std::make_move_iterator (more.end ()));

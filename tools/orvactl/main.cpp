@@ -29,9 +29,18 @@ Exit run (const std::vector<std::string> &words) {
   Settings settings = settings_of (line.arguments);
   if (command.servers == Servers::one && settings.servers.size () != 1)
     throw Problem (Exit::usage, "\"" + command.name + "\" works on one server.");
-  Session session (std::move (settings), false);
+  Session session (std::move (settings), command.name == "script");
   const Exit status = run_command (session, command, line.arguments);
   leave (static_cast<int> (status)); // does not wait for what a server has not answered
+}
+
+/// Monitoring systems read the standard output, and have a status of their own for what could not be found
+/// out.
+Exit unknown (const std::string &text) {
+  Output out (false, false);
+  out.line ("UNKNOWN - " + shown (text));
+  out.flush ();
+  return static_cast<Exit> (3);
 }
 
 } // namespace
@@ -44,7 +53,10 @@ int main (int argc, char **argv) {
     status = run (words);
   } catch (const Problem &problem) {
     status = problem.status ();
-    complain (status, problem.what (), json);
+    if (command_word (words) == "check")
+      status = unknown (problem.what ());
+    else
+      complain (status, problem.what (), json);
   } catch (const std::exception &error) {
     complain (status, error.what (), json);
   }

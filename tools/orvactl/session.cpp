@@ -66,7 +66,7 @@ Exit explain (Session &session, const Command &command, const Arguments &argumen
   Exit status = exit_of (error.kind ());
   if (error.kind () == orva::Kind::refused && missing_clip (session, command, arguments))
     status = Exit::not_found;
-  complain (status, error.what (), session.out ().json ());
+  session.complain (status, error.what ());
   return status;
 }
 
@@ -79,7 +79,7 @@ Exit run_command (Session &session, const Command &command, const Arguments &arg
     session.out ().flush ();
     return status;
   } catch (const Problem &problem) {
-    complain (problem.status (), problem.what (), session.out ().json ());
+    session.complain (problem.status (), problem.what ());
     return problem.status ();
   } catch (const orva::error &error) {
     return explain (session, command, arguments, error);

@@ -7,6 +7,7 @@
 #include <deque>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 
 namespace orvactl {
@@ -67,6 +68,14 @@ public:
   /// The server, for a command that works on one.
   Link &link () { return links ().front (); }
   orva::ServerControl<orva::throwing> ask () { return link ().ask (); }
+  /// The virtual clips that an earlier command of this session has opened for changes.
+  std::set<std::string> open_virtual_clips{};
+  /// Where in a script the command is, as text in front of its messages.
+  std::string place{};
+  /// Writes a message to the standard error.
+  void complain (Exit status, const std::string &text) const {
+    orvactl::complain (status, place + text, out_.json ());
+  }
 
 private:
   const Settings settings_;

@@ -15,10 +15,10 @@ Exit for_each_link (Session &session, Show show) {
       show (link);
     } catch (const Problem &problem) {
       status = problem.status ();
-      complain (status, problem.what (), session.out ().json ());
+      session.complain (status, problem.what ());
     } catch (const orva::error &error) {
       status = exit_of (error.kind ());
-      complain (status, link.label () + ": " + error.what (), session.out ().json ());
+      session.complain (status, link.label () + ": " + error.what ());
     }
   }
   return status;

@@ -1,4 +1,5 @@
 #include "values.h"
+#include "words.h"
 
 #include <charconv>
 #include <cmath>
@@ -110,6 +111,24 @@ std::optional<WrittenPosition> written_position_of (std::string_view text, bool 
   const auto fields = static_cast<std::int64_t> (*number) * (frames ? 2 : 1);
   written.fields = orva::Position (written.negative ? -fields : fields);
   return written;
+}
+
+std::optional<WrittenCondition> written_condition_of (std::string_view text) {
+  const std::size_t first = text.find (' ');
+  const auto channel = channel_of (text.substr (0, first));
+  if (!channel || first == std::string_view::npos)
+    return {};
+  const std::string_view rest = text.substr (first + 1);
+  const std::size_t second = rest.find (' ');
+  if (second == std::string_view::npos) {
+    const bool good = value_for (status_words, rest) || rest == "empty" || rest == "loaded";
+    return good ? std::optional (WrittenCondition{*channel, std::string (rest)}) : std::nullopt;
+  }
+  WrittenCondition written{*channel, std::string (rest.substr (0, second)),
+                           std::string (rest.substr (second + 1))};
+  const bool clip = written.word == "clip" && !written.value.empty ();
+  const bool at = written.word == "at" && written_position_of (written.value, false);
+  return clip || at ? std::optional (written) : std::nullopt;
 }
 
 } // namespace orvactl

@@ -37,4 +37,13 @@ struct WrittenPosition {
 /// "250" fields, "125f" frames or a timecode such as "10:00:00:12", each with a sign where `sign` allows it.
 std::optional<WrittenPosition> written_position_of (std::string_view text, bool sign);
 
+/// A condition of a channel: its channel, a word, and what the word needs.
+struct WrittenCondition {
+  orva::Channel channel;
+  std::string word;
+  std::string value{};
+};
+/// "A stopped" or another status, "A empty", "A loaded", "A clip NAME" or "A at POSITION".
+std::optional<WrittenCondition> written_condition_of (std::string_view text);
+
 } // namespace orvactl

@@ -43,4 +43,20 @@ Exit send_and_wait (Session &session, const Arguments &arguments, orva::Channels
   return Exit::done;
 }
 
+Condition condition_of (Link &link, const std::string &text) {
+  const WrittenCondition written = *written_condition_of (text);
+  const auto make = [&] () -> std::function<bool (const orva::ChannelState &)> {
+    if (const auto status = value_for (status_words, written.word))
+      return [=] (const auto &state) { return state.status == *status; };
+    if (written.word == "clip")
+      return [=] (const auto &state) { return state.clip == written.value; };
+    if (written.word == "at")
+      return [position = link.position (*written_position_of (written.value, false))] (const auto &state) {
+        return is_at (state, position);
+      };
+    return [empty = written.word == "empty"] (const auto &state) { return state.clip.empty () == empty; };
+  };
+  return {written.channel, make ()};
+}
+
 } // namespace orvactl

@@ -22,6 +22,14 @@ Exit send_and_wait (Session &session, const Arguments &arguments, orva::Channels
 orva::ChannelState wait_for_state (Session &session, orva::Channel channel,
                                    const std::function<bool (const orva::ChannelState &)> &reached);
 
+/// A condition of a channel that can be tested.
+struct Condition {
+  orva::Channel channel;
+  std::function<bool (const orva::ChannelState &)> holds;
+};
+/// @throws orva::invalid for a timecode that the server does not have
+Condition condition_of (Link &link, const std::string &text);
+
 /// Whether a channel is at a position, or plays on from it.
 bool is_at (const orva::ChannelState &state, orva::Position position);
 
