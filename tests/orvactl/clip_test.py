@@ -17,7 +17,7 @@ class Clip(tool.Case):
         clip = self.json("clip", "show", "NEWS/OPENER")
         self.assertEqual((clip["creator"], clip["project"], clip["tracks"], clip["metadata"]),
                          ("ann", "news", "video,audio", {}))
-        self.assertEqual(clip["timecode"]["counting"], "drop-frame")
+        self.assertEqual(clip["timecode"]["counting"], "non-drop-frame")
 
     def test_create_and_delete(self):
         self.good("clip", "create", "NEW", "--length", "50f", "--tracks", "video,key")
@@ -108,7 +108,7 @@ class VirtualClips(tool.Case):
         self.good("vclip", "clear", "CUT", "200", "10")
         self.good("vclip", "ripple", "CUT", "100", "-20")
         self.good("vclip", "enable", "CUT", "video,audio")
-        self.good("vclip", "configure", "CUT", "BARS")
+        self.good("vclip", "configure", "CUT", "BARS", "--tracks", "video,audio")
         self.good("load", "A", "CUT", "--virtual", "--at", "10", "--wait")
         self.assertEqual(self.channel("A")["position"], 10)
         self.good("unload", "A")
@@ -118,7 +118,7 @@ class VirtualClips(tool.Case):
 
     def test_several_changes_in_a_script(self):
         self.control.call("POST", "/reset")
-        script = 'vclip create CUT 500\nvclip begin CUT\nvclip add CUT BARS 100\nvclip add CUT BARS 50 --at 100\n' \
+        script = 'vclip create CUT 500\nvclip begin CUT\nvclip add CUT BARS 100 --tracks video\nvclip add CUT BARS 50 --at 100 --tracks video\n' \
                  'vclip end CUT\nvclip enable CUT all\n'
         self.good("script", input=script)
         self.assertEqual(len(self.commands("vclip_modification_start")), 2)

@@ -40,19 +40,18 @@ class Record(tool.Case):
         self.assertIn("TAKE", self.json("clips"))
 
     def test_a_step_that_fails_is_undone(self):
-        for command in ("edit", "play"):
-            for rule in ({"fault": "refuse", "text": "Not now"},):
-                self.control.call("POST", "/reset")
-                self.fault(command=command, channel="A", times=1, **rule)
-                run = self.tool("record", "A", "TAKE")
-                self.assertEqual((run.status, run.err), (1, "orvactl: Not now\n"), command)
-                self.assertAtRest()
-                self.assertNotIn("TAKE", self.json("clips"))
+        for command in ("insert_edit", "play"):
+            self.control.call("POST", "/reset")
+            self.fault(fault="refuse", text="Not now", command=command, times=1)
+            run = self.tool("record", "A", "TAKE", "--for", "10s")
+            self.assertEqual((run.status, run.err), (1, "orvactl: Not now\n"), command)
+            channel = self.channel("A")
+            self.assertEqual((channel["clip"], channel["edit_mask"]), ("", 0))
+            self.assertNotIn("TAKE", self.json("clips"))
 
     def test_a_clip_that_exists_is_not_touched(self):
-        before = self.channel("A")
         self.fails(1, "exists", "record", "A", "BARS")
-        self.assertEqual(self.channel("A"), before)
+        self.assertAtRest()
         self.assertIn("BARS", self.json("clips"))
 
     def test_ended_by_another(self):

@@ -70,7 +70,7 @@ class Ping(tool.Case):
 
     def test_a_frozen_server(self):
         self.fault(fault="freeze", everyone=True)
-        run = tool.Run("--server", self.address, "--timeout", "100ms", "ping", "--count", "2", "--interval", "1ms")
+        run = tool.Run("--server", self.address, "--timeout", "1s", "ping", "--count", "2", "--interval", "1ms")
         self.assertEqual(run.status, 4)
         self.assertIn("2 sent, 0 answered, 100% lost", run.out)
 

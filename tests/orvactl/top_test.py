@@ -22,7 +22,7 @@ class Terminal(tool.Case):
                               text=True, encoding="utf-8", timeout=tool.PATIENCE).stdout
 
     def run_there(self, *arguments, columns=140, **more):
-        command = "%s; echo ended with $?; exec sleep 1000" % shlex.join(tool.PROGRAM + list(arguments))
+        command = "trap : INT; %s; echo ended with $?; exec sleep 1000" % shlex.join(tool.PROGRAM + list(arguments))
         settings = ["%s=%s" % each for each in more.items()]
         self.tmux("new-session", "-d", "-x", str(columns), "-y", "30",
                   "env -u NO_COLOR %s sh -c %s" % (shlex.join(settings), shlex.quote(command)))

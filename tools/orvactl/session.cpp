@@ -72,6 +72,19 @@ Exit explain (Session &session, const Command &command, const Arguments &argumen
 
 } // namespace
 
+namespace {
+
+/// What was printed before a failure is not lost. A failure to write it has been told already, or does not
+/// matter now.
+void flush_quietly (Output &out) {
+  try {
+    out.flush ();
+  } catch (const Problem &) {
+  }
+}
+
+} // namespace
+
 Exit run_command (Session &session, const Command &command, const Arguments &arguments) {
   try {
     session.clock ().restart ();
@@ -79,9 +92,11 @@ Exit run_command (Session &session, const Command &command, const Arguments &arg
     session.out ().flush ();
     return status;
   } catch (const Problem &problem) {
+    flush_quietly (session.out ());
     session.complain (problem.status (), problem.what ());
     return problem.status ();
   } catch (const orva::error &error) {
+    flush_quietly (session.out ());
     return explain (session, command, arguments, error);
   }
 }
