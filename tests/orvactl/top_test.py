@@ -14,7 +14,7 @@ import tool
 class Terminal(tool.Case):
     def setUp(self):
         super().setUp()
-        self.socket = "orvactl-test-%d" % os.getpid()
+        self.socket = "%s-%d" % (self._testMethodName, os.getpid())  # a server that ends must not be met again
         self.addCleanup(self.tmux, "kill-server")
 
     def tmux(self, *arguments):

@@ -18,12 +18,12 @@ std::vector<std::string> chosen (const Arguments &arguments, std::vector<std::st
   return names;
 }
 
-/// What the server knows of clips, in their order. Some questions are under way at a time. A clip that is
-/// deleted meanwhile is left out.
+/// What the server knows of clips, in their order. Of many names, some questions are under way at a time. A
+/// clip that is deleted meanwhile is left out.
 template <class Take>
 void for_each_info (Session &session, const std::vector<std::string> &names, Take take) {
   using Answer = std::future<orva::result<orva::ClipInfo>>;
-  constexpr std::size_t at_once = 8;
+  const std::size_t at_once = names.size () > 100 ? 8 : 1; // a few are not worth the threads
   std::deque<Answer> answers;
   Progress progress ("clips", names.size ());
   std::size_t asked = 0;

@@ -123,14 +123,9 @@ std::vector<Cell> channel_row (const orva::ChannelState &state, orva::Channel ch
 }
 
 std::vector<std::pair<orva::Channel, orva::ChannelState>> states_of (Link &link, orva::Channels channels) {
-  using Answer = std::future<orva::result<orva::ChannelState>>;
-  const auto ask = link.ask ().async ();
-  std::vector<std::pair<orva::Channel, Answer>> answers;
-  for (const orva::Channel channel : channels)
-    answers.emplace_back (channel, ask.channel (channel).state ());
   std::vector<std::pair<orva::Channel, orva::ChannelState>> states;
-  for (auto &[channel, answer] : answers)
-    states.emplace_back (channel, answer.get ().value ());
+  for (const orva::Channel channel : channels)
+    states.emplace_back (channel, link.ask ().channel (channel).state ());
   return states;
 }
 

@@ -28,7 +28,7 @@ std::vector<std::string> channel_heading (bool servers);
 std::vector<Cell> channel_row (const orva::ChannelState &state, orva::Channel channel,
                                const orva::Timebase &base);
 
-/// The states of channels, asked for at the same time. @throws what the first that fails throws
+/// The states of channels, asked for one after the other.
 std::vector<std::pair<orva::Channel, orva::ChannelState>> states_of (Link &link, orva::Channels channels);
 
 } // namespace orvactl
