@@ -4,6 +4,7 @@ import os
 import random
 import re
 import time
+import unittest
 import xml.etree.ElementTree as ElementTree
 
 import support
@@ -203,3 +204,9 @@ class Random(support.Case):
             self.assertEqual((len(truth.values), len(truth.lists)), (20, 4))
         self.assertGreater(counts[True], 300)
         self.assertGreater(counts[False], 100)
+
+
+class Load(unittest.TestCase):
+    def test_random_load_for_two_seconds(self):
+        import random_load  # which needs the names above
+        self.assertTrue(random_load.Load(2 / 60, 1).run(may_grow=True))
