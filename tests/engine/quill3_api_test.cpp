@@ -754,13 +754,13 @@ TEST (Registry, HoldsAHundredThousandOpenCommands) {
   xids.reserve (many);
   for (uint32_t i = 0; i != many; ++i) {
     auto entry = std::make_shared<XIDRegistryEntry> ();
-    entry->ok = AMethod::bind (&counter, &Counter::on_ok);
-    entry->error = AMethod::bind (&counter, &Counter::on_error);
+    entry->set (BodyNumber::ok, callback::ok (AMethod::bind (&counter, &Counter::on_ok)));
+    entry->set (BodyNumber::error, callback::error (AMethod::bind (&counter, &Counter::on_error)));
     xids.push_back (registry.issue_id (entry));
   }
   EXPECT_EQ (registry.outstanding_count (), many);
   for (uint32_t i = 0; i != many; i += 2)
-    registry.fire (xids[many - 1 - i], Entry::Ends, &XIDRegistryEntry::ok);
+    registry.fire<callback::ok> (xids[many - 1 - i], Entry::Ends, BodyNumber::ok);
   EXPECT_EQ (counter.ok, 50000);
   EXPECT_EQ (registry.outstanding_count (), many / 2);
   registry.fail_all ();

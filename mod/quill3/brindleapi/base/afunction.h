@@ -63,6 +63,8 @@ public:
   AFunction (std::nullptr_t) noexcept {}
   /// Calls `f (...)` (kind 1). Here and below a null function makes an empty value.
   AFunction (R (*f) (A...)) noexcept : AFunctionBase (1, erased (f), 0, {}) {}
+  /// A value to be kept, or one that was kept so. It must be run with the signature that it had at first.
+  explicit AFunction (const AFunctionBase &kept) noexcept : AFunctionBase (kept) {}
 
   /// Calls `f (...)` (kind 1).
   static AFunction plain (R (*f) (A...)) noexcept { return AFunction (f); }

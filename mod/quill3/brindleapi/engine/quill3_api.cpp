@@ -60,7 +60,7 @@ AString API::open_command (const Shared &entry, const AString &name, const Rows 
 
 #define EMPTY(reply) callback::reply ()
 #define CALLBACK(reply) callback::reply reply
-#define SET(reply) entry->reply = reply;
+#define SET(reply) entry->set (BodyNumber::reply, reply);
 #define COMMAND(name, answers, ...)                                                                          \
   AString API::name (const command::name &arguments) {                                                       \
     return name (arguments, LIST_OF (EMPTY, NAMES answers), callback::error ());                             \
@@ -69,7 +69,7 @@ AString API::open_command (const Shared &entry, const AString &name, const Rows 
                      callback::error error) {                                                                \
     auto entry = std::make_shared<XIDRegistryEntry> ();                                                      \
     EACH (SET, NAMES answers)                                                                                \
-    entry->error = error;                                                                                    \
+    entry->set (BodyNumber::error, error);                                                                   \
     return open_command (entry, command_name (CommandNumber::name), rows_of (&arguments), &arguments);       \
   }
 #include "engine/commands.inc"
@@ -80,8 +80,8 @@ AString API::open_command (const Shared &entry, const AString &name, const Rows 
 #define VALUE(field) std::move (GIVEN (field))
 #define REPLY(name, entry, ...)                                                                              \
   void API::on_##name (AString xid __VA_OPT__ (, LIST_OF (PARAMETER, __VA_ARGS__))) {                        \
-    registry_->fire (xid, Entry::entry,                                                                      \
-                     &XIDRegistryEntry::name __VA_OPT__ (, LIST_OF (VALUE, __VA_ARGS__)));                   \
+    registry_->fire<callback::name> (xid, Entry::entry,                                                      \
+                                     BodyNumber::name __VA_OPT__ (, LIST_OF (VALUE, __VA_ARGS__)));          \
   }
 #include "engine/bodies.inc"
 #undef VALUE

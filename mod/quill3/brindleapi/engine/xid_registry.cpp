@@ -3,6 +3,7 @@
 #include "platform/threads.h"
 
 #include <new>
+#include <optional>
 
 namespace QUILL3 {
 
@@ -25,16 +26,35 @@ uint32_t next_number () {
 }
 
 constexpr uint32_t code_general = 0;
+constexpr unsigned most_digits = 10; // of a number with 32 bits
+
+// Numbers that sort like their texts: the digits at the left end, then how many there are.
+uint64_t text_order (uint32_t number) {
+  constexpr uint64_t smallest_of_most_digits = 1000000000, above_count = 16;
+  uint64_t digits = number;
+  unsigned count = most_digits;
+  for (; digits != 0 && digits < smallest_of_most_digits; digits *= 10)
+    --count;
+  return digits * above_count + count;
+}
+
+// The number of an identifier of this library, none for any other text.
+std::optional<uint32_t> number_of (const AString &xid) {
+  if (xid.is_empty () || xid.length () > most_digits ||
+      (xid.first_char () == AChar ('0') && xid.length () > 1))
+    return std::nullopt;
+  uint64_t number = 0;
+  const bool is_number = xid.walk_runs ([&number] (const AChar *run, uint64_t count) {
+    for (; count != 0 && run->is_digit (); --count)
+      number = number * 10 + static_cast<uint64_t> (run++->digit_value (0));
+    return count == 0;
+  });
+  if (!is_number || !std::in_range<uint32_t> (number))
+    return std::nullopt;
+  return static_cast<uint32_t> (number);
+}
 
 } // namespace
-
-bool XIDRegistryEntry::is_awaited () const {
-#define REPLY(name, ...)                                                                                     \
-  if (!name.is_empty ())                                                                                     \
-    return true;
-#include "engine/bodies.inc"
-  return false;
-}
 
 bool XIDRegistryEntry::claim () {
   return (state_.fetch_or (ended) & ended) == 0;
@@ -70,45 +90,46 @@ XIDRegistry::XIDRegistry () {
   failure_text ();
 }
 
-// C101: doc/compatibility.md
-AString XIDRegistry::issue_id (const Shared &entry) {
-  if (!entry->is_awaited ())
-    return untracked_prefix () + free_number ();
-  enter (entry);
-  return entry->xid_;
-}
-
-AString XIDRegistry::free_number () {
-  AMutexScope hold (lock_);
-  for (;;) {
-    AString xid = AString::from_uint32 (next_number ());
-    if (locate (xid).table == nullptr)
-      return xid;
-  }
-}
-
 // A command that a callback sends during a run belongs to that run, also when there is a new link by then.
-// C107: doc/compatibility.md
-void XIDRegistry::enter (const Shared &entry) {
+// C101, C107: doc/compatibility.md
+AString XIDRegistry::issue_id (const Shared &entry) {
   AMutexScope hold (lock_);
-  entry->xid_ = free_number ();
+  const uint32_t number = free_number ();
+  if (!entry->is_awaited ())
+    return untracked_prefix () + AString::from_uint32 (number);
+  entry->number_ = number;
   Run *run = run_of_this_thread ();
-  (run != nullptr ? run->taken : entries_).emplace (entry->xid_, entry);
+  Table &table = run != nullptr ? run->taken : entries_;
+  AString xid = AString::from_uint32 (number);
+  table.emplace_hint (table.end (), text_order (number), entry);
+  return xid;
 }
 
-XIDRegistry::Location XIDRegistry::locate (const AString &xid) noexcept {
-  Location found{&entries_, entries_.find (xid)};
+uint32_t XIDRegistry::free_number () {
+  uint32_t number = 0;
+  do
+    number = next_number ();
+  while (locate (number).table != nullptr);
+  return number;
+}
+
+XIDRegistry::Location XIDRegistry::locate (uint32_t number) noexcept {
+  const uint64_t place = text_order (number);
+  Location found{&entries_, entries_.find (place)};
   for (Run *run = runs_; found.entry == found.table->end (); run = run->next) {
     if (run == nullptr)
       return {nullptr, {}};
-    found = {&run->taken, run->taken.find (xid)};
+    found = {&run->taken, run->taken.find (place)};
   }
   return found;
 }
 
 XIDRegistry::Shared XIDRegistry::find_entry (const AString &xid) {
+  const std::optional<uint32_t> number = number_of (xid);
+  if (!number)
+    return nullptr;
   AMutexScope hold (lock_);
-  Location found = locate (xid);
+  const Location found = locate (*number);
   return found.table != nullptr ? found.entry->second : nullptr;
 }
 
@@ -122,7 +143,7 @@ uint32_t XIDRegistry::outstanding_count () {
 
 void XIDRegistry::remove_entry (const Shared &entry) noexcept {
   AMutexScope hold (lock_);
-  Location found = locate (entry->xid_);
+  Location found = locate (entry->number_);
   if (found.table != nullptr && found.entry->second == entry)
     found.table->erase (found.entry);
 }
@@ -137,7 +158,7 @@ bool XIDRegistry::cancel (const AString &xid) {
 
 void XIDRegistry::run_error (const Shared &entry) noexcept {
   try {
-    entry->error.run (failure_text (), code_general);
+    entry->callback_for<callback::error> (BodyNumber::error).run (failure_text (), code_general);
   } catch (...) { // the command has failed all the same
   }
 }

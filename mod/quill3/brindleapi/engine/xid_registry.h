@@ -3,11 +3,12 @@
 #include "base/amutex.h"
 #include "base/astring.h"
 #include "engine/callbacks.h"
+#include "engine/quill3_api_parser.h"
 
 #include <atomic>
+#include <iterator>
 #include <map>
 #include <memory>
-#include <type_traits>
 #include <utility>
 
 namespace QUILL3 {
@@ -23,18 +24,26 @@ enum class Entry {
 /// rest is atomic.
 class XIDRegistryEntry {
 public:
-  // One callback for each kind of reply, with the name of the reply. It is empty when the sender does not
-  // want that reply.
-#define REPLY(name, ...) callback::name name{};
-#include "engine/bodies.inc"
-
+  /// Sets the callback for one kind of reply, at most once for each kind and four in all. An empty one
+  /// changes nothing, because that is what each kind has at first.
+  template <class Callback>
+  void set (BodyNumber reply, const Callback &callback) {
+    if (!callback.is_empty () && KELVANE_ASSERT (callback_count_ != std::size (callbacks_)))
+      callbacks_[callback_count_++] = {reply, AFunction<void ()> (callback)};
+  }
+  /// The callback for one kind of reply, of the type with which it was set.
+  template <class Callback>
+  Callback callback_for (BodyNumber reply) const {
+    for (uint32_t i = 0; i != callback_count_; ++i)
+      if (callbacks_[i].reply == reply)
+        return Callback (callbacks_[i].function);
+    return {};
+  }
   /// Whether any callback is set.
-  bool is_awaited () const;
+  bool is_awaited () const { return callback_count_ != 0; }
 
   /// Whether a thread has claimed the right to end this command.
-  bool has_ended () const {
-    return (state_ & ended) != 0;
-  }
+  bool has_ended () const { return (state_ & ended) != 0; }
 
   /// Claims the right to end this command. @return true to exactly one caller.
   bool claim ();
@@ -62,7 +71,14 @@ private:
   static constexpr uint32_t failed_meanwhile = 0x40000000;
   static constexpr uint32_t running = 0x3FFFFFFF;
 
-  AString xid_;
+  struct Callback {
+    BodyNumber reply{};
+    AFunction<void ()> function{}; ///< its type is that of the reply
+  };
+
+  Callback callbacks_[4];
+  uint32_t callback_count_ = 0;
+  uint32_t number_ = 0; ///< its identifier
   std::atomic<uint32_t> state_{0};
 };
 
@@ -88,17 +104,16 @@ public:
   /// during that callback, it stops counting at once.
   uint32_t outstanding_count ();
 
-  /// Passes a reply to its callback. Nothing happens when the command is not open. When the callback is
-  /// empty, a reply that closes commands still closes this one.
+  /// Passes a reply to its callback, which was set as a @p Callback. Nothing happens when the command is not
+  /// open. When the callback is empty, a reply that closes commands still closes this one.
   // C103: doc/compatibility.md
-  template <class... Values>
-  void fire (const AString &xid, Entry effect, AFunction<void (Values...)> XIDRegistryEntry::*slot,
-             std::type_identity_t<Values>... values) {
+  template <class Callback, class... Values>
+  void fire (const AString &xid, Entry effect, BodyNumber reply, Values... values) {
     Shared entry = find_entry (xid);
     if (entry == nullptr || !(effect == Entry::Ends ? entry->claim () : entry->begin_item ()))
       return;
     Finish finish{*this, entry, effect};
-    (entry.get ()->*slot).run (std::move (values)...);
+    entry->callback_for<Callback> (reply).run (std::move (values)...);
   }
 
   /// Ends a command without a callback. A callback that is running continues. @return false when the command
@@ -116,7 +131,7 @@ public:
   void fail_all () noexcept;
 
 private:
-  using Table = std::map<AString, Shared>;
+  using Table = std::map<uint64_t, Shared>; ///< by the text order of the identifier
   /// One `fail_all` in progress, on the stack of its thread, with the commands that it still has to fail.
   struct Run {
     const uint32_t thread;
@@ -142,11 +157,10 @@ private:
     }
   };
 
-  AString free_number ();
-  void enter (const Shared &entry);
+  uint32_t free_number () KELVANE_REQUIRES (lock_);
   void remove_entry (const Shared &entry) noexcept;
   void end_item (const Shared &entry) noexcept;
-  Location locate (const AString &xid) noexcept KELVANE_REQUIRES (lock_);
+  Location locate (uint32_t number) noexcept KELVANE_REQUIRES (lock_);
   Run *run_of_this_thread () noexcept KELVANE_REQUIRES (lock_);
   // Moves all open commands into the run. False when this thread has a run already, which then fails them.
   bool begin_run (Run &run) noexcept;
