@@ -133,13 +133,13 @@ private:
   bool open () {
     if (!blank_ || (open_ == none && !nodes_.empty ()))
       return false;
-    XMLNodes::Node node;
+    const auto number = static_cast<uint32_t> (nodes_.size ());
+    XMLNodes::Node &node = nodes_.emplace_back ();
     node.name = names_ != nullptr ? names_->find (name_) : XMLNameTable::unknown;
     node.name_first = place (name_.data ());
     node.name_length = static_cast<uint32_t> (name_.size ());
     node.end = open_; // where to go back to, until it is closed
-    open_ = static_cast<uint32_t> (nodes_.size ());
-    nodes_.push_back (node);
+    open_ = number;
     return true;
   }
 

@@ -20,13 +20,6 @@ uint64_t skip_space (std::string_view b, uint64_t i) {
   return i;
 }
 
-// Back from behind a part of a tag to behind the part in front of it.
-uint64_t skip_space_back (std::string_view b, uint64_t i) {
-  while (i != 0 && is_framing_space (b[i - 1]))
-    --i;
-  return i;
-}
-
 /// No: whatever follows, this is not the tag. Cut: more bytes can still make it one.
 enum class Match { Yes, No, Cut };
 
@@ -69,54 +62,31 @@ uint64_t find_tag (std::string_view b, uint64_t from, Match *result, Matches mat
   return b.size ();
 }
 
-// Whether the bytes in front of a name make it one of a closing tag. `*i`: the place of the name, then of the
-// tag.
-bool begins_closing_tag (std::string_view b, uint64_t *i) {
-  uint64_t at = skip_space_back (b, *i);
-  if (at == 0 || b[at - 1] != '/')
-    return false;
-  at = skip_space_back (b, at - 1);
-  if (at == 0 || b[at - 1] != '<')
-    return false;
-  *i = at - 1;
-  return true;
+// The place of the tag in which the slash at `slash` closes, or npos where nothing but a slash is.
+size_t begin_of_closing_tag (std::string_view b, uint64_t slash) {
+  while (slash != 0 && is_framing_space (b[slash - 1]))
+    --slash;
+  return slash != 0 && b[slash - 1] == '<' ? slash - 1 : b.npos;
 }
 
 // The place of the first closing tag that begins at `from` or behind it, whole or cut at the end, or the end.
-// Looks for the name, because that is faster than looking at each tag.
-uint64_t find_closing_tag (std::string_view b, uint64_t from, Match *result, const XMLSearchName &name) {
-  for (uint64_t i = from; (i = name.find_in (b, i)) != b.size (); ++i) {
-    uint64_t place = i;
-    if (!begins_closing_tag (b, &place))
+// Looks for slashes, because there are fewer of them than of tags.
+uint64_t find_closing_tag (std::string_view b, uint64_t from, Match *result, std::string_view name) {
+  for (uint64_t i = b.find ('/', from); i != b.npos; i = b.find ('/', i + 1)) {
+    const size_t place = begin_of_closing_tag (b, i);
+    if (place == b.npos)
       continue;
-    *result = match_tag (name.text (), b.substr (place), true);
+    *result = match_tag (name, b.substr (place), true);
     if (*result != Match::No)
       return place;
   }
   const std::string_view rest = b.substr (from);
   const size_t last = rest.rfind ('<'); // only the last tag can be cut
-  const bool is_cut = last != rest.npos && match_tag (name.text (), rest.substr (last), true) == Match::Cut;
+  const bool is_cut = last != rest.npos && match_tag (name, rest.substr (last), true) == Match::Cut;
   *result = is_cut ? Match::Cut : Match::No;
   return is_cut ? from + last : b.size ();
 }
 } // namespace
-
-XMLSearchName::XMLSearchName (std::string_view name) : text_ (name) {
-  step_.fill (static_cast<uint8_t> (std::min<size_t> (name.size (), UINT8_MAX)));
-  for (size_t i = 0; i + 1 < name.size (); ++i)
-    step_[static_cast<unsigned char> (name[i])] =
-        static_cast<uint8_t> (std::min<size_t> (name.size () - 1 - i, UINT8_MAX));
-}
-
-uint64_t XMLSearchName::find_in (std::string_view bytes, uint64_t from) const {
-  for (uint64_t end = from + text_.size (); end <= bytes.size ();) {
-    const char last = bytes[end - 1];
-    if (last == text_.back () && bytes.substr (end - text_.size (), text_.size ()) == text_)
-      return end - text_.size ();
-    end += step_[static_cast<unsigned char> (last)];
-  }
-  return bytes.size ();
-}
 
 XMLStreamParser::XMLStreamParser (uint64_t bufsize) : bufsize_ (bufsize) {
   if (!KELVANE_ASSERT (bufsize != 0))
@@ -165,8 +135,8 @@ bool XMLStreamParser::find_opening () {
   Match result;
   searched_ = find_tag (bytes (), searched_, &result, [this] (std::string_view b) {
     Match best = Match::No;
-    for (const XMLSearchName &name : element_names_) {
-      const Match m = match_tag (name.text (), b, false);
+    for (const std::string &name : element_names_) {
+      const Match m = match_tag (name, b, false);
       if (m == Match::Yes) {
         open_name_ = &name;
         return m;

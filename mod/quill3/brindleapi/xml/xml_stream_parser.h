@@ -3,26 +3,10 @@
 
 #include "xml/xml_nodes.h"
 
-#include <array>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
-
-/// A name that is looked for in bytes; not empty.
-class XMLSearchName {
-public:
-  explicit XMLSearchName (std::string_view name);
-
-  std::string_view text () const { return text_; }
-  /// Its first place in @p bytes from @p from on, or the number of the bytes.
-  uint64_t find_in (std::string_view bytes, uint64_t from) const;
-
-private:
-  std::string text_;
-  /// How far to go on where the last character of a place is this one.
-  std::array<uint8_t, 256> step_;
-};
 
 /// Takes the bytes of a stream and returns the elements with registered names, one at a time. It looks for
 /// the first opening tag of a registered name and for the next closing tag of that name, without counting
@@ -44,7 +28,7 @@ public:
   XMLStreamParser (const XMLStreamParser &) = delete;
   XMLStreamParser &operator= (const XMLStreamParser &) = delete;
 
-  /// Registers a top-level element. Called before the first `feed`. @param name not empty
+  /// Registers a top-level element. Called before the first `feed`.
   void add_element_name (std::string_view name);
   /// Known names for the parser; null for none. The table must outlive this object.
   void set_names (const XMLNameTable *names) { nodes_.set_names (names); }
@@ -84,11 +68,11 @@ private:
   uint64_t first_ = 0; ///< where the bytes not yet consumed begin
   uint64_t used_ = 0;  ///< their number
   bool failed_ = false;
-  std::vector<XMLSearchName> element_names_;
+  std::vector<std::string> element_names_;
   XMLNodes nodes_; ///< the element in hand
 
   // How far the search has come, counted from first_, so that bytes are looked at once however they arrive.
-  const XMLSearchName *open_name_ = nullptr; ///< of the opening tag found, null while there is none
-  uint64_t open_pos_ = 0;                    ///< its place
-  uint64_t searched_ = 0;                    ///< no tag looked for begins before this
+  const std::string *open_name_ = nullptr; ///< of the opening tag found, null while there is none
+  uint64_t open_pos_ = 0;                  ///< its place
+  uint64_t searched_ = 0;                  ///< no tag looked for begins before this
 };
