@@ -756,7 +756,7 @@ TEST (Registry, HoldsAHundredThousandOpenCommands) {
     auto entry = std::make_shared<XIDRegistryEntry> ();
     entry->set (BodyNumber::ok, callback::ok (AMethod::bind (&counter, &Counter::on_ok)));
     entry->set (BodyNumber::error, callback::error (AMethod::bind (&counter, &Counter::on_error)));
-    xids.push_back (registry.issue_id (entry));
+    xids.push_back (AString::from_latin1 (registry.issue_id (entry)));
   }
   EXPECT_EQ (registry.outstanding_count (), many);
   for (uint32_t i = 0; i != many; i += 2)

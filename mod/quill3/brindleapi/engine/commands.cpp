@@ -5,7 +5,9 @@ namespace QUILL3 {
 void CommandDocument::write_to (XMLSink &sink) const {
   static const AString &root = *new AString ("cmd");
   sink.open (root);
-  write_value (sink, Tag::xid, &xid);
+  sink.open (tag_name (Tag::xid));
+  sink.plain_text (xid);
+  sink.close (tag_name (Tag::xid));
   sink.open (wire_name);
   write_fields (sink, rows, command);
   sink.close (wire_name);
@@ -18,7 +20,8 @@ XMLTree CommandDocument::tree () const {
   return sink.take_first ();
 }
 
-XMLTree make_document (const AString &xid, const AString &wire_name, const Rows &rows, const void *command) {
+XMLTree make_document (std::string_view xid, const AString &wire_name, const Rows &rows,
+                       const void *command) {
   return CommandDocument{xid, wire_name, rows, command}.tree ();
 }
 

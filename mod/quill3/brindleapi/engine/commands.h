@@ -28,7 +28,7 @@ inline constexpr uint32_t command_count = 0
 /// A command on its way out: the root `cmd` with the identifier, then the element with the wire name over the
 /// arguments. What it refers to must outlive it.
 struct CommandDocument {
-  const AString &xid;
+  const std::string_view xid; ///< ASCII
   const AString &wire_name;
   const Rows rows; ///< of the command's struct
   const void *command;
@@ -37,6 +37,6 @@ struct CommandDocument {
   XMLTree tree () const;
 };
 
-XMLTree make_document (const AString &xid, const AString &wire_name, const Rows &rows, const void *command);
+XMLTree make_document (std::string_view xid, const AString &wire_name, const Rows &rows, const void *command);
 
 } // namespace QUILL3

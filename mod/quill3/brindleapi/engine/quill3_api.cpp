@@ -44,22 +44,25 @@ void API::fail_all_commands () noexcept {
 }
 
 // The command is open before its first byte leaves, so that no reply can overtake it and a failure finds it.
-AString API::open_command (const Shared &entry, const AString &name, const Rows &rows,
-                           const void *arguments) {
-  AString xid = registry_->issue_id (entry);
+void API::open_command (const Shared &entry, const AString &name, const Rows &rows, const void *arguments,
+                        AString *xid) {
+  const std::string issued = registry_->issue_id (entry);
   try {
-    send_document ({xid, name, rows, arguments}, AMethod::bind (entry.get (), &XIDRegistryEntry::has_ended));
+    if (xid != nullptr)
+      *xid = AString::from_latin1 (issued);
+    send_document ({issued, name, rows, arguments},
+                   AMethod::bind (entry.get (), &XIDRegistryEntry::has_ended));
   } catch (...) { // out of memory: passed on, unless the command has ended meanwhile and its callback has run
     if (!entry->is_awaited () || registry_->withdraw (entry))
       throw;
   }
   if (is_ending ()) // open commands are no longer failed, so this one would wait for ever
     registry_->fail (entry);
-  return xid;
 }
 
 #define EMPTY(reply) callback::reply ()
 #define CALLBACK(reply) callback::reply reply
+#define PASS(reply) reply
 #define SET(reply) entry->set (BodyNumber::reply, reply);
 #define COMMAND(name, answers, ...)                                                                          \
   AString API::name (const command::name &arguments) {                                                       \
@@ -67,14 +70,21 @@ AString API::open_command (const Shared &entry, const AString &name, const Rows 
   }                                                                                                          \
   AString API::name (const command::name &arguments, LIST_OF (CALLBACK, NAMES answers),                      \
                      callback::error error) {                                                                \
+    AString xid;                                                                                             \
+    send (arguments, LIST_OF (PASS, NAMES answers), error, &xid);                                            \
+    return xid;                                                                                              \
+  }                                                                                                          \
+  void API::send (const command::name &arguments, LIST_OF (CALLBACK, NAMES answers), callback::error error,  \
+                  AString *xid) {                                                                            \
     auto entry = std::make_shared<XIDRegistryEntry> ();                                                      \
     EACH (SET, NAMES answers)                                                                                \
     entry->set (BodyNumber::error, error);                                                                   \
-    return open_command (entry, command_name (CommandNumber::name), rows_of (&arguments), &arguments);       \
+    open_command (entry, command_name (CommandNumber::name), rows_of (&arguments), &arguments, xid);         \
   }
 #include "engine/commands.inc"
 #undef EMPTY
 #undef CALLBACK
+#undef PASS
 #undef SET
 
 #define VALUE(field) std::move (GIVEN (field))

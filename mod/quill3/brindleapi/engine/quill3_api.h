@@ -24,12 +24,12 @@ public:
   //
   //   AString play (const command::play &arguments);
   //   AString play (const command::play &arguments, callback::ok ok, callback::error error);
-  //   AString send (const command::play &arguments, callback::ok ok, callback::error error);
+  //   void send (const command::play &arguments, callback::ok ok, callback::error error, AString *xid);
   //
-  // The first is the second with empty callbacks, and `send` is the second. There is a callback for each
-  // answer of the command, in the order of commands.inc, and `error` is the last. Any of them may be empty.
-  // The result is the identifier that was sent with the command. When all callbacks are empty it begins with
-  // `none`, and the command is never open.
+  // The first is the second with empty callbacks. `send` is the second, but it stores the identifier, or
+  // makes none where `xid` is null. There is a callback for each answer of the command, in the order of
+  // commands.inc, and `error` is the last. Any of them may be empty. The result is the identifier that was
+  // sent with the command. When all callbacks are empty it begins with `none`, and the command is never open.
   //
   // With a callback that is not empty, the command is open before its first byte is sent. It ends once.
   // Callbacks run on the connection's thread. When the link is down they run on the thread that finds this
@@ -37,16 +37,13 @@ public:
   // its callback may run after the wrapper returns. A wrapper that throws because memory ran out leaves no
   // command open and runs no callback.
 #define CALLBACK(reply) callback::reply reply
-#define PASS(reply) reply
 #define COMMAND(name, answers, ...)                                                                          \
   AString name (const command::name &arguments);                                                             \
   AString name (const command::name &arguments, LIST_OF (CALLBACK, NAMES answers), callback::error error);   \
-  AString send (const command::name &arguments, LIST_OF (CALLBACK, NAMES answers), callback::error error) {  \
-    return name (arguments, LIST_OF (PASS, NAMES answers), error);                                           \
-  }
+  void send (const command::name &arguments, LIST_OF (CALLBACK, NAMES answers), callback::error error,       \
+             AString *xid = nullptr);
 #include "engine/commands.inc"
 #undef CALLBACK
-#undef PASS
 
   /// Number of open commands.
   uint32_t outstanding_count ();
@@ -77,7 +74,8 @@ protected:
 private:
   using Shared = std::shared_ptr<XIDRegistryEntry>;
 
-  AString open_command (const Shared &entry, const AString &name, const Rows &rows, const void *arguments);
+  void open_command (const Shared &entry, const AString &name, const Rows &rows, const void *arguments,
+                     AString *xid);
 
   std::unique_ptr<XIDRegistry> registry_;
 };

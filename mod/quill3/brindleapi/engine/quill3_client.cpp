@@ -51,6 +51,7 @@ void Client::set_idle_function (uint32_t seconds, AFunction<void ()> function) {
   AMutexScope hold (idle_lock_);
   idle_interval_ = seconds;
   idle_function_ = function;
+  has_idle_function_ = !function.is_empty ();
 }
 
 // -- The end
@@ -165,6 +166,8 @@ void Client::receive (const Link &link) {
 
 // C108: doc/compatibility.md
 void Client::call_idle_function () {
+  if (!has_idle_function_)
+    return;
   AFunction<void ()> function;
   uint32_t interval = 0;
   {

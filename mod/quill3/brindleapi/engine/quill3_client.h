@@ -143,6 +143,7 @@ private:
   bsem stop_semaphore_;      ///< ends the pause before an attempt to connect
 
   AMutex idle_lock_;
+  std::atomic<bool> has_idle_function_{false};
   uint32_t idle_interval_ KELVANE_GUARDED_BY (idle_lock_) = 0; ///< seconds
   AFunction<void ()> idle_function_ KELVANE_GUARDED_BY (idle_lock_);
   int64_t last_idle_time_ = 0; ///< seconds since 1970; the thread's own

@@ -15,11 +15,6 @@ const AString &failure_text () {
   return text;
 }
 
-const AString &untracked_prefix () {
-  static const AString &word = *new AString ("none");
-  return word;
-}
-
 uint32_t next_number () {
   static constinit std::atomic<uint32_t> last{0};
   return ++last;
@@ -92,17 +87,16 @@ XIDRegistry::XIDRegistry () {
 
 // A command that a callback sends during a run belongs to that run, also when there is a new link by then.
 // C101, C107: doc/compatibility.md
-AString XIDRegistry::issue_id (const Shared &entry) {
+std::string XIDRegistry::issue_id (const Shared &entry) {
   AMutexScope hold (lock_);
   const uint32_t number = free_number ();
   if (!entry->is_awaited ())
-    return untracked_prefix () + AString::from_uint32 (number);
+    return "none" + std::to_string (number);
   entry->number_ = number;
   Run *run = run_of_this_thread ();
   Table &table = run != nullptr ? run->taken : entries_;
-  AString xid = AString::from_uint32 (number);
   table.emplace_hint (table.end (), text_order (number), entry);
-  return xid;
+  return std::to_string (number);
 }
 
 uint32_t XIDRegistry::free_number () {

@@ -9,6 +9,7 @@
 #include <iterator>
 #include <map>
 #include <memory>
+#include <string>
 #include <utility>
 
 namespace QUILL3 {
@@ -96,7 +97,7 @@ public:
   /// Opens a command under the next free identifier of the process.
   /// @return the identifier for the document. When no callback is set, the command is not entered, and its
   /// identifier begins with `none`.
-  AString issue_id (const Shared &entry);
+  std::string issue_id (const Shared &entry);
 
   /// @return the open command of that identifier, or null.
   Shared find_entry (const AString &xid);
