@@ -50,7 +50,7 @@ std::string text_of_position (const ListPlayState::Position &position) {
 
 std::string list_in_library (OrvaConnObject &connection, uint32_t channel) {
   ChannelCache &cache = connection.channels[channel];
-  const AMutexScope hold (cache.listplay.lock);
+  const ShortScope hold (cache.listplay.lock);
   const ListPlayState &state = cache.listplay.value;
   Told told;
   if (state.is_loaded ())
