@@ -42,13 +42,16 @@ Exit keys (Session &session, const Arguments &arguments) {
 }
 
 Exit export_pairs (Session &session, const Arguments &arguments) {
-  const std::string text = json_of (clip_of (session, arguments).info ().metadata).dump (2) + "\n";
-  if (arguments.text_or ("FILE", "-") == "-") {
+  const Json pairs = json_of (clip_of (session, arguments).info ().metadata);
+  const std::string text = pairs.dump (2, ' ', true) + "\n";
+  if (arguments.text_or ("FILE", "-") != "-") {
+    write_file (arguments.text ("FILE"), text);
+    session.out ().done ();
+  } else if (session.out ().json ()) {
+    session.out ().object (pairs);
+  } else {
     session.out ().raw (text);
-    return Exit::done;
   }
-  write_file (arguments.text ("FILE"), text);
-  session.out ().done ();
   return Exit::done;
 }
 

@@ -100,7 +100,7 @@ Exit watch (Session &session, const Arguments &arguments) {
 }
 
 std::string text_of (const Pairs &pairs) {
-  return Json (pairs).dump (2) + "\n";
+  return Json (pairs).dump (2, ' ', true) + "\n";
 }
 
 Exit dump (Session &session, const Arguments &arguments) {

@@ -78,6 +78,14 @@ const char *name_of (Order order) {
   return order == Order::channel ? "channel" : order == Order::status ? "status" : "remaining";
 }
 
+/// A row of the table of channels without the columns that count frames, so that a line is short.
+template <class T>
+std::vector<T> without_frames (std::vector<T> row) {
+  row.erase (row.begin () + 7);
+  row.erase (row.begin () + 5);
+  return row;
+}
+
 struct Row {
   std::vector<Cell> cells;
   int activity;
@@ -178,9 +186,10 @@ private:
     const TerminalSize size = terminal_size ();
     std::vector<std::vector<Cell>> cells;
     for (const Row &row : rows ())
-      cells.push_back (row.cells);
+      cells.push_back (without_frames (row.cells));
     std::vector<std::string> lines = {title (), ""};
-    for (const std::string &line : table_lines (channel_heading (true), cells, session_.out ().colours ()))
+    for (const std::string &line :
+         table_lines (without_frames (channel_heading (true)), cells, session_.out ().colours ()))
       lines.push_back (line);
     std::string text = "\x1b[H";
     for (std::size_t i = 0; i != std::min (lines.size (), size.rows); ++i)
