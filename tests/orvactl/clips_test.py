@@ -1,6 +1,7 @@
 """clips, dirs and mkdir, and following what becomes of clips."""
 
 import json
+import unittest
 
 import support
 import tool
@@ -55,6 +56,7 @@ class ManyClips(tool.Case):
         names = self.good("clips", "GENERATED*").splitlines()
         self.assertEqual((len(names), names[-1]), (20000, "GENERATED0020000"))
 
+    @unittest.skipUnless(tool.native(), "needs signals or files of this system")
     def test_a_full_disk_and_a_closed_pipe(self):
         with open("/dev/full", "w") as full:
             done = tool.subprocess.run(tool.PROGRAM + ["--server", self.address, "clips"], stdout=full,

@@ -2,6 +2,7 @@
 
 import json
 import signal
+import unittest
 
 import support
 import tool
@@ -19,6 +20,7 @@ class Record(tool.Case):
         self.assertAtRest()
         self.assertIn("recorded TAKE2 00:00:0", self.good("record", "A", "TAKE2", "--for", "300ms"))
 
+    @unittest.skipUnless(tool.native(), "needs signals or files of this system")
     def test_until_it_is_interrupted(self):
         for number in (signal.SIGINT, signal.SIGTERM):
             clip = "TAKE%d" % number
@@ -30,6 +32,7 @@ class Record(tool.Case):
             self.assertEqual(json.loads(out)["clip"], clip)
             self.assertAtRest()
 
+    @unittest.skipUnless(tool.native(), "needs signals or files of this system")
     def test_interrupted_too_early(self):
         process = tool.start("--server", self.address, "record", "A", "TAKE", "--for", "1h")
         support.wait_until(lambda: self.channel("A")["status"] == "record")

@@ -85,7 +85,7 @@ class NoAnswer(tool.Case):
 
     def test_a_frozen_server(self):
         self.fault(fault="freeze", everyone=True)
-        run = tool.Run("--server", self.address, "--timeout", "300ms", "channels")
+        run = tool.Run("--server", self.address, "--timeout", "3s", "channels")
         self.assertEqual((run.status, run.out), (4, ""))
         self.assertIn("the outcome is unknown", run.err)
 

@@ -72,5 +72,5 @@ class Stores(tool.Case):
         self.fails(2, "is not JSON", "kv", "load", "f", support.text_file(self, "no"))
         self.fault(fault="freeze", everyone=True)
         for words in (("get", "f", "k"), ("set", "f", "k", "v"), ("dump", "f")):
-            run = tool.Run("--server", self.address, "--timeout", "300ms", "kv", *words)
+            run = tool.Run("--server", self.address, "--timeout", "3s", "kv", *words)
             self.assertEqual((run.status, run.out), (4, ""), words)

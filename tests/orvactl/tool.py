@@ -24,6 +24,11 @@ def find(program, root):
     ROOT = root
 
 
+def native():
+    """Whether the program runs by itself. Signals, terminals and special files do not reach one behind a launcher."""
+    return len(PROGRAM) == 1
+
+
 def environment(**more):
     """The environment of a run: nothing of the user's own configuration."""
     kept = {name: value for name, value in os.environ.items()

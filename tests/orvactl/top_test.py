@@ -10,7 +10,7 @@ import support
 import tool
 
 
-@unittest.skipUnless(shutil.which("tmux"), "there is no tmux")
+@unittest.skipUnless(shutil.which("tmux") and tool.native(), "there is no tmux")
 class Terminal(tool.Case):
     def setUp(self):
         super().setUp()

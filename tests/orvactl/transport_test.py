@@ -53,9 +53,9 @@ class Transport(tool.Case):
 
     def test_a_state_that_is_not_reached(self):
         self.control.call("PUT", "/time", {"paused": True})
-        run = tool.Run("--server", self.address, "--timeout", "500ms", "goto", "A", "700", "--wait")
+        run = tool.Run("--server", self.address, "--timeout", "3s", "goto", "A", "700", "--wait")
         self.assertEqual((run.status, run.out), (4, ""))
-        self.assertIn("Channel A has not reached the state within 500 ms.", run.err)
+        self.assertIn("Channel A has not reached the state within 3 s.", run.err)
 
     def test_edit_and_input(self):
         self.good("edit", "A", "on")

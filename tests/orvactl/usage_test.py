@@ -3,6 +3,7 @@
 import os
 import re
 import tempfile
+import unittest
 
 import support
 import tool
@@ -87,6 +88,7 @@ class Configuration(tool.Case):
         run = tool.Run("--config", path, "--timeout", "100ms", "info", ORVA_SERVER="other")
         self.assertEqual((run.status, run.err), (3, "orvactl: No connection to other within 100 ms.\n"))
 
+    @unittest.skipUnless(tool.native(), "needs signals or files of this system")
     def test_the_users_own_file(self):
         with tempfile.TemporaryDirectory() as home:
             os.makedirs(home + "/.config/orva")

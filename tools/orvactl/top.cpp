@@ -94,20 +94,20 @@ struct Row {
 
 /// The beginning of a line that fits so many columns. Colours take none.
 std::string cut (const std::string &line, std::size_t columns) {
-  std::string all, plain;
-  for (std::size_t i = 0; i != line.size ();) {
-    std::size_t end = i + 1;
+  std::string all;
+  std::size_t width = 0;
+  for (std::size_t i = 0, end = 0; i != line.size (); i = end) {
     if (line[i] == '\x1b') {
       end = std::min (line.find ('m', i), line.size () - 1) + 1;
-      all += line.substr (i, end - i);
     } else {
+      end = i + 1;
       while (end != line.size () && (static_cast<unsigned char> (line[end]) & 0xC0u) == 0x80)
         ++end;
-      plain += line.substr (i, end - i);
-      if (width_of (plain) <= columns)
-        all += line.substr (i, end - i);
+      width += width_of (std::string_view (line).substr (i, end - i));
+      if (width > columns)
+        continue;
     }
-    i = end;
+    all.append (line, i, end - i);
   }
   return all;
 }
