@@ -138,18 +138,18 @@ void Client::connect_once () {
 }
 
 void Client::poll_once () {
-  std::shared_ptr<Link> link = current_link ();
-  if (link->send_failed)
+  const Link &link = own_link ();
+  if (link.send_failed)
     return disconnect ();
   call_idle_function ();
   if (stop_requested_ || !connected_)
     return;
-  switch (platform::socket_wait_readable (link->socket, read_wait, wake_up_)) {
+  switch (platform::socket_wait_readable (link.socket, read_wait, wake_up_)) {
   case platform::Ready::timed_out:
   case platform::Ready::woken:
     return;
   case platform::Ready::readable:
-    return receive (*link);
+    return receive (link);
   case platform::Ready::failed:
     return disconnect ();
   }

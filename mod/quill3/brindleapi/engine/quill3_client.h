@@ -127,6 +127,9 @@ private:
   void disconnect () noexcept;
 
   void replace_link (std::shared_ptr<Link> link) noexcept;
+  /// The present link, for the thread itself while it is connected. Only that thread replaces the link, so it
+  /// needs no lock.
+  const Link &own_link () const KELVANE_NO_THREAD_SAFETY_ANALYSIS { return *link_; }
   bool transmit_all (platform::SocketHandle socket, const char *data, uint64_t length);
 
   std::atomic<uint32_t> server_address_;

@@ -122,10 +122,10 @@ private:
     if (open_ == none)
       return false;
     const XMLNodes::Node &node = nodes_[open_];
-    const std::string_view rest (at_, static_cast<size_t> (end_ - at_));
-    if (!rest.starts_with (std::string_view (begin_ + node.name_first, node.name_length)))
-      return false;
-    at_ += node.name_length;
+    const char *const name = begin_ + node.name_first;
+    for (uint32_t i = 0; i != node.name_length; ++i) // names are too short for a call of memcmp
+      if (*at_++ != name[i])
+        return false;
     return !is (*at_, name_part);
   }
 
