@@ -3,6 +3,7 @@
 import http.client
 import json
 import os
+import re
 import shlex
 import socket
 import time
@@ -167,6 +168,25 @@ class State(Controlled):
         self.call("POST", "/reports", {"everyone": True, "body": {"surprise": {}}})
         self.assertEqual(other.settled_reports(), ["<surprise />"])
 
+    def test_numbers_that_are_none(self):
+        for position in (1e300, -1, 4294967296, 0.5, "1"):
+            self.assertError(400, "\"position\" is not a whole number from 0 to 4294967295", "PUT", "/channels/A",
+                             {"position": position})
+        for fields in (1e300, 4294967297, 1000001, 1.5):
+            self.assertError(400, "\"fields\" is not a whole number from 0 to 1000000", "POST", "/time/step",
+                             {"fields": fields})
+        self.assertError(400, "at least one field", "POST", "/time/step", {"fields": 0})
+
+    def test_a_command_that_is_nested_deep(self):
+        client = support.Client(self.simulator.address)
+        self.addCleanup(client.close)
+        try:
+            client.send("<cmd><xid>1</xid>" + "<a>" * 500000 + "</a>" * 500000 + "</cmd>")
+            self.assertIsNone(client.message())
+        except ConnectionError:
+            pass  # it was closed before it had read everything
+        self.assertEqual(self.client().answer("<sync />"), "<ok />")
+
     def test_reports_are_kept(self):
         client = support.Client(self.simulator.address)
         self.addCleanup(client.close)
@@ -197,6 +217,14 @@ class State(Controlled):
         self.assertEqual(self.call("GET", "/faults"), [])
         self.assertEqual(self.client().answer("<sync />"), "<ok />")
         self.assertEqual(len(before), len(self.call("GET", "/clips")))
+
+
+class LongAnswers(Controlled):
+    options = ("--generate", "100000")
+
+    def test_they_are_refused(self):
+        self.assertError(400, "the answers are too long", "POST", "/commands", [{"download_clipids": {}}] * 1000)
+        self.assertEqual(self.call("POST", "/commands", {"sync": {}}), {"answers": [{"ok": ""}]})
 
 
 class Clients(Controlled):
@@ -296,6 +324,17 @@ class Door(Controlled):
         for connection in sockets:
             connection.close()
         self.assertEqual(self.call("GET", "/clients"), [])
+
+    def test_the_page_lists_a_hundred_clients_and_counts_all(self):
+        clients = [self.client() for _ in range(150)]
+        clients[-1].answer("<sync />")
+        page = self.listen_to_events()
+        held = b""
+        while b"\n\n" not in held:
+            held += page.recv(65536)
+        state = json.loads(re.search(rb"data: (.*)", held).group(1))
+        self.assertEqual((state["client_count"], len(state["clients"])), (150, 100))
+        self.assertEqual(len(self.call("GET", "/state")["clients"]), 150)
 
     def listen_to_events(self):
         connection = socket.create_connection((self.simulator.address, CONTROL_PORT), timeout=support.PATIENCE)
@@ -417,5 +456,5 @@ class Repetition(Controlled):
         self.call("PUT", "/time", {"paused": True})
         field = self.call("GET", "/time")["field"]
         self.assertEqual(self.call("POST", "/time/step", {"fields": 7})["field"], field + 7)
-        self.assertError(400, "from 1 to", "POST", "/time/step", {"fields": 0})
+        self.assertError(400, "at least one field", "POST", "/time/step", {"fields": 0})
         self.assertError(400, "the rate must be from", "PUT", "/time", {"rate": 0})

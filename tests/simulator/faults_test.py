@@ -327,6 +327,7 @@ class Files(unittest.TestCase):
         self.assertBad('[{"fault": "refuse", "command": "play", "colour": 1}]', 'member "colour": there is no such member')
         self.assertBad('[{"fault": "delay", "command": "play", "ms": [2, 1]}]', "the wrong way round")
         self.assertBad('[{"fault": "delay", "command": "play", "ms": -1}]', "not a whole number")
+        self.assertBad('[{"fault": "oversized", "command": "play", "bytes": 1000000000000}]', "at most 1000000 bytes")
         self.assertBad('[{"fault": "delay"}]', 'needs a "command" or a "report"')
         self.assertBad('[{"fault": "refuse", "report": "channel_status"}]', 'needs a "command"')
         self.assertBad('[{"fault": "refuse", "command": "play", "channel": "a"}]', "not a channel from A to L")

@@ -228,9 +228,10 @@ ControlReply ControlApi::handle (const ControlRequest &request) noexcept {
 
 std::string ControlApi::page_state (const std::string &server) noexcept {
   constexpr std::uint64_t most_commands = 20;
+  constexpr std::size_t most_clients = 100;
   try {
     SteeredServer &chosen = server_of (server);
-    Json json = state_json (chosen);
+    Json json = state_json (chosen, most_clients);
     Json &commands = json["commands"] = Json::array ();
     const std::uint64_t mark = chosen.journal ().mark ();
     for (const Journal::Entry *entry : chosen.journal ().since (mark - std::min (mark, most_commands)))

@@ -85,6 +85,13 @@ Json parse_json (std::string_view text) {
   return Json::parse (text, check_depth);
 }
 
+std::uint64_t whole_number (const Json &json, const char *name, std::uint64_t most) {
+  const auto found = json.find (name);
+  if (found == json.end () || !found->is_number_unsigned () || found->get<std::uint64_t> () > most)
+    refuse (fmt::format ("the member \"{}\" is not a whole number from 0 to {}", name, most));
+  return found->get<std::uint64_t> ();
+}
+
 std::string json_text (const Json &json) {
   return json.dump (-1, ' ', false, Json::error_handler_t::replace);
 }

@@ -13,6 +13,10 @@ using Json = nlohmann::ordered_json;
 /// Parses a text from outside. @throws std::runtime_error for what is no JSON, or nested too deep
 Json parse_json (std::string_view text);
 
+/// A member that is a whole number from 0 to `most`. @throws std::runtime_error when it is missing or not
+/// that
+std::uint64_t whole_number (const Json &json, const char *name, std::uint64_t most);
+
 /// The text of a value. Bytes that are not UTF-8 are replaced.
 std::string json_text (const Json &json);
 

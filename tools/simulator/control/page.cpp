@@ -126,11 +126,14 @@ const show = state => {
     return make("li", bad ? "bad" : "", "#" + entry.client + " " + entry.command + " " +
       JSON.stringify(entry.arguments ?? {}) + (entry.faults.length ? "  [" + entry.faults.join(", ") + "]" : ""));
   }));
-  fill("clients", state.clients.map(client => {
+  const clients = state.clients.map(client => {
     const item = make("li", "", "#" + client.client + " from " + client.address + ", unsent " + client.unsent + " ");
     item.append(button("close", () => call("DELETE", "/clients/" + client.client)));
     return item;
-  }));
+  });
+  const unlisted = state.client_count - clients.length;
+  if (unlisted > 0) clients.push(make("li", "soft", "and " + unlisted + " more"));
+  fill("clients", clients);
   fill("lists", state.lists.playlists.map(name => make("li", "", name)).concat(
     state.lists.chases.map(name => make("li", "", "chase " + name))));
   fill("faults", state.faults.map(rule => {

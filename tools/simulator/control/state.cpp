@@ -94,9 +94,11 @@ Json channels_json (const World &world) {
   return channels;
 }
 
-Json clients_json (SteeredServer &server) {
+Json clients_json (SteeredServer &server, std::size_t most) {
   Json clients = Json::array ();
   for (const Connection &connection : server.connections ()) {
+    if (clients.size () >= most)
+      break;
     Json &json = clients.emplace_back (
         Json{{"client", connection.number}, {"address", connection.address}, {"unsent", connection.unsent}});
     if (!connection.client)
@@ -158,7 +160,7 @@ Json lists_json (const World &world) {
           {"chases", names_json (world.lists.names_after (chases, "", -1))}};
 }
 
-Json state_json (SteeredServer &server) {
+Json state_json (SteeredServer &server, std::size_t most_clients) {
   const World &world = server.world ();
   Json json = {{"address", world.options.address},
                {"name", world.options.name},
@@ -169,7 +171,8 @@ Json state_json (SteeredServer &server) {
                {"mark", server.journal ().mark ()}};
   json["channels"] = channels_json (world);
   json["lists"] = lists_json (world);
-  json["clients"] = clients_json (server);
+  json["client_count"] = server.connections ().size ();
+  json["clients"] = clients_json (server, most_clients);
   json["faults"] = faults_json (server.faults ());
   return json;
 }

@@ -6,13 +6,17 @@ namespace sim {
 
 namespace {
 
-void collect_channels (const pugi::xml_node &node, std::set<std::string> &channels) {
-  for (const pugi::xml_node &child : node.children ()) {
-    if (std::string_view (child.name ()) == "Channel")
-      channels.insert (child.text ().get ());
-    collect_channels (child, channels);
+// Walks without recursion, because a client decides how deep its messages are nested.
+class ChannelCollector : public pugi::xml_tree_walker {
+public:
+  bool for_each (pugi::xml_node &node) override {
+    if (std::string_view (node.name ()) == "Channel")
+      channels.insert (node.text ().get ());
+    return true;
   }
-}
+
+  std::set<std::string> channels;
+};
 
 } // namespace
 
@@ -21,14 +25,16 @@ MessageSummary summary_of (std::string_view message) {
   pugi::xml_document document;
   if (!document.load_buffer (message.data (), message.size (), pugi::parse_default, pugi::encoding_utf8))
     return summary;
-  const pugi::xml_node root = document.first_child ();
+  pugi::xml_node root = document.first_child ();
   summary.root = root.name ();
   for (const pugi::xml_node &child : root.children ())
     if (std::string_view (child.name ()) == "xid")
       summary.xid = child.text ().get ();
     else if (summary.name.empty ())
       summary.name = child.name ();
-  collect_channels (root, summary.channels);
+  ChannelCollector collector;
+  root.traverse (collector);
+  summary.channels = std::move (collector.channels);
   return summary;
 }
 

@@ -127,6 +127,9 @@ void check (const Rule &rule) {
   if (rule.command.empty () &&
       (rule.fault == Fault::refuse || rule.fault == Fault::wrong_kind || rule.fault == Fault::out_of_order))
     refuse ("this fault is about answers and needs a \"command\"");
+  constexpr std::uint64_t most_bytes = 1'000'000;
+  if (rule.fault == Fault::oversized && rule.bytes > most_bytes)
+    refuse (fmt::format ("an oversized message has at most {} bytes", most_bytes));
   if (rule.fault == Fault::pieces && rule.bytes == 0u)
     refuse ("a piece has at least one byte");
 }

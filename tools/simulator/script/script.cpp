@@ -123,7 +123,7 @@ Script::Pattern Script::pattern_from (const Json &json) {
   pattern.channel = text_member (json, "channel", "");
   if (json.contains ("client") && !json["client"].is_number_unsigned ())
     refuse ("\"client\" is not a number");
-  pattern.client = json.value ("client", 0);
+  pattern.client = json.contains ("client") ? static_cast<int> (whole_number (json, "client", INT32_MAX)) : 0;
   pattern.arguments = json.value ("arguments", Json::object ());
   if (!pattern.arguments.is_object ())
     refuse ("\"arguments\" is not an object");

@@ -39,7 +39,7 @@ TraceLine::From side_of (const std::string &direction) {
 
 TraceLine line_of (const Json &json) {
   TraceLine line;
-  line.connection = json.at ("connection").get<int> ();
+  line.connection = static_cast<int> (whole_number (json, "connection", INT32_MAX));
   if (json.contains ("event")) {
     line.event = json["event"].get<std::string> ();
     return line;
