@@ -28,7 +28,8 @@
  *                limited to -200.0 to 200.0 and cut to steps of 1/65536. A value that is not a number is sent
  *                as -32768.0.
  *   positions    and lengths: counts of fields, two to a frame
- *   text in      NUL-terminated UTF-16. The text ends before the first unit that is not valid UTF-16.
+ *   text in      NUL-terminated UTF-16: u"NEWS" in C11 and C++, L"NEWS" on Windows. The text ends before the
+ *                first unit that is not valid UTF-16.
  *   text out     an OrvaStringBuffer, by value
  *
  * RESULTS. A function that returns uint32_t returns one of the codes ORVA_OK to ORVA_WRITE_ONLY, unless it

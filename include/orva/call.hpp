@@ -497,9 +497,9 @@ struct futures {
 };
 
 /**
- * What all groups of operations have in common. A group is a small value that can be copied. It holds what it
- * acts on, its time limit, and the form of its results. It does not keep its server open: once the Server
- * object is destroyed, every operation fails with Kind::invalid.
+ * What all groups of operations have in common. A group is a small value that can be copied; to move it is to
+ * copy it. It holds what it acts on, its time limit, and the form of its results. It does not keep its server
+ * open: once the Server object is destroyed, every operation fails with Kind::invalid.
  * @tparam Group the group, as a template of its form
  * @tparam Form throwing, returning or futures
  * @tparam Data what the group acts on
@@ -512,6 +512,9 @@ public:
   using of = typename Form::template of<T>;
 
   explicit Operations (Data data) : data_ (std::move (data)) {}
+  // To move a group is to copy it, so that every object stays usable.
+  Operations (const Operations &) = default;
+  Operations &operator= (const Operations &) = default;
 
   /** The same operations, which return result<T> and throw nothing. */
   Group<returning> nothrow () const { return Group<returning> (data_); }

@@ -16,7 +16,7 @@
 
 namespace orva {
 
-/** How load() and record() place a clip. What is left out is for the server to decide. */
+/** How load() places a clip. What is left out is for the server to decide. */
 struct Load {
   std::optional<Repeat> repeat{};          /**< not together with angle */
   std::optional<Position> position{};      /**< where to go */
@@ -183,7 +183,7 @@ public:
 
   /**
    * Starts an insert edit of the clip that is loaded: from now on playing records. EditTracks::none ends it.
-   * Channel::record() does all that it takes to record a new clip.
+   * record() of a channel does all that it takes to record a new clip.
    */
   of<void> edit (EditTracks tracks = EditTracks::all) const {
     if (tracks == EditTracks::all)
@@ -387,7 +387,8 @@ public:
    * Waits until the channel's state satisfies a condition, and returns that state. The effect of a command is
    * reported a moment after its answer, so use this to wait for it. Wait for a condition that was false
    * before the command, because the old state may still be known when the wait begins.
-   * @param condition is called with a ChannelState, on the thread that waits, and must not throw
+   * @param condition is called with a ChannelState, on the thread that waits. It must not throw: in the async
+   *   form this ends the process.
    * @param limit in place of the server's limit; after it the operation fails with Kind::timed_out
    * @return Kind::link_lost when the link goes down meanwhile
    */

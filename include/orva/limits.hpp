@@ -15,7 +15,8 @@
 
 namespace orva {
 
-/** How long to wait. Every std::chrono duration with whole numbers fits. */
+/** How long to wait. Every std::chrono duration with whole numbers fits, up to 292 years. Use no_limit to
+ * wait for ever. A limit of 0 or less has passed at once. */
 using Limit = std::chrono::nanoseconds;
 
 /** To wait for ever. */
@@ -102,6 +103,11 @@ private:
  */
 class Cancel {
 public:
+  Cancel () = default;
+  // To move one is to copy it, so that every object stays usable.
+  Cancel (const Cancel &) = default;
+  Cancel &operator= (const Cancel &) = default;
+
   /** Operations with this object fail with Kind::cancelled, those that run now and all later ones. */
   void cancel () const { state_->cancel (); }
   bool cancelled () const { return state_->cancelled (); }

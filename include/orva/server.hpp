@@ -160,7 +160,7 @@ public:
   Address address () const { return this->context ().core->address (); }
   /** Whether the server is connected at this moment. No traffic, no wait. */
   bool connected () const { return this->context ().core->connected (); }
-  /** Waits until the server is connected. */
+  /** Waits until the server is connected. Fails with Kind::timed_out after the limit, as every operation. */
   of<void> wait_until_connected () const {
     return this->template deliver<void> ([context = this->context ()] {
       return detail::look_until<void> (context, [&] () -> std::optional<result<void>> {
@@ -247,10 +247,12 @@ public:
   /**
    * Calls a handler for each event, until the subscription or the server is destroyed. The first events are
    * the present state: LinkUp or LinkDown, and each watched value as soon as it is known. After that there is
-   * an event for each change. Handlers of one server run one after the other on a thread of its own, which
-   * starts with the first subscription. They may use the server, but delay its other handlers, and must not
-   * throw. There is no event for a link that is lost for less than 20 ms, nor for what happens to clips and
-   * directories while the link is down.
+   * an event when a value, a clip or a directory has changed. Changes that come close together may become one
+   * event: a value has its last state then, and a clip that is added and soon deleted is only ClipDeleted.
+   * Handlers of one server run one after the other on a thread of its own, which starts with the first
+   * subscription. They may use the server, but delay its other handlers. What they throw is dropped. There is
+   * no event for a link that is lost for less than 20 ms, nor for what happens to clips and directories while
+   * the link is down.
    * @throws invalid when the server is closed, internal when the system cannot start a thread; in every form
    */
   Subscription on_event (std::function<void (const Event &)> handler, Interest interest = {}) const {

@@ -133,8 +133,9 @@ public:
     });
   }
   /**
-   * Waits for a change and takes it; none when the limit has passed. `within (0ms)` only looks. Each change
-   * goes to one of the threads that wait.
+   * Waits for a change and takes it; none when the limit has passed, which is 10 s unless another is set.
+   * `within (no_limit)` waits for ever, `within (0ms)` only looks. Each change goes to one of the threads
+   * that wait.
    */
   of<std::optional<StoreChange>> next_change () const {
     using Change = std::optional<StoreChange>;

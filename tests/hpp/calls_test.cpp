@@ -100,6 +100,22 @@ TEST (Servers, CanBeMoved) {
   EXPECT_EQ (fake.command (2).name, "stop");
 }
 
+TEST (Groups, StayUsableWhenTheyAreMovedFrom) {
+  FakeServer fake;
+  fake.answer_any ("<ok />");
+  const Connected server (fake);
+  auto channel = server.channel (A);
+  const auto other_channel = std::move (channel);
+  other_channel.play ();
+  channel.stop (); // NOLINT: moved from on purpose
+  EXPECT_EQ (fake.command (2).name, "stop");
+  auto store = server.store ("F", StoreMode::write);
+  const auto other_store = std::move (store);
+  other_store.set ("first", "1");
+  store.set ("second", "2"); // NOLINT: moved from on purpose
+  store.flush ();
+}
+
 TEST (Servers, OpenWithoutExceptions) {
   EXPECT_EQ (Server::open ("300.1.1.1").failure ().kind, Kind::invalid);
   FakeServer fake;
@@ -237,6 +253,13 @@ TEST (Cancelling, OfAnotherDoesNothing) {
   const Cancel mine, other;
   other.cancel ();
   EXPECT_NO_THROW (server.cancelled_by (mine).channel (A).play ());
+}
+
+TEST (Cancelling, WorksWithAnObjectThatWasMovedFrom) {
+  Cancel first;
+  const Cancel second = std::move (first);
+  first.cancel (); // NOLINT: moved from on purpose
+  EXPECT_TRUE (second.cancelled ());
 }
 
 TEST (Futures, CarryValuesAndFailures) {
