@@ -200,6 +200,11 @@ class Proxy(Traced):
                 proxy.process.kill()
                 proxy.process.communicate()
 
+    def test_a_proxy_of_itself(self):
+        status, said = Process("proxy", "--listen", self.between, "--server", self.between, "--trace", self.trace).end()
+        self.assertEqual(status, 2)
+        self.assertIn("the proxy cannot be its own server", said)
+
     def test_a_trace_that_cannot_be_written(self):
         process = Process("proxy", "--listen", self.between, "--server", self.server, "--trace", "/nowhere/trace")
         status, said = process.end()
@@ -246,6 +251,14 @@ class Replay(Traced):
         self.assertEqual(status, 3)
         self.assertIn("connection 1, line 2: instead of <cmd><xid>1</xid><get_computer_name /></cmd> the client disconnects",
                       said)
+
+    def test_a_directory_is_no_file(self):
+        folder = tempfile.gettempdir()
+        status, said = Process("replay", folder, "--listen", self.between).end()
+        self.assertEqual(status, 1)
+        self.assertIn(folder + " cannot be read to its end", said)
+        with self.assertRaisesRegex(RuntimeError, folder + " cannot be read to its end"):
+            support.Simulator("--clips", folder)
 
     def test_a_file_that_is_no_trace(self):
         for content, complaint in (("{", "line 1: .*parse error"), ('{"connection": 1, "direction": "up"}', "no direction 'up'")):

@@ -20,7 +20,7 @@ void write_timecode (Writer &out, std::string_view tag, const World &world, std:
 /// Writes the timecode of the picture that a channel shows.
 void write_display_timecode (Writer &out, const World &world, int channel);
 
-/// Remembers what was reported of each channel and finds out what is new.
+/// Keeps the last reports of each channel and finds those that have changed.
 class ChannelReporter {
 public:
   /// The bodies that differ from those of the last call, without positions.

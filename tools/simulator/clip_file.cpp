@@ -134,6 +134,8 @@ void take_lines (World &world, std::istream &lines, const std::string &name) {
       throw std::runtime_error (fmt::format ("{}, line {}: {}", name, number, fault.what ()));
     }
   }
+  if (lines.bad ())
+    throw std::runtime_error (name + " cannot be read to its end");
 }
 
 void take_file (World &world) {

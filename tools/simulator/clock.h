@@ -18,10 +18,10 @@ public:
   Clock (const Standard &standard, std::optional<std::int64_t> start)
       : standard_ (standard), start_ (start) {}
 
-  /// The fields that have gone by since the last call; after a long sleep of the machine only some of them.
+  /// The number of fields since the last call; after a long sleep of the machine only some of them.
   int take ();
 
-  /// When the next field has gone by; never while it is paused.
+  /// When the next field is over; nothing while it is paused.
   std::optional<Real::time_point> next () const;
 
   bool paused () const { return paused_; }

@@ -3,6 +3,7 @@
 #include "options.h"
 
 #include <fmt/format.h>
+#include <stdexcept>
 #include <utility>
 
 namespace sim {
@@ -24,8 +25,13 @@ Listener::Listener (asio::io_context &context, const std::string &address, Fault
 void Listener::open () {
   acceptor_.open (endpoint_.protocol ());
   acceptor_.set_option (tcp::acceptor::reuse_address (true));
-  acceptor_.bind (endpoint_);
-  acceptor_.listen ();
+  try {
+    acceptor_.bind (endpoint_);
+    acceptor_.listen ();
+  } catch (const std::exception &problem) {
+    throw std::runtime_error (
+        fmt::format ("cannot listen on {}:{}: {}", endpoint_.address ().to_string (), port, problem.what ()));
+  }
   timer_.cancel ();
   accept ();
 }

@@ -4,9 +4,9 @@
 
 namespace sim {
 
-/// Writes one line with the time of day to the standard output. It never waits: a line that a full pipe does
-/// not take at once is left out, and the next line that is written is preceded by the number of those that
-/// are missing. A line of more than 4000 bytes is shortened in its middle.
+/// Writes one line with the time of day to the standard output. It never waits: when a pipe is full, the line
+/// is left out, and the next line is preceded by the number of lines that are missing. A line of more than
+/// 4000 bytes is shortened in its middle.
 void log_line (std::string_view line);
 
 /// Writes one line without a time, and waits until it is taken.

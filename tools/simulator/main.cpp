@@ -164,6 +164,8 @@ int main (int argc, char **argv) {
     app.parse (argc, argv);
     check_token (line.steering);
     check_token (line.proxy.steering);
+    if (app.got_subcommand ("proxy") && line.proxy.listen == line.proxy.server)
+      throw CLI::ValidationError ("--server", "the proxy cannot be its own server");
   } catch (const CLI::ParseError &problem) {
     return app.exit (problem) == 0 ? 0 : status_usage;
   }

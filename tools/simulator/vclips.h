@@ -54,7 +54,7 @@ public:
   void remove (const std::string &id);
   /// Whether the virtual clip has a segment of a clip.
   bool shows (const std::string &id, const std::string &clip) const;
-  /// A clip has another name.
+  /// To be called when a clip has been renamed.
   void rename_source (const std::string &from, const std::string &to);
   /// Ends all modifications of a client.
   void release (int client);

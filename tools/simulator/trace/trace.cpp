@@ -98,6 +98,8 @@ std::vector<TraceLine> read_trace (const std::string &file) {
       refuse (fmt::format ("{}, line {}: {}", file, number, problem.what ()));
     }
   }
+  if (stream.bad ())
+    refuse (file + " cannot be read to its end");
   return lines;
 }
 
