@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstdint>
-#include <list>
+#include <deque>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <vector>
 
 /// A key that was set or erased.
 class StoreChange {
@@ -41,8 +41,20 @@ public:
   void remove_first () noexcept;
 
 private:
-  using Waiting = std::list<StoreChange>;
+  /// Says which change has a key with this hash. It stays when the change is removed; its number is then that
+  /// of no waiting change, or of one with another key.
+  struct Slot {
+    uint32_t hash = 0; ///< 0 when the slot is free
+    uint32_t number = 0;
+  };
 
-  Waiting waiting_;
-  std::unordered_map<std::u16string_view, Waiting::iterator> by_key_; ///< its keys are parts of the changes
+  /// Where the key is in the table, or the free slot where it belongs.
+  Slot &slot_of (std::u16string_view key, uint32_t hash);
+  /// Makes a table for all changes and as many more.
+  void rebuild ();
+
+  std::deque<StoreChange> waiting_;
+  uint32_t first_number_ = 0; ///< of the first waiting change; the next one has the next number
+  std::vector<Slot> table_;   ///< a power of two, by the hash of the key; at least half of it is free
+  size_t used_ = 0;           ///< slots that are not free
 };

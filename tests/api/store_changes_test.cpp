@@ -1,5 +1,6 @@
 // The changes of a store until a caller takes them.
 #include "api/stores/store_changes.h"
+#include "base/astring.h"
 #include "orva.h"
 
 #include <gtest/gtest.h>
@@ -70,6 +71,22 @@ TEST (StoreChanges, KeepManyKeysOfAnyLength) {
     ASSERT_TRUE (changes.first ().key () == key (i)) << i;
     ASSERT_EQ (changes.first ().value ().size (), (i + 2) % 50);
   }
+}
+
+TEST (StoreChanges, MayComeAndGoForLong) {
+  StoreChanges changes;
+  unsigned added = 0, taken = 0;
+  for (unsigned round = 0; round != 200; ++round) {
+    for (unsigned i = 0; i != 1 + round * 7 % 90; ++i, ++added)
+      changes.add (was_set, AString::from_uint32 (added).to_u16string (), u"v");
+    changes.add (was_erased, AString::from_uint32 (added - 1).to_u16string (), u"");
+    for (unsigned i = 0; i != round * 11 % 90 && taken + 1 != added; ++i, ++taken, changes.remove_first ())
+      ASSERT_EQ (ascii (changes.first ().key ()), std::to_string (taken));
+    ASSERT_EQ (changes.size (), added - taken);
+  }
+  for (; taken != added; ++taken, changes.remove_first ())
+    ASSERT_EQ (ascii (changes.first ().key ()), std::to_string (taken));
+  EXPECT_TRUE (changes.is_empty ());
 }
 
 } // namespace

@@ -5,10 +5,14 @@
 #include <cstddef>
 #include <utility>
 
+/// Where the holders of one type have their memory; a specialisation may define operator new and delete.
+template <class T>
+struct ARefMemory {};
+
 /// The heap holder behind an `ARef<T>`: a count and the payload. Both operations may be called from any
 /// thread.
 template <class T>
-class ARefObject {
+class ARefObject : public ARefMemory<T> {
 public:
   /// The count is 0 at first. The arguments build the payload.
   template <class... Arguments>
@@ -83,10 +87,9 @@ public:
     auto *t = new ARefObject<T> (std::forward<Arguments> (arguments)...);
     if (!KELVANE_ASSERT_VALUE (t != 0))
       return {};
-    ++t->refcount;
+    t->refcount.store (1);
     ARef made;
-    made.adopt (t);
-    t->decrease_reference ();
+    made.holder_ = t;
     return made;
   }
 

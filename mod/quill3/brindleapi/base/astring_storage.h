@@ -2,6 +2,8 @@
 #pragma once
 
 #include "base/achar.h"
+#include "base/aref.h"
+#include "base/astring_pool.h"
 
 #include <memory>
 
@@ -9,8 +11,14 @@
 struct AStringSegment {
   static constexpr uint64_t capacity = 64;
 
+  AStringSegment () {} // leaves the code points unset
+  AStringSegment (const AStringSegment &) = delete;
+  AStringSegment &operator= (const AStringSegment &) = delete;
+
   AStringSegment *next = nullptr;
-  AChar buf[capacity];
+  union {
+    AChar buf[capacity];
+  };
   uint64_t buflen = 0;
 
   bool full () const { return buflen == capacity; }
@@ -68,4 +76,11 @@ private:
   // The segments by number, for stores of more than a few. Without it, a search with random access to a long
   // text would be quadratic.
   std::unique_ptr<const AStringSegment *[]> by_number_;
+};
+
+/// A store has its memory from the pool, so a text of one segment seldom needs the heap.
+template <>
+struct ARefMemory<AStringStorage> {
+  static void *operator new (size_t size) { return astring_pool::allocate (size); }
+  static void operator delete (void *block) noexcept { astring_pool::release (block); }
 };
