@@ -1,12 +1,15 @@
 // What a command and a message cost in allocations once everything is warm, on the caller's thread and the
 // connection's together. A program of its own, because it replaces operator new.
+#include "base/astring.h"
 #include "exports/snapshots.h"
+#include "platform/sanitizers.h"
 #include "support/counted_memory.h"
 
 #include <gtest/gtest.h>
 
 #include <mutex>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -52,9 +55,17 @@ std::string clip_reply () {
          "</reply>";
 }
 
+/// Makes so many short texts that the pool keeps as many as it ever does.
+void fill_the_pool () {
+  std::vector<AString> texts;
+  for (int i = 0; i != 2000; ++i)
+    texts.push_back (AString::from_uint32 (7));
+}
+
 class Allocations : public testing::Test {
 protected:
   Allocations () {
+    fill_the_pool ();
     server_.on ("stop", [] (const Command &command) {
       support::spared = true; // this thread of the server has its allocations left out
       return support::reply_to (command, "<ok />");
@@ -99,19 +110,28 @@ protected:
   uint32_t connection_ = 0;
 };
 
+// Now and then a thread finds a place of the pool empty that another has just used, so that a few in a
+// thousand texts need the heap.
+constexpr double chance = 0.05;
+
+/// The number of allocations with the pool of texts, and without it.
+constexpr double most (double with_pool, double without) {
+  return (platform::under_address_sanitizer ? without : with_pool) + chance;
+}
+
 TEST_F (Allocations, OfACommandAreFew) {
-  EXPECT_LE (static_cast<double> (of_calls (orva_cmd_stop1)) / repetitions, 5.5);
+  EXPECT_LE (static_cast<double> (of_calls (orva_cmd_stop1)) / repetitions, most (4, 5));
 }
 
 TEST_F (Allocations, OfReportsAreFew) {
-  EXPECT_LE (of_message (speed_report), 0);
-  EXPECT_LE (of_message (status_report), 1);
-  EXPECT_LE (of_message (timecode_report), 0);
-  EXPECT_LE (of_message (info_report), 1);
+  EXPECT_LE (of_message (speed_report), most (0, 0));
+  EXPECT_LE (of_message (status_report), most (0, 1));
+  EXPECT_LE (of_message (timecode_report), most (0, 0));
+  EXPECT_LE (of_message (info_report), most (0, 1));
 }
 
 TEST_F (Allocations, OfAClipAreFew) {
-  EXPECT_LE (of_message (clip_reply ()), 39);
+  EXPECT_LE (of_message (clip_reply ()), most (10, 39));
 }
 
 } // namespace

@@ -12,38 +12,40 @@ namespace {
 
 constexpr uintptr_t count = 1024;
 constexpr uintptr_t page_size = 4096;
-constexpr uintptr_t spread = 0x9E37; // odd, so that the threads' parts of the array are far from each other
+constexpr uintptr_t spread = 0x9E37; // odd
 
 constinit std::array<std::atomic<void *>, count> kept{};
 
-/// How many blocks this thread has put into the array and not taken out again; below 0 modulo 2^64.
-constinit thread_local uintptr_t stacked = 0;
+/// Where the next block of this thread goes. It moves up with each block that is freed and down with each one
+/// that is wanted, so it meets the blocks of this thread again, and sooner or later those of all others.
+constinit thread_local uintptr_t height = 0;
 
-/// Each thread uses the array as a stack that has its bottom somewhere else.
-std::atomic<void *> &place (uintptr_t height) noexcept {
-  const uintptr_t bottom = reinterpret_cast<uintptr_t> (&stacked) / page_size * spread;
+/// The threads begin at places that are far from each other.
+std::atomic<void *> &place () noexcept {
+  const uintptr_t bottom = reinterpret_cast<uintptr_t> (&height) / page_size * spread;
   return kept[(bottom + height) % count];
 }
 
 } // namespace
 
 void *astring_pool::allocate (size_t size) {
-  if constexpr (!platform::under_address_sanitizer)
-    if (void *block = place (stacked - 1).exchange (nullptr, std::memory_order_acquire)) {
-      --stacked;
+  if constexpr (!platform::under_address_sanitizer) {
+    --height;
+    if (void *block = place ().exchange (nullptr, std::memory_order_acquire))
       return block;
-    }
+  }
   return ::operator new (size);
 }
 
 void astring_pool::release (void *block) noexcept {
-  void *nothing = nullptr;
-  if constexpr (!platform::under_address_sanitizer)
-    if (place (stacked).compare_exchange_strong (nothing, block, std::memory_order_release,
-                                                 std::memory_order_relaxed)) {
-      ++stacked;
+  if constexpr (!platform::under_address_sanitizer) {
+    void *nothing = nullptr;
+    const bool is_kept = place ().compare_exchange_strong (nothing, block, std::memory_order_release,
+                                                           std::memory_order_relaxed);
+    ++height;
+    if (is_kept)
       return;
-    }
+  }
   ::operator delete (block);
 }
 
