@@ -2,7 +2,6 @@
 
 #include "platform/sanitizers.h"
 
-#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstdint>
@@ -49,8 +48,12 @@ void astring_pool::release (void *block) noexcept {
   ::operator delete (block);
 }
 
-size_t astring_pool::kept_blocks () noexcept {
-  return static_cast<size_t> (std::count_if (kept.begin (), kept.end (), [] (const std::atomic<void *> &at) {
-    return at.load (std::memory_order_relaxed) != nullptr;
-  }));
+size_t astring_pool::free_all () noexcept {
+  size_t freed = 0;
+  for (std::atomic<void *> &at : kept)
+    if (void *block = at.exchange (nullptr, std::memory_order_acquire)) {
+      ::operator delete (block);
+      ++freed;
+    }
+  return freed;
 }

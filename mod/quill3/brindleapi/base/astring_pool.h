@@ -13,7 +13,7 @@ void *allocate (size_t size);
 /// Takes memory back that `allocate` has returned.
 void release (void *block) noexcept;
 
-/// How many blocks are kept. Walks all places, for tests.
-size_t kept_blocks () noexcept;
+/// Frees all blocks that are kept, for tests that count memory. @return how many
+size_t free_all () noexcept;
 
 } // namespace astring_pool
