@@ -489,10 +489,21 @@ struct futures {
   static std::future<result<T>> deliver (const detail::Context &context, F operation) {
     const auto promise = std::make_shared<std::promise<result<T>>> ();
     const auto job = std::make_shared<F> (std::move (operation));
-    const bool running = context.core->helpers->run ([promise, job] { promise->set_value ((*job) ()); });
+    const bool running = context.core->helpers->run ([promise, job] { promise->set_value (made<T> (*job)); });
     if (!running)
       promise->set_value (Failure{Kind::internal, "The system has no thread to give"});
     return promise->get_future ();
+  }
+
+private:
+  /** Only what a caller has passed can throw here. It must not end the thread, and so the process. */
+  template <class T, class F>
+  static result<T> made (F &operation) {
+    try {
+      return operation ();
+    } catch (...) {
+      return Failure{Kind::internal, "The condition has thrown"};
+    }
   }
 };
 

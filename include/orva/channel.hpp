@@ -387,8 +387,8 @@ public:
    * Waits until the channel's state satisfies a condition, and returns that state. The effect of a command is
    * reported a moment after its answer, so use this to wait for it. Wait for a condition that was false
    * before the command, because the old state may still be known when the wait begins.
-   * @param condition is called with a ChannelState, on the thread that waits. It must not throw: in the async
-   *   form this ends the process.
+   * @param condition is called with a ChannelState, on the thread that waits. What it throws comes out of
+   *   this call; in the async form it becomes Kind::internal.
    * @param limit in place of the server's limit; after it the operation fails with Kind::timed_out
    * @return Kind::link_lost when the link goes down meanwhile
    */

@@ -2,6 +2,8 @@
 
 #include "hpp/reporting.h"
 
+#include <stdexcept>
+
 #include <future>
 #include <string>
 
@@ -77,6 +79,15 @@ TEST (States, AreWaitedFor) {
   fake.position ("A", 100);
   EXPECT_EQ (stopped.get ()->status, Status::stopped);
   EXPECT_EQ (far.get ()->position, Position (100));
+}
+
+TEST (States, AreWaitedForByConditionsThatMayThrow) {
+  ReportingServer fake;
+  const Connected server (fake);
+  const auto throwing_condition = [] (const ChannelState &) -> bool { throw std::out_of_range ("its own"); };
+  EXPECT_THROW (server.channel (A).wait_until (throwing_condition), std::out_of_range);
+  auto waited = server.async ().channel (A).wait_until (throwing_condition);
+  EXPECT_EQ (waited.get ().failure ().kind, Kind::internal);
 }
 
 TEST (States, ThatNeverComeEndTheWait) {
