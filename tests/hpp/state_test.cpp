@@ -2,9 +2,8 @@
 
 #include "hpp/reporting.h"
 
-#include <stdexcept>
-
 #include <future>
+#include <stdexcept>
 #include <string>
 
 namespace {
