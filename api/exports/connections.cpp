@@ -20,7 +20,7 @@ uint32_t orva_connect (uint32_t address) {
 }
 
 void orva_close (uint32_t connection) {
-  guarded_quietly ([&] { connections ().close_under_lock (connection); });
+  guarded_quietly ([&] { connections ().close_and_hold (connection); });
 }
 
 uint8_t orva_connected (uint32_t connection) {

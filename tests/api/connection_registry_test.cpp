@@ -48,10 +48,10 @@ TEST (ConnectionRegistry, FindsWhatWasOpenedUntilItIsClosed) {
   EXPECT_TRUE (registry.find (number) == object);
   EXPECT_FALSE (registry.find (other) == object);
 
-  registry.close_under_lock (number);
+  registry.close_and_hold (number);
   EXPECT_TRUE (registry.find (number).is_null ());
   EXPECT_FALSE (registry.find (other).is_null ());
-  registry.close_under_lock (number);
+  registry.close_and_hold (number);
   EXPECT_EQ (object.holder ()->refcount.load (), 1u) << "the registry holds no reference any more";
 }
 
@@ -71,7 +71,7 @@ TEST (OnConnection, RecordsOnlyFailure) {
   EXPECT_EQ (on_connection (number + 1, keep), 3u);
   EXPECT_TRUE (found.is_null ());
   EXPECT_EQ (last_error_text (), "Invalid handle");
-  connections ().close_under_lock (number);
+  connections ().close_and_hold (number);
 }
 
 TEST (OnConnection, TurnsExceptionsIntoACode) {
@@ -80,7 +80,7 @@ TEST (OnConnection, TurnsExceptionsIntoACode) {
   EXPECT_EQ (last_error_text (), "Internal software error");
   EXPECT_EQ (send_command (number, [] () -> command::stop { throw 1; }), 2u);
   EXPECT_EQ (last_error_text (), "Internal software error");
-  connections ().close_under_lock (number);
+  connections ().close_and_hold (number);
 }
 
 TEST (SendCommand, ConvertsItsArgumentsOnlyForAConnectionThatIsOpen) {

@@ -97,7 +97,7 @@ TEST (HandleTable, DestroysAValueUnderTheLockOnlyWhereThatIsWanted) {
     return waited;
   };
   EXPECT_FALSE (others_wait (&Table::close, support::generous));
-  EXPECT_TRUE (others_wait (&Table::close_under_lock, std::chrono::milliseconds (50)));
+  EXPECT_TRUE (others_wait (&Table::close_and_hold, std::chrono::milliseconds (50)));
 }
 
 TEST (HandleTable, HandsOutWhatIsTaken) {
