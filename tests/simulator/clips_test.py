@@ -293,7 +293,7 @@ class Kept(unittest.TestCase):
 
 
 class Running:
-    """A server and a client of it, both gone at the end."""
+    """A server and a client of it. Both are ended with the block."""
 
     def __init__(self, *arguments):
         self.simulator = support.Simulator(*arguments)

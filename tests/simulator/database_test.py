@@ -1,4 +1,4 @@
-"""A database that another program holds, or that takes nothing more: commands are refused, and all goes on."""
+"""A database that another program has locked, or that is full: commands are refused, and the server goes on."""
 
 import os
 import resource

@@ -204,7 +204,7 @@ class Answers(Faulty):
     def test_pieces(self):
         self.serve({"fault": "pieces", "command": "sync", "bytes": 5, "ms": 20})
         client = self.client()
-        for xid in range(1, 100):  # a machine that is busy may join them again
+        for xid in range(1, 100):  # on a busy machine the client may receive several at once
             client.send(command(xid, "<sync />"))
             whole = (OK % xid).encode()
             pieces = []

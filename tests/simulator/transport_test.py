@@ -506,7 +506,8 @@ class ReportRate(support.Case):
         desk.do("gotocmd", "<GotoPosition>7000</GotoPosition>")
         desk.client.wait_report(lambda report: int(tag(report, "ClipPosition")) == 7000)
 
-    # Who has been told a place in between is told where the channel is now, although the others know.
+    # A client that registers while a channel moves gets the last position too, also when the channel is back where
+    # the other clients saw it last.
     def test_a_place_that_was_left_between_two_reports(self):
         desk = Desk(self, "C")
         desk.register("timecode")

@@ -1,7 +1,6 @@
 #include "channel_reports.h"
 
 #include "listplay.h"
-#include "vocabulary.h"
 #include "world.h"
 
 namespace sim {
@@ -74,7 +73,8 @@ std::string info_body (const Player &player, int channel) {
   return out.close ("ChannelInformation").close ("channel_info").take ();
 }
 
-// The bodies that are compared. Changes of the contents of lists are reported when they happen.
+// The bodies that are compared with the last ones. Changes of the items of lists are not among them: they are
+// reported when they happen.
 std::vector<std::string> watched_bodies (const World &world, int channel, int kind) {
   if (kind == report_listplay)
     return air_bodies (world, channel, playlists);

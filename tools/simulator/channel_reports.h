@@ -10,11 +10,11 @@ namespace sim {
 
 class World;
 
-/// The bodies that report the present state of a channel, for one kind of report.
+/// Returns the bodies that report the present state of a channel, for one kind of report.
 std::vector<std::string> present_bodies (const World &world, int channel, int kind);
 
-/// Writes a field number as a timecode with its standard. A number that no timecode can hold is written as
-/// not valid.
+/// Writes a field number as a timecode with its standard. When no timecode can hold the number, the timecode
+/// is marked as not valid.
 void write_timecode (Writer &out, std::string_view tag, const World &world, std::int64_t field,
                      bool drop_frame);
 /// Writes the timecode of the picture that a channel shows.
@@ -23,7 +23,7 @@ void write_display_timecode (Writer &out, const World &world, int channel);
 /// Keeps the last reports of each channel and finds those that have changed.
 class ChannelReporter {
 public:
-  /// The bodies that differ from those of the last call, without positions.
+  /// Returns the kinds and bodies of the reports that differ from those of the last call, without positions.
   std::vector<std::pair<int, std::string>> news (const World &world, int channel);
 
   /// Whether the position differs from that of the last call.

@@ -187,7 +187,7 @@ void write_clip_info (Writer &out, const Clip &clip) {
   out.close ("ClipInfo");
 }
 
-// Lengths and stamps are written with more digits later.
+// Lengths and stamps may get more digits later. This leaves room for them.
 void check_clip_size (const Clip &clip) {
   constexpr std::size_t room_for_numbers = 300;
   Writer out;

@@ -38,7 +38,7 @@ struct Clip {
   bool has_track (int type) const;
 };
 
-/// The directory that a clip or a directory is in; empty for the top.
+/// Returns the directory that contains a clip or a directory; empty for the top directory.
 std::string directory_of (const std::string &name);
 
 /// Writes the record `ClipInfo`.
@@ -47,7 +47,8 @@ void write_clip_info (Writer &out, const Clip &clip);
 /// @throws Refusal when the record `ClipInfo` would not fit into a message.
 void check_clip_size (const Clip &clip);
 
-/// Changes the clip as a `ClipAttrChange` says. @throws Refusal, and the clip may be half changed then.
+/// Applies a `ClipAttrChange` to the clip. @throws Refusal when a value is not possible. Then some of the
+/// changes may have been made.
 void change_clip (Clip &clip, const Arguments &change);
 
 } // namespace sim

@@ -25,7 +25,7 @@ clip SPORT/GOAL length=3000 tracks=video,audio,audio,timecode angles=4 title="Th
 constexpr std::uint32_t most_timecode = 0x7FFFFFFF;
 constexpr std::uint32_t most_angles = 0xFF;
 
-// Words parted by blanks; quotes hold blanks together and vanish.
+// Splits a line at its blanks. Blanks between quotes do not split it, and the quotes are removed.
 std::vector<std::string> words_of (const std::string &line) {
   std::vector<std::string> words;
   std::string word;

@@ -109,7 +109,8 @@ std::vector<Track> tracks_of (std::string_view text) {
   return tracks;
 }
 
-// Names of what is in a directory lie between these two: `dir/` and `dir0`, since 0 follows the slash.
+// All names in a directory are between these two, `dir/` and `dir0`, because `0` is the character after the
+// slash.
 std::pair<std::string, std::string> range_below (const std::string &directory) {
   if (directory.empty ())
     return {"", "\xFF"};

@@ -24,39 +24,40 @@ public:
   bool directory_exists (const std::string &name) const;
   std::int64_t count () const;
 
-  /// The clip. @throws Refusal with the code `clipnotfound`.
+  /// The clip of that name. @throws Refusal with the code `clipnotfound` when there is none.
   Clip find (const std::string &id) const;
 
-  // The names that follow a name, in order, at most `most` of them. The empty name is before all others. With
-  // a directory, only what is directly in it.
+  // The names after a name, in order, at most `most` of them. The empty name is before all others. With a
+  // directory, only the names that are directly in it.
   using Directory = std::optional<std::string>;
   std::vector<std::string> names_after (const std::string &last, const Directory &directory, int most) const;
   std::vector<std::string> directories_after (const std::string &last, const Directory &directory,
                                               int most) const;
 
-  // All names of what is in a directory, at any depth.
+  // All names in a directory, at any depth.
   std::vector<std::string> names_below (const std::string &directory) const;
   std::vector<std::string> directories_below (const std::string &directory) const;
 
-  /// A clip in a directory, at any depth, that may not be renamed, if there is one.
+  /// A read-only clip in a directory, at any depth, if there is one.
   std::optional<std::string> locked_below (const std::string &directory) const;
 
-  /// Is called for each clip that `find` returns. It adds changes that are not stored yet.
+  /// Is called for each clip before `find` returns it. It adds changes that are not stored yet.
   std::function<void (Clip &)> amend;
 
   /// The sum of the stored lengths of all clips, in fields.
   std::int64_t fields () const { return fields_; }
 
-  /// Adds a new clip with an identifier and stamps. @throws Refusal for a bad name, or one that is in use.
+  /// Adds a new clip and sets its identifier and stamps. @throws Refusal when the name is bad or in use.
   void add (Clip clip);
-  /// The same without a check. The name must be valid and not in use.
+  /// The same without checks. The name must be valid and not in use.
   void add_unchecked (Clip clip);
-  /// Writes a changed clip back.
+  /// Stores a changed clip.
   void store (const Clip &clip);
   void remove (const std::string &id);
   /// @throws Refusal when a name is unknown, bad or in use.
   void rename (const std::string &from, const std::string &to);
   void add_directory (const std::string &name);
+  /// Renames the directory only. The clips and directories in it keep their names.
   void rename_directory (const std::string &from, const std::string &to);
 
   /// Sets one of the stamps, named by its column, to the present time. Does nothing when the clip does not
@@ -67,7 +68,7 @@ public:
   /// Milliseconds since 1970. Each call returns a larger number.
   std::int64_t stamp ();
 
-  /// Several changes of clips as one: the destructor undoes them unless `finish` was called.
+  /// Makes several changes of clips one change: the destructor undoes them unless `finish` was called.
   class Change {
   public:
     explicit Change (Clips &clips)

@@ -1,7 +1,6 @@
 #include "clock.h"
 
 #include <algorithm>
-#include <cmath>
 #include <ctime>
 
 namespace sim {
@@ -20,11 +19,11 @@ int Clock::take () {
   taken_ = total;
   const auto most = static_cast<std::int64_t> (static_cast<double> (most_at_once) * std::max (rate_, 1.0));
   const std::int64_t passed = std::clamp<std::int64_t> (fresh, 0, most);
-  before_ -= fresh - passed; // fields that were slept through have not gone by
+  before_ -= fresh - passed; // fields that are left out do not count
   return static_cast<int> (passed);
 }
 
-// Fields since the last change of pace.
+// The number of fields since the rate or the pause last changed.
 std::int64_t Clock::due () const {
   if (paused_)
     return taken_;

@@ -18,10 +18,11 @@ public:
   Clock (const Standard &standard, std::optional<std::int64_t> start)
       : standard_ (standard), start_ (start) {}
 
-  /// The number of fields since the last call; after a long sleep of the machine only some of them.
+  /// Returns the number of fields since the last call: at most 600, or at a higher rate that times the rate.
+  /// The others are left out, so that a machine that has slept does not catch up for long.
   int take ();
 
-  /// When the next field is over; nothing while it is paused.
+  /// The time at which the next field ends; nothing while the clock is paused.
   std::optional<Real::time_point> next () const;
 
   bool paused () const { return paused_; }
@@ -32,10 +33,10 @@ public:
   /// @param rate from 0.001 to 1000
   void set_rate (double rate);
 
-  /// Lets a number of fields pass at once.
+  /// Counts fields that the caller lets pass at once. `take` does not return them.
   void step (int fields) { stepped_ += fields; }
 
-  /// Milliseconds since 1970: with a given start the same for the same number of fields.
+  /// Milliseconds since 1970. With a given start, they depend only on the number of fields that have passed.
   std::int64_t milliseconds () const;
 
 private:
@@ -44,7 +45,7 @@ private:
 
   const Standard standard_;
   const std::optional<std::int64_t> start_;
-  Real::time_point since_ = Real::now (); ///< of the last change of pace
+  Real::time_point since_ = Real::now (); ///< when the rate or the pause last changed
   std::int64_t taken_ = 0;                ///< fields since then
   std::int64_t before_ = 0;               ///< fields before then
   std::int64_t stepped_ = 0;

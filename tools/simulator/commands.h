@@ -20,10 +20,10 @@ void add_listplay_commands (Handlers &handlers);
 void add_metadata_commands (Handlers &handlers);
 void add_dictionary_commands (Handlers &handlers);
 
-/// The number of a channel the server has. @throws Refusal for the others.
+/// The number of the channel that a command names. @throws Refusal when the server does not have it.
 int channel_of (const Arguments &arguments);
 
-/// The numbers of all channels in the set. @throws Refusal when the server lacks one of them.
+/// The numbers of all channels in the set. @throws Refusal when the server does not have one of them.
 std::set<int> channels_of (const Arguments &arguments);
 
 /// Reports the value of a key of the user dictionary to everyone who watches it.

@@ -1,7 +1,6 @@
 #include "commands.h"
 
 #include "message_limits.h"
-#include "vocabulary.h"
 
 #include <fmt/format.h>
 
@@ -30,8 +29,8 @@ Clips::Directory directory_wanted (const Call &call) {
   return name;
 }
 
-// The list has every name that is there from beginning to end. One that is created or deleted meanwhile may
-// or may not be in it.
+// The list has every name that exists all the time while it is sent. A name that is created or deleted
+// meanwhile may or may not be in it.
 void send_names (Call &call, const char *body, const char *tag, Page page) {
   const auto next = [body, tag, page, &clips = call.world.clips, directory = directory_wanted (call),
                      last = std::string ()] () mutable {
@@ -110,7 +109,7 @@ void add_clip (World &world, const Clip &clip) {
   world.report_disk_space ();
 }
 
-// A clip that is made for a channel is loaded there, ready to be recorded.
+// A clip that is created for a channel is loaded there, ready to be recorded.
 void create_clip (Call &call) {
   const std::set<int> types = call.arguments.words ("TrackSet");
   if (types.empty ())
@@ -159,7 +158,7 @@ void rename_directories (World &world, const std::string &from, const std::strin
   }
 }
 
-// Everything in the directory, at any depth, goes with it.
+// Everything in the directory, at any depth, is renamed with it.
 void rename_dir (Call &call) {
   World &world = call.world;
   const std::string &from = call.arguments.text ("FromDir"), &to = call.arguments.text ("ToDir");
@@ -172,7 +171,7 @@ void rename_dir (Call &call) {
   });
 }
 
-// What is behind the clip: its file, or the segments of a virtual clip.
+// One line for each segment of a virtual clip. For another clip, its sizes.
 std::vector<std::string> file_lines (World &world, const std::string &id) {
   if (world.vclips.exists (id))
     return world.vclips.find (id).lines ();

@@ -1,6 +1,5 @@
 #include "commands.h"
 
-#include "listplay.h"
 #include "vocabulary.h"
 
 #include <algorithm>
@@ -10,7 +9,7 @@ namespace sim {
 
 namespace {
 
-// What the arguments of a cue and a precue have in common.
+// Sets what a cue and a precue have in common.
 void set_common (Cue &cue, const Arguments &arguments) {
   cue.in = arguments.maybe_number ("GotoPosition").value_or (0);
   cue.angle = static_cast<int> (arguments.maybe_number ("Angle").value_or (0));
@@ -28,13 +27,14 @@ Content wanted_content (World &world, const Arguments &arguments) {
                                                                                  : clip_content (world, name);
 }
 
-// A number that is too large becomes the largest one, which is also beyond the end of every clip.
+// The last field of `length` fields. A number that is too large becomes the largest one, which is beyond the
+// end of every clip.
 std::uint32_t last_of (std::uint32_t first, std::uint32_t length) {
   constexpr std::uint32_t most = 0xFFFFFFFF;
   return length - 1 > most - first ? most : first + (length - 1);
 }
 
-// A position of 0 does not end a clip before it has begun: it means the end.
+// A `ClipPosition` of 0 means that there is no out point.
 void cue_clip (Call &call) {
   const int channel = channel_of (call.arguments);
   Cue cue = whole_cue (wanted_content (call.world, call.arguments));
@@ -86,7 +86,7 @@ void take_waiting (Call &call) {
   take (call.world, channel_of (call.arguments), how);
 }
 
-// Without a clip: the input, a number of fields late. It never ends.
+// The live input, which is used when the command names no clip. It never ends.
 Content live_content () {
   Content content;
   content.source = Source::live;

@@ -1,7 +1,6 @@
 #include "commands.h"
 
 #include "listplay.h"
-#include "vocabulary.h"
 
 namespace sim {
 

@@ -8,7 +8,7 @@ namespace sim {
 
 namespace {
 
-// A message is closed well before it is too long. A pair that does not fit into one of its own is refused.
+// A message ends well before it is too long. A pair that does not fit into a message by itself is refused.
 constexpr std::size_t full_message = 16384;
 constexpr std::size_t items_of_message = 200;
 
@@ -16,7 +16,7 @@ std::string prefix_of (const Arguments &arguments) {
   return arguments.maybe_text ("MetadataPrefix").value_or ("");
 }
 
-// A list of keys or pairs that is sent in as many messages as it takes.
+// A list of keys or pairs that is sent in as many messages as necessary.
 struct Told {
   const char *body;
   const char *list;
@@ -28,7 +28,7 @@ struct Told {
     return out;
   }
 
-  // Whether one more item goes into a message that has this size and so many of them.
+  // Whether one more item fits into a message that has this size and this number of items.
   static bool has_room (std::size_t size, std::size_t count, const std::string &item) {
     return count == 0 || (count < items_of_message && size + item.size () < full_message);
   }
@@ -52,7 +52,7 @@ std::string written_pair (const std::string &key, const std::string &value) {
   return out.take ();
 }
 
-// The next pairs, as many as one message takes.
+// The next pairs, as many as fit into one message.
 std::vector<std::string> next_pairs (const MetadataDatabases &databases, const Told &told,
                                      std::string &last) {
   std::vector<std::string> items;
@@ -83,11 +83,11 @@ void maybe_refuse (World &world) {
     throw Refusal ("The change of metadata is refused, as this server was asked to do");
 }
 
-// Everyone who watches the database gets a report, also the client that caused it, but only of keys that
-// start with the prefix of the watch.
+// A change to report to each client that watches the database, also to the client that made it. A client gets
+// only the keys that start with the prefix it watches.
 struct Change {
   Told told;
-  std::vector<std::pair<std::string, std::string>> items; ///< full keys, and what is written for them
+  std::vector<std::pair<std::string, std::string>> items; ///< full keys, and their text in the report
 };
 
 std::vector<std::string> items_under (const Change &change, const std::string &watched) {

@@ -82,7 +82,7 @@ void get_compression_info (Call &call) {
   call.answer (out.close ("CompressionInfo").close ("compression_info").take ());
 }
 
-// These commands have no effect but their line in the log. The simulator has no melts.
+// These commands have no effect except their line in the log. There are no melts to download.
 void nothing_more (Call &) {}
 
 void export_start (Call &call) {

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::uint32_t every_track = 0x3FF;
 
-// Each command of this family has a twin for several channels that does the same on one field.
+// Each of these commands also exists for several channels, where it acts on all of them in the same field.
 using Action = void (*) (World &, int, const Arguments &);
 
 template <Action action>
@@ -53,7 +53,7 @@ void goto_one (World &world, int channel, const Arguments &arguments) {
   player.go_to (field);
 }
 
-// Without a speed the channel goes on as it went, or at normal speed when it stood.
+// Without a speed, a playing channel keeps its speed, and a stopped one plays at normal speed.
 void go_at_one (World &world, int channel, const Arguments &arguments) {
   const Fixed now = world.player (channel).playing () ? world.player (channel).speed_when_cued () : fixed_one;
   goto_one (world, channel, arguments);

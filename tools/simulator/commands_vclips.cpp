@@ -46,7 +46,7 @@ void vclip_modification_end (Call &call) {
   open_clip (call).opened_by = 0;
 }
 
-// The fields of the source clip that a segment shows, at its speed, must be there.
+// The source clip must have all fields that the segment shows at its speed.
 void check_source (const Clip &clip, const Segment &segment) {
   const std::int64_t way = ((std::int64_t{segment.length} - 1) * segment.speed) >> 16;
   const std::int64_t last = segment.from + way;
@@ -95,7 +95,7 @@ void vclip_track_enable (Call &call) {
   open_clip (call).enabled = tracks_of (call);
 }
 
-// The tracks named are emptied and shall be like those of the clip, which must have them.
+// Empties the tracks that the command names. The clip that it names must have these tracks.
 void vclip_cfg_tracks (Call &call) {
   VirtualClip &clip = open_clip (call);
   const Clip model = call.world.clips.find (call.arguments.text ("ClipID"));

@@ -32,7 +32,8 @@ bool Rows::next () {
 
 Database::Database (const std::string &path) try
     : handle_ (path.empty () ? ":memory:" : path, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, patience) {
-  // A killed process loses nothing; only a fallen machine could, and that is not simulated.
+  // Without synchronous writes, nothing is lost when the process is killed. Only a crash of the machine can
+  // lose changes, which is acceptable for a simulator.
   query ("PRAGMA journal_mode = WAL").next ();
   query ("PRAGMA synchronous = OFF").next ();
 } catch (const std::exception &fault) {
@@ -76,7 +77,7 @@ Transaction::~Transaction () {
     database_.run ("ROLLBACK TO change");
     database_.run ("RELEASE change");
   } catch (const Refusal &) {
-    // The database has taken everything back on its own, as it does when the disk is full.
+    // The database has already undone everything itself, as it does when the disk is full.
   }
 }
 

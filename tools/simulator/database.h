@@ -43,8 +43,9 @@ private:
 
 /// The stored data of the server: in a file, or in the memory of the process.
 ///
-/// When another program has locked the file, a change waits up to a second for it. After such a failure all
-/// changes fail at once for some seconds, so that clients do not wait each time.
+/// When another program has locked the file, a change waits up to one second for it and then fails. For three
+/// seconds after that, a change fails at once while the file is locked, so that clients do not wait each
+/// time.
 class Database {
 public:
   /// @param path a file, which is created if necessary; empty: in memory. @throws Refusal
@@ -82,7 +83,7 @@ private:
   bool fails_fast_ = false;
 };
 
-/// Several changes as one: the destructor undoes them unless `finish` was called. May be nested.
+/// Makes several changes one change: the destructor undoes them unless `finish` was called. May be nested.
 class Transaction {
 public:
   explicit Transaction (Database &database) : database_ (database) { database_.run ("SAVEPOINT change"); }

@@ -47,7 +47,7 @@ Transition transition_of (const Arguments &record) {
 
 namespace {
 
-// A change of the item later takes some more.
+// A later change may make the item longer. This leaves room for it.
 void check_item_size (const Item &item, const ListKind &kind) {
   constexpr std::size_t room_for_changes = 500;
   Writer out;

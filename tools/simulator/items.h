@@ -8,14 +8,14 @@
 
 namespace sim {
 
-/// The two kinds of lists: playlists, and chase lists that follow a timecode. They differ in their names.
+/// What differs between the two kinds of lists: playlists, and chase lists that follow a timecode.
 struct ListKind {
   std::int64_t number;
   const char *name; ///< for people
   const char *id, *from, *to, *index, *item, *change, *at_end;
   const char *id_row, *item_row;
-  const char *report_type, *report;       ///< `report` goes on with `_created` and the like
-  const char *channel_report, *list_body; ///< `channel_report` goes on with `item_insert` and the like
+  const char *report_type, *report;       ///< `report` is followed by `_created` and others
+  const char *channel_report, *list_body; ///< `channel_report` is followed by `item_insert` and others
   int channel_report_type;
 };
 extern const ListKind playlists;
@@ -35,18 +35,18 @@ struct Item {
   std::optional<Transition> transition;
   std::optional<std::uint32_t> offset, trigger;
 
-  /// Whether it names nothing to show. Such an item ends a list.
+  /// Whether the item names no clip. Such an item ends a list.
   bool empty () const { return !clip && !vclip; }
 };
 
 Transition transition_of (const Arguments &record);
 /// @throws Refusal when the item would not fit into a message.
 Item item_of (const Arguments &record, const ListKind &kind);
-/// @throws Refusal when a list cannot have so many items: the last one would have no index.
+/// @throws Refusal when a list cannot have so many items, because the last index would be too large
 void check_count (std::size_t items);
 void write_item (Writer &out, const Item &item, const ListKind &kind);
 
-/// Changes the item as a `ListElementChange` or `ChaseElementChange` says.
+/// Applies a `ListElementChange` or `ChaseElementChange` to the item.
 void change_item (Item &item, const Arguments &change, const ListKind &kind);
 
 } // namespace sim

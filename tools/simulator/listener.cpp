@@ -60,7 +60,8 @@ void Listener::accept () {
   });
 }
 
-// Most likely no descriptor is left. New clients wait in the queue of the system until another one goes.
+// The usual cause is that no descriptor is left. New clients wait in the queue of the system until another
+// client disconnects.
 void Listener::accept_later (const asio::error_code &error) {
   if (!std::exchange (accept_failed_, true))
     actions_.log (fmt::format ("new clients wait: {}", error.message ()));

@@ -8,7 +8,7 @@
 
 namespace sim {
 
-/// Accepts connections at port 8913 of an address, except while a fault forbids it. One thread.
+/// Accepts connections on port 8913 of an address, except while a fault forbids it. One thread.
 class Listener {
 public:
   struct Actions {
@@ -18,7 +18,7 @@ public:
     std::function<void (const std::string &)> log;      ///< writes a line to the log
   };
 
-  /// Becomes what `faults` calls when its rules have changed.
+  /// Sets `faults.changed`, so that changed rules take effect.
   Listener (asio::io_context &context, const std::string &address, Faults &faults, Actions actions);
 
   /// Starts to listen. @throws std::exception when the address cannot be used
@@ -34,7 +34,7 @@ private:
   const Actions actions_;
   asio::ip::tcp::acceptor acceptor_;
   asio::steady_timer timer_;
-  bool accept_failed_ = false; ///< the last one did
+  bool accept_failed_ = false; ///< the last attempt to accept failed
 };
 
 } // namespace sim

@@ -1,6 +1,5 @@
 #include "listplay.h"
 
-#include "log.h"
 #include "vocabulary.h"
 #include "world.h"
 
@@ -19,7 +18,7 @@ void check_index (const LoadedList &list, std::size_t index) {
     throw Refusal (fmt::format ("The list has {} items, none at {}", list.items.size (), index));
 }
 
-// What comes behind an item: the next one, the first one in a loop, or nothing.
+// The item that follows an item: the next one, the first one when the list loops, or none.
 Index following (const LoadedList &list, std::size_t index) {
   if (index + 1 < list.items.size () && !list.items[index + 1].empty ())
     return index + 1;
@@ -77,7 +76,7 @@ void report_items (World &world, int channel, const ListKind &kind, std::vector<
     world.report_channel (channel, kind.channel_report_type, std::move (body));
 }
 
-// The other channel of a pair shows what will be taken.
+// The preview channel shows the next item.
 void show_preview (World &world, int channel) {
   const Player &player = world.player (channel);
   if (!player.list || !player.preview || !player.list->next)
@@ -94,8 +93,8 @@ void preview_next (World &world, int channel, const ListKind &kind) {
     show_preview (world, channel);
 }
 
-// The items have changed. Clients that mirror the list have moved its air positions themselves, so these are
-// reported again.
+// Is called after the items have changed. Clients that mirror the list have adjusted the indexes of the items
+// on air themselves, so these are reported again.
 void after_edit (World &world, int channel, const ListKind &kind, std::vector<std::string> bodies) {
   LoadedList &list = loaded_list (world, channel, kind);
   list.modified = true;
@@ -116,7 +115,7 @@ void start_item (World &world, int channel, const Item &item, bool roll) {
     player.start_transition (transition.duration.value_or (0));
 }
 
-// The list has run out: the bed, if there is one, else the last picture.
+// Is called when the list has ended. Plays the bed, if there is one; otherwise the last picture stays.
 void finish (World &world, int channel) {
   Player &player = world.player_to_change (channel);
   player.stop ();
@@ -139,7 +138,7 @@ void repeat_item (World &world, int channel) {
   player.play (speed);
 }
 
-// The old places in their new order.
+// The old indexes of all items in the new order.
 std::vector<std::size_t> new_order (std::size_t size, const std::vector<std::size_t> &moved,
                                     std::size_t before) {
   const std::set<std::size_t> taken (moved.begin (), moved.end ());
@@ -307,7 +306,7 @@ bool end_item (World &world, int channel) {
 
 namespace {
 
-// The item whose trigger was passed last.
+// The item with the latest trigger that is not after this field.
 Index chased_item (const LoadedList &list, std::int64_t field) {
   Index best;
   for (std::size_t index = 0; index < list.items.size (); ++index) {
@@ -373,8 +372,8 @@ std::vector<std::string> list_bodies (const World &world, int channel, const Lis
   out.open (body).word ("Channel", channel).text (kind.id, list->id);
   if (&kind == &playlists)
     out.word ("ListPlayMode", list->mode);
-  // A client that mirrors another list still has its items, because the name of a new list removes none of
-  // them.
+  // A client that mirrored another list still has its items. The name of the new list does not remove them,
+  // so `clear_all` does.
   std::vector<std::string> bodies = {out.close (body).take (), channel_body (kind, "clear_all", channel)};
   for (std::size_t index = 0; index < list->items.size (); ++index)
     bodies.push_back (item_body (kind, "item_exists", channel, index, &list->items[index]));

@@ -17,26 +17,27 @@ public:
   explicit Lists (Database &database);
 
   bool exists (const ListKind &kind, const std::string &id) const;
-  /// The names behind a name, in order, at most `most` of them, or all when it is negative. All names are
-  /// behind the empty one.
+  /// The names after a name, in order, at most `most` of them, or all when `most` is negative. The empty name
+  /// is before all others.
   std::vector<std::string> names_after (const ListKind &kind, const std::string &last, int most) const;
 
   /// The items of a list. @throws Refusal when there is no such list.
   std::vector<Item> find (const ListKind &kind, const std::string &id) const;
 
-  /// The items of a list from one place on, at most so many.
+  /// The items of a list from index `first` on, at most `most` of them, or all when `most` is negative.
   /// @throws Refusal when there is no such list.
   std::vector<Item> items_from (const ListKind &kind, const std::string &id, std::int64_t first,
                                 int most) const;
 
-  /// The number of changes of that list, so that a reader of its parts can notice a change in between.
+  /// How often that list has been changed. A caller that reads a list in parts compares two of these numbers
+  /// to notice a change between the parts.
   std::uint64_t changes (const ListKind &kind, const std::string &id) const;
 
-  /// Stores a list under a name, in the place of one that is there.
+  /// Stores a list under a name. It replaces a list of that name.
   void store (const ListKind &kind, const std::string &id, const std::vector<Item> &items);
   /// @throws Refusal when there is no such list.
   void remove (const ListKind &kind, const std::string &id);
-  /// @throws Refusal when one name is unknown, or the other taken or empty.
+  /// @throws Refusal when there is no list `from`, or when `to` is empty, too long or in use.
   void rename (const ListKind &kind, const std::string &from, const std::string &to);
 
 private:

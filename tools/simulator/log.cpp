@@ -15,7 +15,7 @@ namespace sim {
 
 namespace {
 
-constexpr std::size_t longest_line = 4000; // a pipe that is ready takes this much without waiting
+constexpr std::size_t longest_line = 4000; // bytes that fit into a pipe that is ready for writing
 
 void write_all (std::string_view text, int output = STDOUT_FILENO) {
   while (!text.empty ()) {

@@ -9,7 +9,7 @@ namespace sim {
 /// 4000 bytes is shortened in its middle.
 void log_line (std::string_view line);
 
-/// Writes one line without a time, and waits until it is taken.
+/// Writes one line without a time to the standard output, and waits until it is written.
 void print_line (std::string_view line);
 
 /// Writes one line about something that has gone wrong to the standard error.

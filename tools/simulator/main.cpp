@@ -9,7 +9,6 @@
 
 #include <CLI/CLI.hpp>
 #include <csignal>
-#include <fmt/format.h>
 
 namespace {
 

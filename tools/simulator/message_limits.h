@@ -13,10 +13,10 @@ namespace sim {
 inline constexpr std::size_t longest_message = 32768;
 inline constexpr std::size_t longest_identifier = 200;
 
-/// What is left for a body beside the identifier and the outer tags.
+/// The longest body: the rest of a message is left for the identifier and the outer tags.
 inline constexpr std::size_t longest_body = 32500;
 
-/// Names of clips, directories and lists. Half a message is left for the rest of its contents.
+/// The longest name of a clip, a directory or a list: half of a message is left for the other contents.
 inline constexpr std::size_t longest_name = 16000;
 
 /// @throws Refusal when something of this written size is longer than it may be.
@@ -25,7 +25,8 @@ void check_size (std::string_view what, std::size_t size, std::size_t most = lon
 /// @throws Refusal when the name is too long.
 void check_name_length (const std::string &name);
 
-/// The text, or its beginning and its end with dots between them. Cuts between characters.
+/// Returns the text, or its beginning and its end with dots between them when it has more than `most` bytes.
+/// Never cuts within a character.
 std::string shortened (std::string_view text, std::size_t most);
 
 } // namespace sim

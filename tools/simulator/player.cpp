@@ -1,7 +1,6 @@
 #include "player.h"
 
 #include "listplay.h"
-#include "log.h"
 #include "vocabulary.h"
 #include "world.h"
 
@@ -26,7 +25,7 @@ int audio_tracks_of (const Clip &clip) {
                                           [] (const Track &track) { return track.type == track_audio; }));
 }
 
-// The first field's timecode, by the clip's own rule.
+// The timecode of the first field, from the timecode source of the clip.
 std::int64_t first_field_of (const Clip &clip) {
   if (clip.timecode_source == 1 && clip.stripe_valid)
     return clip.stripe_field;
@@ -214,7 +213,7 @@ bool store_recording (World &world, const Recording &done) {
   return true;
 }
 
-// It is tried again every second.
+// The recording is stored later: this is tried again every second.
 void keep_recording (World &world, int channel, std::string_view why) {
   Recording &recording = *world.player_to_change (channel).unstored;
   if (!std::exchange (recording.was_refused, true))

@@ -21,7 +21,7 @@ struct LoadedList {
   bool next_only_cued = false; ///< the next item is cued and not played
   int loop = loop_off;
   bool modified = false;
-  std::optional<Item> bed; ///< what is repeated after the end of the list
+  std::optional<Item> bed; ///< item that is repeated after the end of the list
 };
 
 /// Who has taken a channel for transfers.
@@ -35,7 +35,7 @@ struct Steal {
 struct Player : Transport {
   std::optional<LoadedList> list;
   std::optional<LoadedList> chase;
-  std::optional<int> preview; ///< the channel that shows what comes next
+  std::optional<int> preview; ///< the channel that shows the next item
 
   Steal steal;
 
@@ -49,13 +49,14 @@ struct Player : Transport {
 
 class World;
 
-// Actions on channels, with their effects on stamps of clips, precued clips and lists.
+// Actions on channels. They also set the stamps of clips and start precued clips and items of lists.
 
-/// The content of the clip of that name. @throws Refusal when there is no such clip.
+/// The content of the clip or virtual clip of that name. @throws Refusal when there is none, or when the
+/// virtual clip cannot be shown now.
 Content clip_content (World &world, const std::string &name);
 Content vclip_content (World &world, const std::string &name);
 
-/// The cue that shows it from its beginning to its end.
+/// A cue that shows the content from its beginning to its end.
 Cue whole_cue (const Content &content);
 
 /// @throws Refusal when the cue has a position or an angle that its content does not have
@@ -70,13 +71,14 @@ void stop (World &world, int channel);
 /// @throws Refusal when nothing is precued.
 void switch_to_precued (World &world, int channel);
 
-/// Continues after a channel has reached the end of what it plays.
+/// Is called when a channel has reached the end of what it plays. Starts what follows, or stops.
 void reach_end (World &world, int channel);
 
 /// How `take` puts the next item of the list, or the precued clip, on air.
 struct Take {
   Transition transition;
-  std::optional<int> follow; ///< number of `FollowSpeed`; absent: as the content says
+  std::optional<int> follow; ///< number of `FollowSpeed`; absent: an item of a list starts by its own
+                             ///< settings, a precued clip keeps the speed of the channel
 };
 void take (World &world, int channel, const Take &how);
 
@@ -85,7 +87,7 @@ void take (World &world, int channel, const Take &how);
 ///   disk is full.
 void check_recording (const World &world, int channel, Fixed speed);
 
-/// Stores what has been recorded on a channel whose recording has ended.
+/// Stores the recording of a channel when it has ended. When this fails, it is tried again later.
 void close_recording (World &world, int channel);
 
 } // namespace sim

@@ -5,7 +5,7 @@
 
 namespace sim {
 
-/// The one source of all that is random. The same seed gives the same numbers on every machine.
+/// A source of random numbers. The same seed gives the same numbers on every machine.
 class Random {
 public:
   Random () : Random ((std::uint64_t{std::random_device{}()} << 32) | std::random_device{}()) {}

@@ -25,29 +25,30 @@ namespace {
 using asio::ip::tcp;
 using Clock = std::chrono::steady_clock;
 
-// Bytes that wait to be sent to one client. Positions are left out above the first. Long answers stop above
-// the second, and commands wait above the third, until the client has taken some. Only reports can go
-// further.
+// Limits of the bytes that wait to be sent to one client. Above `lagging_bytes`, positions are left out.
+// Above `filled_bytes`, a long answer waits. Above `full_bytes`, commands wait. Only reports can exceed the
+// last limit.
 constexpr std::size_t lagging_bytes = 1u << 20;
 constexpr std::size_t filled_bytes = 1u << 16;
 constexpr std::size_t full_bytes = 16u << 20;
 
-// A client that leaves so many bytes unread, and has read none for so long, is disconnected. One that leaves
-// more unread is disconnected at once.
+// A client with more than `idle_bytes` unread that has read nothing for `idle_time` is disconnected. A client
+// with more than `most_unread_bytes` unread is disconnected at once.
 constexpr std::size_t idle_bytes = 64u << 20;
 constexpr std::chrono::seconds idle_time{10};
 constexpr std::size_t most_unread_bytes = 512u << 20;
 
-constexpr int parts_in_a_turn = 8; // of a long answer
+constexpr int parts_in_a_turn = 8; // of a long answer, before others are served
 constexpr std::size_t written_at_once = 256u << 10;
 
-// Fields that are due have gone by before anything else happens.
+// Is called before anything else happens, so that commands find the state of the present field.
 void pass_due_fields (World &world) {
   if (const int fields = world.clock.take (); fields > 0)
     world.pass_fields (fields);
 }
 
-/// One connection. The server keeps it until it has ended, a read or a write under way until that is over.
+/// One connection. The server keeps it until it has ended. A read or write that has not finished keeps it
+/// alive too.
 class Session : public Client, public Endpoint, public std::enable_shared_from_this<Session> {
 public:
   Session (World &world, asio::io_context &context, Faults &faults, MessageObserver &observer,
@@ -98,7 +99,7 @@ public:
     return waiting_.size () + being_written_.size () - written_ + injector_->held ();
   }
 
-  /// Queues bytes behind what waits to be sent, past all faults.
+  /// Queues bytes after those that wait to be sent. Faults are not applied to them.
   void put (std::string_view bytes) override {
     waiting_ += bytes;
     if (writing_)
@@ -139,7 +140,7 @@ private:
       log_line (fmt::format ("{} {}", name, what));
   }
 
-  // The world forgets the client.
+  // Removes the client from the world.
   void leave_world (std::string_view why) {
     if (std::exchange (has_left_, true))
       return;
@@ -204,7 +205,7 @@ private:
 
   bool is_producing () const { return producer_ && !output_ended_; }
 
-  // The client has so much to take that its next command waits.
+  // Whether so much waits to be sent that the next command of the client must wait.
   bool is_full () const { return is_producing () || unsent () >= full_bytes; }
 
   void carry_out (const std::string &document) {
@@ -212,7 +213,8 @@ private:
       world_.receive (*this, document);
   }
 
-  // Continues a long answer. Others have their turn between its parts, even when a fault swallows them all.
+  // Continues a long answer. Other clients are served between its parts, also when a fault removes all of
+  // them.
   void fill () {
     for (int part = 0; part < parts_in_a_turn && is_producing () && unsent () < filled_bytes; ++part)
       if (!producer_ ())
@@ -246,7 +248,7 @@ private:
     end_later ("is disconnected: it does not read");
   }
 
-  // Later, because the caller may be in a loop over all clients.
+  // Ends the connection later, because the caller may be in a loop over all clients.
   void end_later (std::string_view why) {
     finishing_ = true;
     asio::post (socket_.get_executor (), [self = shared_from_this (), why] { self->end (why); });
@@ -288,13 +290,13 @@ private:
 
   World &world_;
   tcp::socket socket_;
-  const std::shared_ptr<FaultInjector> injector_; ///< what is sent passes through it
+  const std::shared_ptr<FaultInjector> injector_; ///< passes on everything that is sent
   const std::function<void (int)> ended_;
   Framer framer_;
   std::array<char, 16384> received_{};
-  Producer producer_;         ///< the long answer under way, if any
+  Producer producer_;         ///< sends the rest of a long answer, if any
   std::string waiting_;       ///< not yet handed to the socket
-  std::string being_written_; ///< what the write under way refers to
+  std::string being_written_; ///< bytes of the present write
   std::size_t written_ = 0;   ///< bytes of `being_written_` that the client has taken
   Clock::time_point last_taken_;
   bool writing_ = false;
@@ -302,9 +304,9 @@ private:
   bool may_read_ = true;
   bool stalled_ = false; ///< commands wait until the client has taken some of its answers
   bool fill_posted_ = false;
-  bool output_ended_ = false; ///< nothing more is sent but what is queued
-  bool has_left_ = false;     ///< the world does not know it any more
-  bool finishing_ = false;    ///< nothing more is carried out
+  bool output_ended_ = false; ///< nothing is sent after what is queued
+  bool has_left_ = false;     ///< it has been removed from the world
+  bool finishing_ = false;    ///< no more commands are carried out
 };
 
 class Server : public SteeredServer, public MessageObserver {

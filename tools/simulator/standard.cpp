@@ -59,8 +59,8 @@ constexpr Standard with_rate (const Row &row) {
   return {};
 }
 
-// An overflow in a constant expression is an error, so a clock that would go wrong in a year does not
-// compile.
+// An overflow in a constant expression does not compile, so these lines also check that the clock is right
+// for years.
 constexpr Standard odd = {"", "", "", 60000, 1001, true};
 constexpr Standard even = {"", "", "", 50, 1, false};
 static_assert (nanoseconds_of_fields (odd, 1) == 16'683'333);

@@ -125,13 +125,13 @@ bool Transport::move () {
   return true;
 }
 
-// A clip precued for the end of this one whatever happens ends the loop.
+// A clip that is precued with `end_of_clip2` ends the loop.
 bool Transport::loops () const {
   const bool awaited = !precued.empty () && precued.front ().condition == precue_end_of_clip2;
   return cue.loop != loop_off && cue.loop != loop_auto && !awaited;
 }
 
-// What lies outside the loop is played up to the loop in these modes, and skipped in the others.
+// In these modes a channel outside the loop plays up to the loop. In the others it jumps into the loop.
 bool Transport::enters_freely () const {
   return cue.loop == loop_to || cue.loop == loop_pingpong_to;
 }
@@ -166,12 +166,12 @@ void Transport::reflect (std::int64_t next, Range range) {
   place_ = std::clamp (next < range.low ? 2 * range.low - next : 2 * last - next, range.low, last);
 }
 
-// The place behind the out point; without one, behind every place.
+// The place after the out point. Without an out point, a place that is never reached.
 std::int64_t Transport::behind_out () const {
   return cue.out ? (std::int64_t{*cue.out} + 1) << 16 : std::numeric_limits<std::int64_t>::max ();
 }
 
-// A recording ends at the out point. It goes on behind the end of the clip, which grows, and through all
+// A recording ends at the out point. At the end of the clip it goes on and makes the clip longer. It ignores
 // loops.
 bool Transport::record (std::int64_t next) {
   constexpr std::int64_t most_fields = 0xFFFFFFFF;

@@ -7,7 +7,6 @@
 #include <deque>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace sim {
 
@@ -57,39 +56,40 @@ struct Recording {
 };
 
 /// The transport of one channel: position, speed, loops, recording and precued clips. It does not use other
-/// channels or stored clips. Positions are fields. Both ends of a range are part of it.
+/// channels or stored clips. Positions are counted in fields. Both ends of a range belong to it.
 class Transport {
 public:
   bool loaded () const { return cue.content.source != Source::nothing; }
   std::uint32_t position () const { return static_cast<std::uint32_t> (place_ >> 16); }
-  /// The last field of what is loaded; 0 when it is empty.
+  /// The last field of the loaded content; 0 when it has no fields.
   std::uint32_t last_field () const;
   bool playing () const { return playing_; }
   bool recording () const;
   int status () const;
-  /// The speed the channel goes at now, with the direction of a ping-pong; 0 when it does not move.
+  /// The present speed, negative for the way back of a ping-pong; 0 when the channel does not move.
   Fixed speed () const;
-  /// The speed the channel goes at as soon as it has cued; 0 when it does not move.
+  /// The same, but while the channel is cueing the speed that it will have after that.
   Fixed speed_when_cued () const;
   bool in_transition () const { return transition_left_ > 0; }
 
   /// Loads a cue and shows its first field one field later. Clears the edit mask: a new clip is not recorded
   /// until a client sets the mask again.
   void load (const Cue &what);
-  /// Ends the cueing at once, as when clips change on air.
+  /// Ends the cueing at once. Used when clips change on air.
   void skip_cueing () { cueing_left_ = 0; }
   void unload ();
-  /// Takes over a change of the loaded clip, for example of its length. Restarts the recording into it: what
-  /// was recorded before is stored.
+  /// Applies a change of the loaded clip, for example of its length. What was recorded before counts as
+  /// stored, and a recording that runs starts again from there.
   void renew (const Content &content);
   void play (Fixed speed);
   void stop ();
-  /// Goes to a field and stops. Both stop at the ends of what is loaded.
+  /// Goes to a field, or to the last field when it is beyond the end. Stops the channel.
   void go_to (std::uint32_t field);
+  /// Moves by a number of fields, at most to an end of the content. Stops the channel.
   void jog (std::int32_t distance);
   void start_transition (std::uint32_t fields) { transition_left_ = fields; }
 
-  /// Moves by one field. @return whether it reached the end of what is loaded
+  /// Lets one field pass. @return whether the channel has reached the end of what it plays
   bool pass_field ();
 
   Cue cue;
@@ -97,7 +97,7 @@ public:
   int edit_mask = 0; ///< tracks that are recorded while it plays
   int ee_mask = 0;
   bool auto_ee = true;
-  std::optional<Recording> unstored; ///< what has been recorded and not yet been stored
+  std::optional<Recording> unstored; ///< what has been recorded but not yet stored
 
 private:
   struct Range {
@@ -118,7 +118,7 @@ private:
   std::int64_t place_ = 0; ///< in fields, with 16 fractional bits
   Fixed speed_ = fixed_one;
   bool playing_ = false;
-  bool backwards_ = false; ///< the second half of a ping-pong
+  bool backwards_ = false; ///< on the way back of a ping-pong
   int cueing_left_ = 0;    ///< fields until the cue is done
   std::uint32_t transition_left_ = 0;
 };

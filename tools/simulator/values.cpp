@@ -14,7 +14,7 @@ bool all_digits (std::string_view text) {
   return text.find_first_not_of ("0123456789") == text.npos;
 }
 
-// The first 16 binary places of the decimal fraction, the rest cut off.
+// The first 16 binary places of a decimal fraction. The rest is cut off.
 std::uint32_t binary_fraction (std::string_view digits) {
   std::uint64_t value = 0, whole = 1;
   for (const char digit : digits.substr (0, 18)) {

@@ -10,7 +10,8 @@ namespace sim {
 
 namespace {
 
-// What is left of a segment from one of its fields on. The clip's place moves at the segment's speed.
+// The part of a segment from field `start` of the virtual clip on. The speed of the segment decides how far
+// its first field of the clip moves.
 Segment tail (const Segment &segment, std::uint32_t start) {
   Segment rest = segment;
   const std::uint32_t skipped = start - segment.at;

@@ -21,18 +21,18 @@ struct Segment {
   std::uint32_t end () const { return at + length; }
 };
 
-/// A clip assembled from segments of others, track by track. The segments of a track are in order and do not
-/// overlap; where there is none, the track is empty.
+/// A clip that is made of segments of other clips, separately for each track. The segments of a track are in
+/// order and do not overlap. Where there is no segment, the track is empty.
 struct VirtualClip {
   std::uint32_t length = 0;
   std::map<int, std::vector<Segment>> tracks; ///< by number of `TrackType`
   std::set<int> enabled;
-  int opened_by = 0; ///< number of the client that modifies it; 0: nobody
+  int opened_by = 0; ///< number of the client that modifies it; 0: none
 
   void clear (int track, std::uint32_t at, std::uint32_t fields);
   void add (int track, const Segment &segment);
-  /// Moves everything from a place on, to later positions by a positive distance and to earlier ones by a
-  /// negative distance. It replaces what was at its new place. What is moved beyond the end is removed.
+  /// Moves everything from a place on: a positive distance moves it to later positions, a negative distance
+  /// to earlier ones. It replaces what was at its new place. What is moved beyond the end is removed.
   void ripple (int track, std::uint32_t at, std::int32_t distance);
   /// The clips that it shows.
   std::set<std::string> sources () const;
@@ -43,22 +43,22 @@ private:
   void split (int track, std::uint32_t at);
 };
 
-/// The virtual clips of the server. They live as long as the process.
+/// The virtual clips of the server. They are kept in memory only.
 class VirtualClips {
 public:
   bool exists (const std::string &id) const { return clips_.contains (id); }
-  /// @throws Refusal when the name is empty or taken.
+  /// @throws Refusal when the name is empty or in use.
   void create (const std::string &id, std::uint32_t length);
-  /// @throws Refusal when there is none of that name.
+  /// @throws Refusal when there is no virtual clip of that name.
   VirtualClip &find (const std::string &id);
   void remove (const std::string &id);
   /// Whether the virtual clip has a segment of a clip.
   bool shows (const std::string &id, const std::string &clip) const;
-  /// To be called when a clip has been renamed.
+  /// Must be called when a clip has been renamed.
   void rename_source (const std::string &from, const std::string &to);
   /// Ends all modifications of a client.
   void release (int client);
-  /// The clip, open for changes. @throws Refusal when it is not.
+  /// The virtual clip, which must be open for changes. @throws Refusal when it is not
   VirtualClip &open (const std::string &id);
 
 private:

@@ -13,7 +13,7 @@ struct WordsRow {
 };
 struct RecordRow {
   std::string_view tags;
-  std::string_view parts; ///< in order, `?` behind the optional ones
+  std::string_view parts; ///< in order, `?` after the optional ones
 };
 struct ListRow {
   std::string_view tag;
@@ -26,7 +26,7 @@ struct ScalarRow {
 };
 struct CommandRow {
   std::string_view name;
-  std::string_view parts; ///< in order, `?` behind the optional ones
+  std::string_view parts; ///< in order, `?` after the optional ones
 };
 
 constexpr WordsRow words_rows[] = {

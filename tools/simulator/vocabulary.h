@@ -14,7 +14,7 @@ struct Part {
   bool optional = false;
 };
 
-/// What may stand in a tag.
+/// The values that a tag may have.
 struct Tag {
   std::string_view name;
   Form form = Form::text;
@@ -38,10 +38,10 @@ const Grammar *find_command (std::string_view name);
 /// All commands, in no particular order.
 std::vector<const Grammar *> all_commands ();
 
-/// The place of a word among those of its tag, or -1.
+/// The number of a word of a tag, or -1 when the tag has no such word.
 int word_number (std::string_view tag, std::string_view word);
 
-/// The word at that place, empty when there is none.
+/// The word of that number, or empty when the tag has no such word.
 std::string_view word_at (std::string_view tag, int number);
 
 } // namespace sim

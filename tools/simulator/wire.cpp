@@ -111,7 +111,8 @@ void Framer::feed (std::string_view bytes) {
   held_ += bytes;
 }
 
-// The end of the first end tag of a root element, or npos while it is not there. No byte is looked at twice.
+// The end of the first end tag of a root element, or npos when it has not come yet. No byte is searched
+// twice.
 std::size_t Framer::find_end () {
   constexpr std::string_view end_tag = "</cmd";
   while (searched_ < held_.size ()) {

@@ -2,7 +2,7 @@
 
 namespace sim {
 
-// The words that decide something here, by their numbers on the wire.
+// Words of the protocol that the simulator uses in decisions, by their numbers in the vocabulary.
 
 enum TrackType : int { track_video, track_key, track_audio, track_timecode };
 enum LoopMode : int { loop_off, loop_loop, loop_to, loop_pingpong, loop_pingpong_to, loop_auto, loop_record };

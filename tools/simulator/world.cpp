@@ -34,7 +34,7 @@ std::string error_body (std::string_view text, std::string_view code) {
       .take ();
 }
 
-// The one place where messages go out. One that no client could take is left out.
+// The only place where messages are sent. A message that is too long for any client is left out.
 bool deliver (Client &client, std::string message) {
   if (message.size () > longest_message) {
     log_line (fmt::format ("{} is not sent a message of {} bytes: {}", client.name, message.size (),
@@ -215,7 +215,7 @@ void World::check_unused (Source source, const std::string &name) const {
   }
 }
 
-// A recording that runs is a part of its clip.
+// Adds what has been recorded but not yet stored to the clip.
 void World::amend (Clip &clip) const {
   for (const Player &player : players_) {
     if (!player.unstored || player.unstored->clip != clip.id || player.unstored->growth () == 0)
@@ -294,7 +294,7 @@ void World::pass_field (int channel) {
   }
 }
 
-// What goes on by itself, and need not be known at once.
+// Work that can wait for the next second.
 void World::each_second () {
   clips.store_late_stamps ();
   for (int channel = 0; channel < channel_count; ++channel)
@@ -360,7 +360,8 @@ void World::report_present (Client &client, int channel, int kind) {
     send_report (client, body);
 }
 
-// A channel that is on its way now may be back by the next report of positions where all others saw it last.
+// A moving channel may be back at its last reported position at the next report of positions. Then nothing is
+// sent to the other clients, but this client has been sent a position in between and must get it.
 void World::start_reports (Client &client, int channel, int kind) {
   client.channel_reports.insert ({channel, kind});
   report_present (client, channel, kind);
@@ -389,8 +390,8 @@ void World::report_players () {
   flush_reports ();
 }
 
-// Positions wait for the field clock, so that none goes out twice in a field. A client that does not keep up
-// gets the last of them when it does.
+// Positions are sent only here, after fields have passed, so that none is sent twice in a field. A client
+// that does not read fast enough gets the last position when it has caught up.
 void World::report_positions () {
   if (field_ < next_positions_)
     return;

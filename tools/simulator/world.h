@@ -24,13 +24,13 @@
 
 namespace sim {
 
-/// An entry of the user dictionary. Owned ones go with their client.
+/// An entry of the user dictionary. An entry with an owner is removed when its client disconnects.
 struct DictionaryEntry {
   std::string value;
-  int owner = 0; ///< client number; 0: nobody
+  int owner = 0; ///< client number; 0: none
 };
 
-/// The simulated server without its sockets: everything it knows, and who is connected. One thread.
+/// The simulated server without its sockets: its whole state, and the clients that are connected. One thread.
 class World {
 public:
   explicit World (const Options &given);
@@ -47,16 +47,18 @@ public:
   /// Lets a number of fields pass.
   void pass_fields (int count);
 
-  /// A channel that may be changed: what has changed will be reported.
+  /// A channel that the caller may change. The changes are reported later.
   Player &player_to_change (int channel);
   const Player &player (int channel) const { return players_[static_cast<std::size_t> (channel)]; }
-  /// Does the same to several channels. When one refuses, none of them is changed.
+  /// Calls the action for several channels. When one of them refuses, none is changed.
   void gang (const std::set<int> &channels, const std::function<void (int)> &action);
-  /// Does something with clips and channels. When it throws a Refusal, they are as they were before.
+  /// Calls an action that changes clips and channels. When it throws a Refusal, its changes are undone.
   void all_or_nothing (const std::function<void ()> &action);
-  /// A clip has changed, or has another name: channels that have it loaded or precued get its new state.
+  /// Must be called after a clip has been changed or renamed. Channels that have it loaded or precued get its
+  /// new state.
   void renew_clip (const std::string &from, const std::string &to);
-  /// @throws Refusal when a channel has it loaded or precued, or has a virtual clip loaded that shows it
+  /// @throws Refusal when a channel has the clip loaded or precued, or has a virtual clip loaded that shows
+  /// it
   void check_unused (Source source, const std::string &name) const;
 
   /// Fields since the start.
@@ -65,21 +67,21 @@ public:
   std::uint64_t available_space () const;
   std::string disk_space_body () const;
 
-  // Reports go out behind the answer of the command that has caused them.
+  // Reports are sent after the answer to the command that has caused them.
   void report (std::string_view report_type, std::string body);
   void report_channel (int channel, int kind, std::string body);
   void each_client (const std::function<void (const Client &)> &visit) const;
   void report_if (std::function<bool (const Client &)> wanted, std::string body);
-  /// `clip_created` and the like, with what else they change.
+  /// Reports about a clip, such as `clip_created`.
   void report_clip (std::string_view body_name, const std::string &clip);
   void report_directory (std::string_view body_name, const std::string &directory);
   void report_disk_space ();
-  /// Sends what is pending, and what has changed on the channels.
+  /// Sends the reports that are pending, and those of what has changed on the channels.
   void report_news ();
 
-  /// From now on the client gets this kind of channel report, first of all the present values.
+  /// Sends the client the present values of a kind of channel report now, and the changes from now on.
   void start_reports (Client &client, int channel, int kind);
-  /// Sends one client the present values of a kind of channel report.
+  /// Sends a client the present values of a kind of channel report.
   void report_present (Client &client, int channel, int kind);
   void send_report (Client &client, const std::string &body);
 
@@ -96,7 +98,7 @@ public:
   std::map<std::string, DictionaryEntry> dictionary;
   std::int64_t chase_field = -1; ///< the last chase timecode; negative: none yet
   std::uint32_t metadata_changes = 0;
-  std::map<std::string, std::string> present_reports; ///< by kind: bodies that were set from outside
+  std::map<std::string, std::string> present_reports; ///< by kind: bodies that a control request has set
 
 private:
   struct Report {
@@ -113,8 +115,8 @@ private:
   void report_positions ();
 
   std::array<Player, channel_count> players_;
-  std::set<int> touched_; ///< channels that may have news
-  std::set<int> moved_;   ///< channels whose position may be news
+  std::set<int> touched_; ///< channels that may have changed
+  std::set<int> moved_;   ///< channels whose position may have changed
   ChannelReporter reporter_;
   std::vector<Report> pending_;
   std::vector<Client *> clients_;
@@ -124,21 +126,21 @@ private:
   std::uint64_t space_reported_ = 0;
 };
 
-/// Bytes of one field of pictures on the disk.
+/// Bytes that one field takes on the disk.
 inline constexpr std::uint32_t field_size = 262144;
 
-/// A command while its handler runs. A handler that returns without an answer answers `ok`. One that throws a
-/// Refusal answers `error`.
+/// A command while its handler runs. When the handler returns without an answer, the answer is `ok`. When it
+/// throws a Refusal, the answer is `error`.
 class Call {
 public:
   Call (World &whole, Client &from, std::string identifier, const Element &command)
       : world (whole), client (from), arguments (command), xid_ (std::move (identifier)) {}
 
-  /// Sends one row of an answer that has few of them. `ok` ends the answer.
+  /// Sends one row of an answer that has few rows. After the last row, the handler returns and `ok` is sent.
   void row (const std::string &body);
 
-  /// Answers with rows that are produced as the client takes them, and with `ok` behind the last one.
-  /// @param next gives the next rows, some tens of kilobytes at most, and none at the end. When it throws a
+  /// Sends an answer of many rows, as fast as the client takes them, and `ok` after the last one.
+  /// @param next returns the next rows, at most some tens of kilobytes, and none at the end. When it throws a
   ///   Refusal, the answer ends with `error`.
   void rows (std::function<std::vector<std::string> ()> next);
 

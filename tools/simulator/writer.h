@@ -8,7 +8,7 @@
 
 namespace sim {
 
-/// Writes what goes out, element by element, without spacing.
+/// Writes the text of a message, element by element, without blanks between them.
 class Writer {
 public:
   Writer &open (std::string_view name);
@@ -19,9 +19,9 @@ public:
   Writer &fixed (std::string_view name, Fixed value) { return text (name, fixed_text (value)); }
   Writer &boolean (std::string_view name, bool value) { return text (name, value ? "true" : "false"); }
   Writer &flag (std::string_view name, bool value);
-  /// The word with that number among those of the tag.
+  /// Writes the word of the tag that has this number.
   Writer &word (std::string_view name, int number);
-  /// Text that is already written.
+  /// Adds text that is already written.
   Writer &raw (std::string_view written);
 
   const std::string &result () const { return out_; }

@@ -5,7 +5,6 @@
 #include "control/steering.h"
 #include "vocabulary.h"
 
-#include <charconv>
 #include <fmt/format.h>
 #include <functional>
 #include <stdexcept>
@@ -20,7 +19,7 @@ struct Refused : std::runtime_error {
   int status;
 };
 
-// What a handler is given: the server, the rest of the path behind its name, and the request.
+// The arguments of a handler: the server, the part of the path after the first slash, and the request.
 struct ApiCall {
   SteeredServer &server;
   std::string rest;

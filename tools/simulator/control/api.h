@@ -9,7 +9,7 @@
 
 namespace sim {
 
-/// A request to the control address, without what is HTTP about it.
+/// A request to the control address, without the parts that only HTTP needs.
 struct ControlRequest {
   std::string method;
   std::string path; ///< such as `/channels/A`
@@ -22,18 +22,19 @@ struct ControlReply {
   std::string body; ///< JSON
 };
 
-/// Carries out what is asked for at the control address. One thread, that of the server.
+/// Carries out the requests to the control address. It must be used on the thread of the servers only.
 class ControlApi {
 public:
   explicit ControlApi (std::vector<SteeredServer *> servers) : servers_ (std::move (servers)) {}
 
-  /// Never throws: what goes wrong is an `error` in the reply.
+  /// Carries out a request. Never throws: the reply to a request that fails has an `error`.
   ControlReply handle (const ControlRequest &request) noexcept;
 
-  /// What the page shows: the state with the last commands. Empty when there is no such server.
+  /// The state that the page shows, with the last commands, as JSON. Empty when there is no such server.
   std::string page_state (const std::string &server) noexcept;
 
-  /// The server that a request names by its address, or the first one. @throws std::exception
+  /// The server with that address, or the first server when the address is empty.
+  /// @throws std::exception when there is no such server
   SteeredServer &server_of (const std::string &address) const;
 
 private:

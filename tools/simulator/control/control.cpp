@@ -18,13 +18,14 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::size_t most_bytes = 1u << 20; // of a request
-constexpr std::size_t most_requests = 16;    // under way, pages included
-constexpr std::size_t most_waiting = 64;     // more wait in the system's queue
+constexpr std::size_t most_requests = 16;    // at once, pages included
+constexpr std::size_t most_waiting = 64;     // above this, connections wait in the queue of the system
 constexpr int most_pages = 8;
-constexpr auto patience = 5s; // until a request that the loop does not answer fails
+constexpr auto patience = 5s; // after this, a request that the loop has not answered fails
 constexpr auto between_events = 50ms;
 
-// Carries requests out on a number of threads. The one that accepts connections waits while too many do.
+// Carries out requests on a number of threads. While too many requests wait, the thread that accepts
+// connections waits too.
 class Requests : public httplib::TaskQueue {
 public:
   void enqueue (std::function<void ()> request) override {
@@ -139,7 +140,7 @@ private:
                           "application/json");
   }
 
-  // The state, each time it has changed, to a page that listens until it goes away.
+  // Sends a page the state each time it has changed, until the page disconnects.
   void send_events (const httplib::Request &request, httplib::Response &response) {
     if (pages_.fetch_add (1) >= most_pages) {
       --pages_;

@@ -8,12 +8,13 @@
 
 namespace sim {
 
-/// The control address: HTTP with JSON, on threads of its own. The loop does all the work.
+/// The control address: HTTP with JSON, on its own threads. They pass each request to the event loop, which
+/// carries it out.
 class Control {
 public:
-  /// Listens from now on. @throws std::runtime_error when the address cannot be used
+  /// Starts to listen. @throws std::runtime_error when the address cannot be used
   Control (Mailbox &mailbox, std::vector<SteeredServer *> servers, const Steering &steering);
-  /// Ends all requests. The mailbox must have been closed before, so that none waits for the loop.
+  /// Ends all requests. The mailbox must be closed before this, so that no request waits for the loop.
   ~Control ();
 
 private:

@@ -15,7 +15,7 @@ std::vector<std::string> own_hosts (const ControlAddress &address) {
   return hosts;
 }
 
-// Looks at every character, so that the time says nothing about where they differ.
+// Compares every character, so that the time does not show where the texts differ.
 bool same_secret (const std::string &given, const std::string &wanted) {
   unsigned difference = given.size () == wanted.size () ? 0 : 1;
   for (std::size_t i = 0; i < given.size (); ++i)

@@ -11,7 +11,7 @@ namespace sim {
 /// is not this address, and requests without the token if there is one. Any thread.
 class Guard {
 public:
-  /// @param token that each request must carry; empty: none is asked for
+  /// @param token that each request must carry; empty: none is needed
   Guard (const ControlAddress &address, std::string token);
 
   struct Decision {
@@ -27,7 +27,7 @@ private:
   bool is_own_host (const std::string &host) const;
 
   const std::vector<std::string> hosts_; ///< names with ports that mean this address
-  const std::string any_port_;           ///< behind any address of this machine; empty: only the names count
+  const std::string any_port_; ///< `:PORT` after any IPv4 address is accepted too; empty: only `hosts_`
   const std::string token_;
 };
 

@@ -21,7 +21,7 @@ std::size_t size_of (const Journal::Report &report) {
   return report.message.size () + sizeof report;
 }
 
-// The text between the first two of these tags; nothing when the message does not begin with them.
+// The identifier of a reply. Empty when the message does not begin with `<reply><xid>`.
 std::string identifier_of (std::string_view message) {
   constexpr std::string_view open = "<reply><xid>", close = "</xid>";
   const std::size_t end = message.find (close);

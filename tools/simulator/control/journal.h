@@ -10,8 +10,8 @@
 
 namespace sim {
 
-/// The last commands of all clients with their answers, and the last reports. Its size is limited: the oldest
-/// are removed first. One thread.
+/// The last commands of all clients with their answers, and the last reports. Its size is limited: when it is
+/// full, the oldest are removed. One thread.
 class Journal {
 public:
   struct Entry {
@@ -26,8 +26,8 @@ public:
   };
 
   void add (int client, std::int64_t milliseconds, std::string_view command, std::vector<std::string> faults);
-  /// A message to this client: the reply to a command is kept with it, a report by itself. Positions are not
-  /// kept: there is one for each field, so they would soon be all that is left.
+  /// Adds a message to this client. A reply is kept with its command, a report by itself. Reports of
+  /// positions are not kept, because they are so many that they would soon replace all others.
   void add_sent (int client, std::int64_t milliseconds, std::string_view message);
 
   /// A report that was sent, before any fault.
@@ -39,12 +39,12 @@ public:
   };
   /// The number of the last report.
   std::uint64_t report_mark () const { return last_report_; }
-  /// Those after a mark that are still kept, the oldest first.
+  /// The reports after a mark that are still kept, the oldest first.
   std::vector<const Report *> reports_since (std::uint64_t mark) const;
 
   /// The number of the last command.
   std::uint64_t mark () const { return last_mark_; }
-  /// Those behind a mark that are still there, the oldest first.
+  /// The commands after a mark that are still kept, the oldest first.
   std::vector<const Entry *> since (std::uint64_t mark) const;
   void clear ();
 

@@ -43,7 +43,7 @@ void add_children (Element &parent, const std::string &name, const Json &value) 
 
 Element tag_of_json (const Tag &tag, const std::string &name, const Json &value);
 
-// The members of an object, put in the order of these parts.
+// Adds the members of an object in the order of these parts.
 void add_parts (Element &parent, const std::vector<Part> &parts, const Json &members) {
   if (!members.is_object () && !members.is_null ())
     refuse (fmt::format ("what {} holds is not an object", parent.name));

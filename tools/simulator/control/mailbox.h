@@ -11,7 +11,7 @@
 
 namespace sim {
 
-/// Lets other threads post functions to the loop, which calls them in order.
+/// Passes functions from other threads to the event loop, which calls them in order.
 class Mailbox {
 public:
   explicit Mailbox (asio::io_context &context);
@@ -19,11 +19,12 @@ public:
   Mailbox (const Mailbox &) = delete;
   Mailbox &operator= (const Mailbox &) = delete;
 
-  /// From any thread. After `close` nothing is called any more.
+  /// Adds a function. Can be called from any thread. After `close`, functions are discarded.
   void post (std::function<void ()> action);
 
-  /// Calls it on the loop and waits for its result: nothing when that takes longer than the limit, or when
-  /// the loop has ended. From any thread but that of the loop. The action must not throw.
+  /// Lets the loop call a function and waits for its result. Returns nothing when that takes longer than the
+  /// limit, or when the mailbox has been closed. Can be called from any thread except that of the loop. The
+  /// action must not throw.
   template <typename Result>
   std::optional<Result> ask (std::function<Result ()> action, std::chrono::milliseconds limit) {
     auto promise = std::make_shared<std::promise<Result>> ();
@@ -33,12 +34,12 @@ public:
       if (result.wait_for (limit) == std::future_status::ready)
         return result.get ();
     } catch (const std::future_error &) {
-      // It has been thrown away.
+      // The action was discarded.
     }
     return std::nullopt;
   }
 
-  /// Throws away what is posted, now and from now on.
+  /// Discards all functions that have not been called, and all that are posted later.
   void close ();
 
 private:
@@ -46,7 +47,7 @@ private:
   void run_all ();
 
   asio::posix::stream_descriptor event_; ///< an event descriptor that posting makes readable
-  const int event_descriptor_;           ///< the same, for other threads
+  const int event_descriptor_;           ///< the same descriptor, for other threads
   std::mutex mutex_;
   std::deque<std::function<void ()>> posted_; ///< guarded by the mutex
   bool closed_ = false;                       ///< guarded by the mutex

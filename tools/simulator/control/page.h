@@ -4,7 +4,7 @@
 
 namespace sim {
 
-/// The page at the control address, whole: it loads nothing but the state.
+/// The whole page at the control address. It loads nothing except the state.
 extern const std::string_view control_page;
 
 } // namespace sim

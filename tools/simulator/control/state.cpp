@@ -1,7 +1,6 @@
 #include "control/state.h"
 
 #include "vocabulary.h"
-#include "wire.h"
 
 #include <fmt/format.h>
 

@@ -33,7 +33,7 @@ Value member (const Json &json, const char *name) {
   }
 }
 
-// A client that nobody is connected with: what it is sent is kept.
+// A client without a connection. It keeps the messages that are sent to it.
 class InnerClient : public Client {
 public:
   explicit InnerClient (const World &world) : Client (-1, world.options.log_prefix + "control") {}
@@ -45,7 +45,7 @@ public:
     while (!has_too_much () && producer ())
       continue;
   }
-  /// The loop serves nobody else meanwhile, so the answers cannot have any length.
+  /// Nobody else is served meanwhile, so the length of the answers is limited.
   bool has_too_much () const { return size_ > most_bytes; }
   bool lags () const override { return false; }
 
@@ -56,7 +56,7 @@ private:
   std::size_t size_ = 0;
 };
 
-// The bodies of the answers.
+// Carries out a command and returns the bodies of its answers.
 std::vector<Element> answers_to (World &world, InnerClient &client, const Element &command) {
   Element root;
   root.name = "cmd";
@@ -77,7 +77,7 @@ Element only_command (const Json &command) {
   return command_of_json (command.begin ().key (), command.begin ().value ());
 }
 
-// @throws Refusal when the server refuses it
+// Carries out a command. @throws Refusal when it is refused
 void run (World &world, const Json &command) {
   InnerClient client (world);
   for (const Element &body : answers_to (world, client, only_command (command)))
@@ -85,7 +85,7 @@ void run (World &world, const Json &command) {
       throw Refusal (body.child ("ErrorMessage")->text);
 }
 
-// Kinds of reports of which a client gets the last one when it registers.
+// Whether a client that registers for this kind of report gets the present value.
 bool has_present_value (const std::string &kind) {
   return kind == "temperature" || kind == "disk_space" || kind == "ltc_input" || kind == "chase_ltc_timecode";
 }

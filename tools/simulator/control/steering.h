@@ -7,31 +7,33 @@
 
 namespace sim {
 
-// What is done to a world from outside. All of it ends with the reports that clients have asked for.
-// They throw a Refusal when the server would refuse it, another exception when it cannot be understood.
+// Changes of a world from outside. Clients get the reports of these changes that they have asked for.
+// The functions throw a Refusal when the server refuses the change, and another std::exception when the JSON
+// is not as expected.
 
-/// Carries out commands as a client would: `{"play": {"Channel": "A"}}`, or a list of such.
-/// @return the answers to each
+/// Carries out commands as if a client had sent them: `{"play": {"Channel": "A"}}`, or a list of these.
+/// @return the answers to each command
 Json run_commands (World &world, const Json &commands);
 
-/// Loads, places and moves a channel: any of `clip` (null unloads), `position`, `speed`, `play`.
+/// Changes a channel. Members are `clip` (null unloads), `position`, `speed` and `play`; all are optional.
 void set_channel (World &world, int channel, const Json &wanted);
 
-/// Makes a clip, or makes it anew, with the attributes that a line of the clips' file can have.
+/// Creates or replaces a clip. The attributes are those of a line of the clips' file.
 void set_clip (World &world, const std::string &name, const Json &attributes);
-/// Removes a clip, read-only or not, that is loaded nowhere.
+/// Deletes a clip, also a read-only one. @throws Refusal when it is loaded or precued on a channel
 void drop_clip (World &world, const std::string &name);
 Json clip_json (World &world, const std::string &name);
-/// Names behind `after`, in order, so many at most.
+/// The names of clips after `after`, in order, at most `most` of them and never more than 10,000.
 Json clip_names_json (World &world, const std::string &after, std::uint64_t most);
 
-/// Sends a report to those who have asked for its kind: `kind`, with `channel` for that of a channel, and
-/// `body`, such as `{"temperature": {"Temperature10": 480}}`; or to all clients with `everyone`.
+/// Sends a report. `body` is its contents, such as `{"temperature": {"Temperature10": 480}}`. It is sent to
+/// the clients that have asked for its `kind`. With `channel`, this is a kind of channel report. With
+/// `everyone`, it is sent to all clients.
 void push_report (World &world, const Json &report);
 
-/// Changes how time goes by: any of `paused` and `rate`.
+/// Changes the clock. Members are `paused` and `rate`; both are optional.
 void set_pace (SteeredServer &server, const Json &pace);
-/// Lets so many `fields` go by at once.
+/// Lets a number of fields pass at once, the member `fields`.
 void step (SteeredServer &server, const Json &step);
 
 } // namespace sim

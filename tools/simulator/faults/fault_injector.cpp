@@ -22,7 +22,7 @@ std::string error_reply (const Rule &rule, const std::string &xid) {
                       escaped (xid), escaped (rule.text), escaped (rule.code));
 }
 
-// A body that ends other commands than this one.
+// A body that does not belong to the command of this message.
 std::string foreign_body (const MessageSummary &message) {
   return message.name == "ok" ? "<computername><ComputerName>WRONG</ComputerName></computername>" : "<ok />";
 }
@@ -197,7 +197,7 @@ void FaultInjector::dispatch (QueuedBytes bytes) {
   }
 }
 
-// Unless the connection ends before.
+// Calls the action after a while, unless the connection has ended before that.
 void FaultInjector::call_later (milliseconds wait, std::function<void ()> action) {
   const auto timer = timers_.emplace (timers_.end (), context_, wait);
   timer->async_wait (
@@ -214,7 +214,8 @@ void FaultInjector::enqueue (QueuedBytes bytes) {
   send_queued ();
 }
 
-// Without another answer it is sent after a while, so that no answer is lost.
+// Keeps a message until the next answer. Without another answer it is sent after a while, so that it is not
+// lost.
 void FaultInjector::hold_back (QueuedBytes bytes) {
   const milliseconds limit = bytes.most_wait;
   held_back_.push_back (std::move (bytes));

@@ -39,8 +39,8 @@ public:
   virtual void sent (int client, std::string_view message) = 0;
 };
 
-/// Passes the messages of one connection on and applies the faults to them. Without faults they pass
-/// unchanged. One thread.
+/// Passes on the messages of one connection and applies the faults to them. Without faults they are not
+/// changed. One thread.
 class FaultInjector : public std::enable_shared_from_this<FaultInjector> {
 public:
   FaultInjector (asio::io_context &context, Faults &faults, MessageObserver &observer, Endpoint &endpoint,
@@ -50,22 +50,22 @@ public:
 
   const std::string &address () const { return address_; }
 
-  /// The endpoint is about to be destroyed.
+  /// Must be called before the endpoint is destroyed.
   void detach ();
 
-  /// To be called for each command that is received. @return whether it is to be carried out
+  /// Must be called for each command that is received. @return whether the command is carried out
   bool receive (std::string_view command);
 
   /// Sends a whole message.
   void send (std::string_view message);
 
-  /// To be called when the lasting rules have changed.
+  /// Must be called when the lasting rules have changed.
   void refresh ();
 
   /// Whether commands may be read from the socket, and those that have been read may be carried out.
   bool may_read () const;
 
-  /// Bytes that wait here.
+  /// The number of bytes that wait here.
   std::size_t held () const { return held_; }
 
 private:
@@ -109,7 +109,7 @@ private:
   std::uint64_t held_back_round_ = 0;  ///< counts the releases of `held_back_`
   std::list<asio::steady_timer> timers_;
   std::size_t held_ = 0;
-  bool waiting_ = false; ///< the timer of the first in the queue runs
+  bool waiting_ = false; ///< the timer of the first message in the queue runs
   bool over_ = false;    ///< nothing may be sent any more
 };
 

@@ -26,15 +26,15 @@ public:
   std::vector<Rule> rules () const;
   bool none () const { return rules_.empty (); }
 
-  /// The rules that apply to a command, or to a report for this client. Counts the message.
+  /// Returns the rules that apply to a command of this client or a report for it. Counts the message.
   std::vector<Rule> select_rules (const MessageSummary &message, int client, const std::string &address);
 
   /// Whether a lasting rule of that fault is in effect for this client.
   bool is_active (Fault fault, int client, const std::string &address) const;
-  /// Whether one is in effect for everybody.
+  /// Whether a lasting rule of that fault is in effect, for any client.
   bool is_active (Fault fault) const;
 
-  /// Starts the lasting effect of a rule about messages, which has been applied to one of this client.
+  /// Starts the lasting effect of a rule that has been applied to a message of this client.
   void start_lasting (const Rule &rule, int client);
 
   Random &random () { return random_; }

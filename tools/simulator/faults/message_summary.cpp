@@ -6,7 +6,7 @@ namespace sim {
 
 namespace {
 
-// Walks without recursion, because a client decides how deep its messages are nested.
+// Does not use recursion, because a client decides how deep its messages are nested.
 class ChannelCollector : public pugi::xml_tree_walker {
 public:
   bool for_each (pugi::xml_node &node) override {

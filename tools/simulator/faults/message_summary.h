@@ -6,7 +6,7 @@
 
 namespace sim {
 
-/// What a message of either direction is, without looking at its values.
+/// The kind of a message in either direction, and the channels that it names.
 struct MessageSummary {
   std::string root; ///< `cmd`, `reply` or `report`; empty when the message cannot be read
   std::string xid;

@@ -114,7 +114,7 @@ void set_member (Rule &rule, const std::string &name, const json &value) {
   setter->second ();
 }
 
-// Faults that need no message to select_rules.
+// Faults that do not need a message to apply to.
 bool can_be_lasting (Fault fault) {
   return fault == Fault::reset || fault >= Fault::stop_reading;
 }
@@ -123,7 +123,7 @@ void check (const Rule &rule) {
   if (!rule.command.empty () && !rule.report.empty ())
     refuse ("a rule is about a command or about a report, not about both");
   if (rule.is_lasting () && !can_be_lasting (rule.fault))
-    refuse ("this fault needs a \"command\" or a \"report\" to select_rules");
+    refuse ("this fault needs a \"command\" or a \"report\" to apply to");
   if (rule.command.empty () &&
       (rule.fault == Fault::refuse || rule.fault == Fault::wrong_kind || rule.fault == Fault::out_of_order))
     refuse ("this fault is about answers and needs a \"command\"");

@@ -11,29 +11,29 @@
 
 namespace sim {
 
-/// What goes wrong.
+/// The kinds of faults.
 enum class Fault {
   refuse,             ///< the command is answered with an error and not carried out
   delay,              ///< the message is sent later
   no_answer,          ///< the message is not sent
   twice,              ///< the message is sent twice
-  out_of_order,       ///< the answer is sent behind the next answer to another command
+  out_of_order,       ///< the answer is sent after the next answer to another command
   wrong_kind,         ///< the answer has a body that does not belong to the command
   malformed,          ///< the message is not well-formed
-  oversized,          ///< the message is longer than any may be
-  cut,                ///< some bytes of the message are sent, then the connection is closed
+  oversized,          ///< the message is longer than allowed
+  cut,                ///< the first bytes of the message are sent, then the connection is closed
   reset,              ///< the connection is reset
   pieces,             ///< the message is sent in small pieces
   stop_reading,       ///< nothing more is read from the client
   freeze,             ///< nothing more is read or sent; the connection stays up
-  refuse_connections, ///< nobody listens; present connections go on
-  go_away             ///< all connections are closed and nobody listens
+  refuse_connections, ///< no new connections are accepted; the present ones stay up
+  go_away             ///< all connections are closed and no new ones are accepted
 };
 
-/// How it is called in a rule.
+/// The name of a fault in a rule.
 std::string_view name_of (Fault fault);
 
-/// One client, or all when empty: the number of its connection, or the address it has come from.
+/// One client, by the number of its connection or by its address. Empty: all clients.
 struct WhichClient {
   std::string text;
   bool matches (int number, const std::string &address) const {
@@ -47,9 +47,9 @@ struct Rule {
   static Rule from (const nlohmann::json &json);
   nlohmann::json as_json () const;
 
-  /// Whether it is in effect as long as it is set; the others are applied to single messages.
+  /// Whether the rule is in effect as long as it is set. The other rules are applied to single messages.
   bool is_lasting () const { return command.empty () && report.empty (); }
-  /// Whether it is about this command or report, for any client.
+  /// Whether the rule is about this command or report. Does not look at the client.
   bool concerns (const MessageSummary &summary) const;
 
   int id = 0; ///< assigned by `Faults`
@@ -60,13 +60,13 @@ struct Rule {
   std::string report;  ///< name of a report, `*` for all
   std::string channel; ///< letter; empty: any or none
   WhichClient client;
-  std::uint64_t nth = 0;            ///< only the nth message that matches; 0: each
-  double chance = 1;                ///< probability of each
-  std::uint64_t times = UINT64_MAX; ///< the most messages it is applied to
-  std::uint64_t row = 1;            ///< which message of an answer of several
+  std::uint64_t nth = 0;            ///< only the nth message that matches; 0: all
+  double chance = 1;                ///< probability for each message
+  std::uint64_t times = UINT64_MAX; ///< it is applied to at most this many messages
+  std::uint64_t row = 1;            ///< number of the message in an answer of several messages
 
   // How.
-  std::pair<std::uint64_t, std::uint64_t> ms{0, 0}; ///< delay, chosen between the two
+  std::pair<std::uint64_t, std::uint64_t> ms{0, 0}; ///< of `delay` and `pieces`: chosen between the two
   bool overtake = false;                            ///< later messages need not wait for a delayed one
   std::string text = "The simulator was asked to refuse it"; ///< of `refuse`
   std::string code = "general";

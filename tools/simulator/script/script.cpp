@@ -182,7 +182,7 @@ void Script::watch () {
   });
 }
 
-// Whether what is looked for has come since what was found last. An expectation that is met moves the mark.
+// Whether a client has sent a matching command after the one that was found last. Remembers the one found.
 bool Script::find (const Step &step) {
   std::uint64_t &mark = marks_[step.server];
   for (const Journal::Entry *entry : api_.server_of (step.server).journal ().since (mark))

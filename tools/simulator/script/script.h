@@ -9,14 +9,15 @@
 
 namespace sim {
 
-/// A scenario: what is done to servers, and what clients are expected to send. The steps are taken one after
-/// another. One thread.
+/// A scenario: requests to servers, and commands that clients are expected to send. The steps are carried out
+/// one after another. One thread.
 class Script {
 public:
   /// Reads a script. @throws std::runtime_error that names the file and what is wrong in it
   Script (asio::io_context &context, ControlApi &api, const std::string &file);
 
-  /// Takes the steps. @param ended is called once, with what has gone wrong, or nothing
+  /// Starts to carry out the steps.
+  /// @param ended is called once at the end, with what has gone wrong or an empty text
   void start (std::function<void (std::string problem)> ended);
 
 private:
@@ -24,7 +25,7 @@ private:
     std::string command; ///< `*` for all
     std::string channel; ///< empty: any
     int client = 0;      ///< 0: any
-    Json arguments;      ///< those that must be there
+    Json arguments;      ///< those that the command must have
   };
   struct Step {
     enum class Kind { act, expect, forbid } kind = Kind::act;
@@ -32,7 +33,7 @@ private:
     std::string server;
     ControlRequest request;            ///< of `act`
     Pattern pattern;                   ///< of the others
-    std::chrono::milliseconds span{0}; ///< how long is waited
+    std::chrono::milliseconds span{0}; ///< how long to wait
   };
 
   static Step step_from (const Json &json);
@@ -51,7 +52,7 @@ private:
   asio::steady_timer timer_;
   std::vector<Step> steps_;
   std::size_t now_ = 0;
-  std::map<std::string, std::uint64_t> marks_; ///< by server: expectations look behind them
+  std::map<std::string, std::uint64_t> marks_; ///< by server: the journal's mark of the command found last
   asio::steady_timer::time_point until_;
   std::function<void (std::string)> ended_;
 };

@@ -25,7 +25,7 @@ void BufferedSocket::read () {
                            });
 }
 
-// It counts as reading from now on, so that no read is started again.
+// `reading_` stays set, so that no read is started again.
 void BufferedSocket::stop_reading (const asio::error_code &error) {
   const auto input_ended = std::exchange (on_input_end, nullptr);
   if (error == asio::error::eof && input_ended)

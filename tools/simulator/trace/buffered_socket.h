@@ -9,29 +9,30 @@
 
 namespace sim {
 
-/// A connected socket that passes on what it receives and queues what is to be sent. One thread. It lives
-/// while somebody holds it or a read or write is under way.
+/// A connected socket. It passes on the bytes it receives, and queues the bytes to send. One thread. It
+/// exists while somebody holds it or a read or write has not finished.
 class BufferedSocket : public std::enable_shared_from_this<BufferedSocket> {
 public:
   explicit BufferedSocket (asio::ip::tcp::socket socket) : socket_ (std::move (socket)) {}
 
   std::function<void (std::string_view bytes)> on_bytes;
-  std::function<void ()> on_sent; ///< is called when the other side has taken some of what was queued
+  std::function<void ()> on_sent; ///< is called when some of the queued bytes have been sent
   std::function<void ()> on_end;  ///< is called once, when the connection is closed or lost
-  /// Is called when the other side sends nothing more, but may still receive; without it, this is `on_end`.
+  /// Is called when the other side sends nothing more but may still receive. Without this function,
+  /// `on_end` is called instead.
   std::function<void ()> on_input_end;
 
   void start ();
   void put (std::string_view bytes);
-  /// Bytes that are queued.
+  /// The number of bytes that are queued.
   std::size_t unsent () const { return waiting_.size () + being_written_.size (); }
-  /// Sends nothing more after what is queued, but still receives.
+  /// Sends what is queued and nothing more after it, but still receives.
   void finish_output ();
   /// Closes when all that is queued has been sent.
   void finish ();
   void close ();
   void reset ();
-  /// Whether bytes are read.
+  /// Starts or stops reading.
   void allow_reading (bool allowed);
 
   std::string peer () const;
@@ -46,7 +47,7 @@ private:
   asio::ip::tcp::socket socket_;
   std::array<char, 16384> received_{};
   std::string waiting_;       ///< not yet handed to the socket
-  std::string being_written_; ///< what the write under way refers to
+  std::string being_written_; ///< bytes of the present write
   bool reading_ = false;
   bool writing_ = false;
   bool may_read_ = true;

@@ -14,7 +14,6 @@
 #include <fmt/format.h>
 #include <map>
 #include <memory>
-#include <set>
 
 namespace sim {
 
@@ -22,10 +21,10 @@ namespace {
 
 using asio::ip::tcp;
 
-// Of the bytes that wait for one side. Above this, the other side is not read.
+// While more bytes than this wait for one side, the other side is not read.
 constexpr std::size_t most_unsent = 1u << 20;
 
-// Without the blanks before it, which the trace keeps.
+// The message without the blanks before it. The trace keeps them, the journal does not.
 std::string_view trimmed (std::string_view message) {
   return message.substr (std::min (message.find ('<'), message.size ()));
 }
@@ -85,7 +84,7 @@ public:
   FaultInjector &injector () { return *injector_; }
   BufferedSocket &client () { return *client_; }
 
-  /// Ends it from outside, with a reset of the client's side or without.
+  /// Ends the connection. With a reset, the connection to the client is reset.
   void close (bool with_reset) {
     if (with_reset)
       client_->reset ();
@@ -106,7 +105,7 @@ private:
     injector_->refresh ();
   }
 
-  // Reads each side only while the other side takes what was read before.
+  // Reads from each side only while not too much waits to be sent to the other side.
   void balance () {
     if (over_ || !server_)
       return;
@@ -140,7 +139,7 @@ private:
     balance ();
   }
 
-  // What one side has sent of a message that did not end.
+  // Passes on and records the rest of one side, which is a message that did not end.
   void pass_rest (TraceLine::From from, const std::string &rest, BufferedSocket *to) {
     if (has_faults_ && to)
       to->put (rest);
@@ -162,7 +161,7 @@ private:
     trace_.write (line);
   }
 
-  // What the faults do to the client's side.
+  // What the fault injector does with the connection to the client.
   void put (std::string_view bytes) override { client_->put (bytes); }
   void finish () override { end_later (); }
   void reset () override {
@@ -182,9 +181,9 @@ private:
   MessageObserver &observer_;
   TraceWriter &trace_;
   const int number_;
-  const bool has_faults_; ///< faults are put in: messages go one by one
+  const bool has_faults_; ///< faults are applied, so messages are passed on one by one
   const std::shared_ptr<BufferedSocket> client_;
-  std::shared_ptr<BufferedSocket> server_; ///< absent until it is reached
+  std::shared_ptr<BufferedSocket> server_; ///< absent until it is connected
   tcp::socket to_server_;
   const std::shared_ptr<FaultInjector> injector_;
   Splitter from_client_{Splitter::Side::client};

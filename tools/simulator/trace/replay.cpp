@@ -39,7 +39,7 @@ std::string with_identifier (std::string_view message, std::string_view identifi
 /// A connection that is played.
 class PlayedConnection {
 public:
-  /// @param ended is called once: empty when all was played, else how the client departed
+  /// @param ended is called once: with an empty text when all was played, or with what the client did instead
   PlayedConnection (std::deque<TraceLine> lines, std::shared_ptr<BufferedSocket> client,
                     std::function<void (std::string)> ended)
       : lines_ (std::move (lines)), client_ (std::move (client)), ended_ (std::move (ended)) {
@@ -59,7 +59,7 @@ private:
     play ();
   }
 
-  // Sends what the server sent until something of the client is due that has not come.
+  // Sends what the server sent, up to the next message of the client that has not arrived.
   void play () {
     while (!over_ && !lines_.empty ()) {
       const TraceLine &line = lines_.front ();
@@ -77,7 +77,7 @@ private:
     end ("");
   }
 
-  // Whether the client has sent what is due.
+  // Whether the client has sent this message.
   bool compare (const TraceLine &line) {
     if (arrived_.empty ())
       return false;
@@ -118,7 +118,7 @@ private:
   const std::function<void (std::string)> ended_;
   Splitter from_client_{Splitter::Side::client};
   std::deque<std::string> arrived_;
-  std::map<std::string, std::string> identifiers_; ///< those of the trace: those of the client
+  std::map<std::string, std::string> identifiers_; ///< by identifier of the trace: that of the client
   std::size_t place_ = 0;
   bool over_ = false;
 };

@@ -8,14 +8,14 @@
 
 namespace sim {
 
-/// A line of a trace: a message, or that a connection has begun or ended.
+/// A line of a trace: a message, or an event such as the begin or end of a connection.
 struct TraceLine {
   enum class From { client, server, nobody } from = From::nobody;
   int connection = 0;
   std::string message{};             ///< any bytes
   bool partial = false;              ///< the connection ended before the message did
-  std::string event{};               ///< `open`, `close` or `unreachable`, when it is no message
-  std::vector<std::string> faults{}; ///< names of those that have applied it
+  std::string event{};               ///< `open`, `close` or `unreachable`; empty for a message
+  std::vector<std::string> faults{}; ///< names of the faults that were applied to the command
 };
 
 /// Writes a trace, line by line. One thread.
@@ -24,7 +24,7 @@ public:
   /// @throws std::runtime_error when the file cannot be written
   explicit TraceWriter (const std::string &file);
 
-  /// Writes it with the present time. @throws std::runtime_error when that fails
+  /// Writes the line with the present time. @throws std::runtime_error when that fails
   void write (const TraceLine &line);
 
 private:
@@ -32,20 +32,22 @@ private:
   std::ofstream stream_;
 };
 
-/// @throws std::runtime_error that names the file and the line that cannot be read
+/// Reads the lines of a trace. @throws std::runtime_error that names the file and the line that cannot be
+/// read
 std::vector<TraceLine> read_trace (const std::string &file);
 
-/// Cuts the bytes of one direction into messages. Whatever the bytes are, the pieces put together are the
-/// same bytes: blanks between messages belong to the one that follows.
+/// Splits the bytes of one direction into messages. No byte is lost or changed: blanks between two messages
+/// belong to the second.
 class Splitter {
 public:
   enum class Side { client, server };
   explicit Splitter (Side side) : side_ (side) {}
 
   void feed (std::string_view bytes) { held_ += bytes; }
-  /// The next message, or empty when none is complete. More than a megabyte without an end is cut off.
+  /// The next message, or empty when none is complete. When more than a megabyte has come without an end, all
+  /// of it counts as one message.
   std::string next ();
-  /// What is left when the connection ends.
+  /// The bytes that are left when the connection ends.
   std::string rest () { return std::move (held_); }
 
 private:
