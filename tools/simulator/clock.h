@@ -53,7 +53,8 @@ private:
   bool paused_ = false;
 };
 
-/// Milliseconds since 1970 of a time such as `2026-01-31T12:00:00Z`, or nothing when it is none.
+/// Reads a time such as `2026-01-31T12:00:00Z`. Returns milliseconds since 1970, or nothing when the text is
+/// not a time.
 std::optional<std::int64_t> read_time (const std::string &text);
 
 } // namespace sim

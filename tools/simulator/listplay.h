@@ -30,7 +30,8 @@ void play_item (World &world, int channel, std::size_t index, bool roll, std::in
 void choose_next (World &world, int channel, std::size_t index, bool only_cued);
 /// Sets whether the first item follows the last one.
 void set_list_loop (World &world, int channel, int loop);
-/// Loads the next item. It is played unless it has been chosen as only cued or its own settings say pause.
+/// Loads the next item. It is only cued when `choose_next` or its own settings ask for this; otherwise it is
+/// played.
 void take_next (World &world, int channel);
 /// Is called when a channel has reached the end of what it plays. When this is an item of a playlist, does
 /// what the item asks for at its end. @return whether this was an item of a playlist. Never throws a Refusal

@@ -74,17 +74,19 @@ void switch_to_precued (World &world, int channel);
 /// Is called when a channel has reached the end of what it plays. Starts what follows, or stops.
 void reach_end (World &world, int channel);
 
-/// How `take` puts the next item of the list, or the precued clip, on air.
+/// How `take` starts the next item of the list or the precued clip.
 struct Take {
   Transition transition;
   std::optional<int> follow; ///< number of `FollowSpeed`; absent: an item of a list starts by its own
                              ///< settings, a precued clip keeps the speed of the channel
 };
+/// Takes the next item of the list; without one, the clip that was precued first.
+/// @throws Refusal when there is neither
 void take (World &world, int channel, const Take &how);
 
 /// Checks that a channel with an edit mask may record at this speed.
-/// @throws Refusal when the clip is read-only, another channel records it, the speed is not normal, or the
-///   disk is full.
+/// @throws Refusal when the clip is read-only, another channel records it, the speed is not normal, an
+/// earlier recording is not yet stored, or the disk is full
 void check_recording (const World &world, int channel, Fixed speed);
 
 /// Stores the recording of a channel when it has ended. When this fails, it is tried again later.

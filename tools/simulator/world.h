@@ -41,10 +41,10 @@ public:
   /// Writes a line to the log.
   void log (std::string_view line) const;
 
-  /// Carries out one document and answers it. @throws Malformed when it cannot be answered.
+  /// Carries out the command of one document and answers it. @throws Malformed when it cannot be answered.
   void receive (Client &client, const std::string &document);
 
-  /// Lets a number of fields pass.
+  /// Lets a number of fields pass, and sends the reports of what changes.
   void pass_fields (int count);
 
   /// A channel that the caller may change. The changes are reported later.
@@ -61,7 +61,7 @@ public:
   /// it
   void check_unused (Source source, const std::string &name) const;
 
-  /// Fields since the start.
+  /// The number of fields since the start.
   std::int64_t field () const { return field_; }
   std::uint64_t total_space () const { return total_space_; }
   std::uint64_t available_space () const;

@@ -159,7 +159,7 @@ Json delete_client (const ApiCall &call) {
   return done;
 }
 
-// The body goes to the client as it is.
+// Sends the body to the client without changing it.
 Json post_client (const ApiCall &call) {
   if (!call.server.send_bytes (call.rest_number (), call.request.body))
     throw Refused (404, fmt::format ("there is no client {}", call.rest));

@@ -15,12 +15,12 @@ namespace sim {
 class Journal {
 public:
   struct Entry {
-    std::uint64_t mark = 0;        ///< its number, from 1
+    std::uint64_t mark = 0;        ///< number of the command, from 1
     std::int64_t milliseconds = 0; ///< since 1970, by the server's clock
     int client = 0;
     std::string xid;
     std::string command;              ///< the whole document
-    std::vector<std::string> faults;  ///< names of those that were applied to it
+    std::vector<std::string> faults;  ///< names of the faults that were applied to it
     std::vector<std::string> answers; ///< the messages that the server made, before any fault
     std::size_t left_out = 0;         ///< messages of a long answer that are not kept
   };
@@ -32,7 +32,7 @@ public:
 
   /// A report that was sent, before any fault.
   struct Report {
-    std::uint64_t mark = 0;        ///< its number, from 1
+    std::uint64_t mark = 0;        ///< number of the report, from 1
     std::int64_t milliseconds = 0; ///< since 1970, by the server's clock
     int client = 0;
     std::string message; ///< the whole document
@@ -46,6 +46,7 @@ public:
   std::uint64_t mark () const { return last_mark_; }
   /// The commands after a mark that are still kept, the oldest first.
   std::vector<const Entry *> since (std::uint64_t mark) const;
+  /// Removes everything. The numbers go on.
   void clear ();
 
 private:
@@ -55,7 +56,7 @@ private:
   void shorten ();
 
   std::deque<Entry> entries_;
-  std::map<std::pair<int, std::string>, std::uint64_t> open_; ///< client and identifier: its last command
+  std::map<std::pair<int, std::string>, std::uint64_t> open_; ///< client and identifier: its last mark
   std::uint64_t last_mark_ = 0;
   std::size_t bytes_ = 0;
   std::deque<Report> reports_;

@@ -34,7 +34,7 @@ public:
   /// Ends a connection.
   /// @param reset whether it is reset instead of closed. @return whether there was such a client
   virtual bool close_client (int number, bool reset) = 0;
-  /// Sends a client bytes as they are. @return whether there was such a client
+  /// Sends bytes unchanged to a client. @return whether there was such a client
   virtual bool send_bytes (int number, std::string_view bytes) = 0;
 
   /// Closes all connections and starts again with the same options. @throws std::exception as at the start

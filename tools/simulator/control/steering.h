@@ -19,6 +19,7 @@ Json run_commands (World &world, const Json &commands);
 void set_channel (World &world, int channel, const Json &wanted);
 
 /// Creates or replaces a clip. The attributes are those of a line of the clips' file.
+/// @throws Refusal when a clip of that name is loaded or precued on a channel
 void set_clip (World &world, const std::string &name, const Json &attributes);
 /// Deletes a clip, also a read-only one. @throws Refusal when it is loaded or precued on a channel
 void drop_clip (World &world, const std::string &name);

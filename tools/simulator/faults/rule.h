@@ -55,7 +55,7 @@ struct Rule {
   int id = 0; ///< assigned by `Faults`
   Fault fault = Fault::refuse;
 
-  // When.
+  // To which messages the rule is applied.
   std::string command; ///< name of a command, `*` for all
   std::string report;  ///< name of a report, `*` for all
   std::string channel; ///< letter; empty: any or none
@@ -65,7 +65,7 @@ struct Rule {
   std::uint64_t times = UINT64_MAX; ///< it is applied to at most this many messages
   std::uint64_t row = 1;            ///< number of the message in an answer of several messages
 
-  // How.
+  // What the fault does.
   std::pair<std::uint64_t, std::uint64_t> ms{0, 0}; ///< of `delay` and `pieces`: chosen between the two
   bool overtake = false;                            ///< later messages need not wait for a delayed one
   std::string text = "The simulator was asked to refuse it"; ///< of `refuse`
@@ -73,8 +73,8 @@ struct Rule {
   std::optional<std::string> body;     ///< of `wrong_kind`
   std::optional<std::string> message;  ///< of `malformed`: any bytes
   std::optional<std::uint64_t> bytes;  ///< of `oversized`, `cut` and `pieces`
-  std::optional<std::uint64_t> for_ms; ///< how long a lasting rule stays
-  bool everyone = false;               ///< `stop_reading` and `freeze`: all clients instead of this one
+  std::optional<std::uint64_t> for_ms; ///< how long a lasting rule stays, or `out_of_order` waits
+  bool everyone = false;               ///< of `stop_reading` and `freeze`: all clients instead of this one
 
   // Counts.
   std::uint64_t seen = 0;    ///< messages that matched
