@@ -1,6 +1,8 @@
 /* Plays a clip out to its end and counts down: playout.cpp in plain C.
  *
- *     c_playout [address [clip]]        127.0.0.1 and COUNTDOWN when none are given; the clip in ASCII
+ *     c_playout [address [clip]]        127.0.0.1 and COUNTDOWN when none are given
+ *
+ * The name of the clip must be ASCII.
  */
 #include "orva.h"
 #include "pause.h"
@@ -10,9 +12,9 @@
 
 #define CLIP_CAPACITY 256
 
-static const uint32_t channel = 0; /* A; a number above 7 would mean channel A too, without an error */
+static const uint32_t channel = 0; /* A. Commands treat a number above 7 as 0. */
 
-/* Fields in a second. A standard that the library cannot tell reads as 60. */
+/* Fields in a second, rounded up. A rate that the library does not know reads as 60. */
 static uint32_t fields_per_second (uint32_t server) {
   uint32_t frequency = 0;
   must ("frequency", orva_video_frequency (server, &frequency));
@@ -25,8 +27,8 @@ static uint32_t status_of_channel (uint32_t server) {
   return status;
 }
 
-/* What is left of the clip. The first query of each kind asks the server to report, the others cost nothing.
- */
+/* The fields from the position to the end of the clip. The first query of a kind asks the server to report
+ * the value. Later queries send nothing. */
 static uint32_t fields_left (uint32_t server) {
   uint32_t length = 0, position = 0;
   must ("length", orva_channel_clip_length (server, channel, &length));
@@ -48,7 +50,7 @@ int main (int argc, char **argv) {
   must ("loading", orva_cmd_loadclip3 (server, channel, clip, ORVA_REPEAT_OFF, 0));
   must ("playing", orva_cmd_play2 (server, channel, 1.0));
 
-  /* The answer to the command comes before the report that the channel plays. */
+  /* The server answers the command before it reports that the channel plays. So wait for the report. */
   while (status_of_channel (server) != ORVA_CHANNEL_PLAYING)
     pause_milliseconds (1);
   printf ("%s is on air.\n", name);

@@ -1,6 +1,8 @@
-/* Records for some seconds, and lists the new clip with its length: record.cpp in plain C.
+/* Records for two seconds, and lists all clips with their lengths: record.cpp in plain C.
  *
- *     c_record [address [clip]]        127.0.0.1 and C TAPE when none are given; the clip in ASCII
+ *     c_record [address [clip]]        127.0.0.1 and C TAPE when none are given
+ *
+ * The name of the clip must be ASCII.
  */
 #include "orva.h"
 #include "pause.h"
@@ -42,7 +44,7 @@ int main (int argc, char **argv) {
   server = orva_connect (parse_address (argc > 1 ? argv[1] : "127.0.0.1"));
   orva_wait_until_connected (server);
 
-  /* Recording is: a new clip for the channel, an insert edit of all tracks, and play. */
+  /* To record, create a clip for the channel, start an insert edit of all tracks, and play. */
   must ("creating", orva_create_clip3 (server, channel, clip, ALL_TRACKS, 0));
   must ("edit", orva_edit_all_on (server, channel));
   must ("playing", orva_cmd_play2 (server, channel, 1.0));

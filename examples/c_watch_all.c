@@ -1,6 +1,6 @@
 /* Watches what the channels of several servers do, on one thread: watch_all.cpp in plain C.
  *
- *     c_watch_all [address...]        127.0.0.1 when none is given; ends when the last server has gone
+ *     c_watch_all [address...]        127.0.0.1 when none is given; ends when the last link is lost
  */
 #include "orva.h"
 #include "text.h"
@@ -14,7 +14,7 @@ typedef struct Watched {
   const char *address;
   uint32_t server;
   int up;
-  int registered; /* channels below this one are reported */
+  int registered; /* the status of the channels below this number is reported */
 } Watched;
 
 static void print_status (const Watched *watched, uint32_t channel) {
@@ -24,7 +24,7 @@ static void print_status (const Watched *watched, uint32_t channel) {
     printf ("%s  %c is %s\n", watched->address, (char)('A' + channel), words[status]);
 }
 
-/* There is no notice for the link, so it is queried. Returns 1 when the server has gone. */
+/* There is no notice for the link, so query it. Returns 1 when the link has been lost since the last call. */
 static int look_at_link (Watched *watched) {
   const int up = orva_connected (watched->server);
   const int went = watched->up && !up;
@@ -34,7 +34,8 @@ static int look_at_link (Watched *watched) {
   return went;
 }
 
-/* The first query of a channel registers its report, and may wait for some seconds: one at a time. */
+/* Registers the report of one more channel. The first query of a channel does this, and may wait for some
+ * seconds. */
 static void register_next (Watched *watched) {
   uint32_t status = 0;
   if (!watched->up || watched->registered == CHANNELS)
@@ -43,7 +44,7 @@ static void register_next (Watched *watched) {
     print_status (watched, (uint32_t)watched->registered++);
 }
 
-/* Waits for one server at a time, for a moment only. */
+/* Waits 5 ms for a notice of one server, so that the other servers get their turn soon. */
 static void take_notice (const Watched *watched) {
   uint32_t kind = ORVA_NOTICE_NONE, channel = 0;
   orva_get_notification (watched->server, 5, &kind, &channel);
@@ -77,7 +78,7 @@ int main (int argc, char **argv) {
   return 0;
 }
 
-/* Output, while somebody plays channel A and then takes the server away:
+/* Output, while somebody plays channel A and then ends the server:
  *
  *     127.0.0.1  is there
  *     127.0.0.1  A is stopped

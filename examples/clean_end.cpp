@@ -14,7 +14,7 @@ int main (int argc, char **argv) try {
   orva::Server server (argc > 1 ? argv[1] : "127.0.0.1");
   server.wait_until_connected ();
 
-  // At work: a handler, and a thread which waits for something that never happens.
+  // A handler runs, and a thread waits for something that never happens.
   std::atomic<int> events{0};
   orva::Subscription watching = server.on_event ([&] (const orva::Event &) { ++events; });
   orva::Cancel stop;
@@ -24,12 +24,12 @@ int main (int argc, char **argv) try {
   });
   std::this_thread::sleep_for (500ms);
 
-  // The end. A frozen server does not delay it, because nothing here waits for an answer.
-  watching.end (); // the handler does not run from here on
+  // The end. It does not wait for the server, so a frozen server does not delay it.
+  watching.end (); // from here on the handler is not called
   std::printf ("The handler has ended.\n");
-  stop.cancel (); // every operation of the worker fails from here on
+  stop.cancel (); // from here on every operation of the worker fails
   worker.join ();
-  server.close (); // the destructor would do it, too
+  server.close (); // the destructor would do the same
   std::printf ("All is closed%s.\n", events > 0 ? "" : ", and nothing was told");
   return 0;
 } catch (const orva::error &failed) {

@@ -32,8 +32,8 @@ static uint32_t frames_per_second (uint32_t standard) {
   }
 }
 
-/* Drop frame leaves out two frame numbers at the start of each minute, except every tenth minute. So the
- * timecode agrees with the clock. */
+/* The number of a frame in timecode. Drop frame leaves out two frame numbers at the start of each minute,
+ * except every tenth minute. So the timecode agrees with the clock. */
 static uint32_t numbered_frame (uint32_t frame, uint32_t drop_frame) {
   const uint32_t per_minute = 60 * 30 - 2;
   const uint32_t per_ten_minutes = 10 * per_minute + 2;
@@ -72,7 +72,7 @@ static void print_metadata (uint32_t handle) {
   orva_close_metakeys (keys);
 }
 
-/* Somebody may have deleted the clip after it was listed. */
+/* Another program may delete the clip between the list and this call, so the call may fail. */
 static void print_clip (uint32_t server, const orva_char *clip) {
   orva_char title[TEXT_CAPACITY];
   uint32_t handle = 0;
@@ -126,7 +126,7 @@ int main (int argc, char **argv) {
   while (!interrupted && !orva_connected (server))
     pause_milliseconds (20);
   if (!interrupted) {
-    /* Start tracking before listing: a change in between is then printed twice and not missed. */
+    /* Start tracking before listing. So no change is missed. A change in between may be printed twice. */
     must ("tracking", orva_track_clip_changes (server));
     print_all_clips (server);
   }

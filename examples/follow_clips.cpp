@@ -1,6 +1,6 @@
 // Lists the clips of a server and follows their changes.
 //
-//     follow_clips [address]        127.0.0.1 when none is given; ends when the server has gone
+//     follow_clips [address]        127.0.0.1 when none is given; ends when the link is lost
 #include <orva.hpp>
 
 #include <cstdio>
@@ -11,8 +11,8 @@ int main (int argc, char **argv) try {
   server.wait_until_connected ();
   setvbuf (stdout, nullptr, _IONBF, 0);
 
-  // Start with the changes, then ask for the list, so that no change is missed in between. A change that the
-  // list shows already may be reported again.
+  // First wait until changes are reported, then ask for the list. So no change is missed. A change that is
+  // already in the list may be reported too.
   orva::EventQueue queue;
   queue.watch (server, {.channels = {}});
   while (queue.next ()->as<orva::Watching> () == nullptr)
@@ -29,7 +29,7 @@ int main (int argc, char **argv) try {
     if (const auto *const deleted = event.as<orva::ClipDeleted> ())
       std::printf ("deleted: %s\n", deleted->clip.c_str ());
     if (event.as<orva::LinkDown> () != nullptr)
-      break; // what happens while the link is down is not learned: list the clips again after LinkUp
+      break; // changes are missed while the link is down: list the clips again after LinkUp
   }
   std::printf ("the server is away\n");
   return 0;

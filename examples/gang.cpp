@@ -5,7 +5,6 @@
 
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <thread>
 
 using namespace std::chrono_literals;
@@ -17,8 +16,9 @@ int main (int argc, char **argv) try {
   server.channel (orva::C).load ("BARS");
   server.channel (orva::D).load ("NEWS/OPENER");
 
-  // One command for both, so they start and stop on the same field. When one of them cannot, neither does,
-  // and the server says why. A channel that is still being cued would start a field later, so wait for both.
+  // One command goes to both channels, so they start and stop on the same field. When one of them cannot
+  // start, neither does, and the server refuses the command. A channel that is still being cued would start a
+  // field later, so wait until both are cued.
   const auto both = server.channels (orva::C | orva::D);
   both.go_to (50);
   for (const orva::Channel channel : {orva::C, orva::D})
@@ -32,10 +32,10 @@ int main (int argc, char **argv) try {
   std::this_thread::sleep_for (500ms);
   both.stop ();
 
-  // They have been started and stopped on the same field, so they stand on the same one.
+  // They have started and stopped on the same field, so they are at the same position.
   const auto c = server.channel (orva::C).wait_for (orva::Status::stopped);
   const auto d = server.channel (orva::D).wait_for (orva::Status::stopped);
-  std::this_thread::sleep_for (100ms); // the report of the last position follows that of the status
+  std::this_thread::sleep_for (100ms); // the last position is reported after the status
   const auto distance = server.channel (orva::C).state ().position.fields () -
                         server.channel (orva::D).state ().position.fields ();
   std::printf ("%s and %s have stopped %lld fields apart.\n", c.clip.c_str (), d.clip.c_str (),

@@ -1,6 +1,6 @@
-// Is the server alive? Shows whether a server is away, frozen or well.
+// Is the server alive? Prints once a second whether it is away, frozen or alive.
 //
-//     is_it_alive [address [seconds]]        127.0.0.1 and one look when none are given
+//     is_it_alive [address [seconds]]        127.0.0.1 and one second when none are given
 #include <orva.hpp>
 
 #include <chrono>
@@ -20,7 +20,7 @@ int main (int argc, char **argv) try {
   for (int look = 0; look != looks; ++look) {
     if (look != 0)
       std::this_thread::sleep_for (1s);
-    // The link alone proves nothing: the system keeps the connection of a frozen server up.
+    // The link alone proves nothing: the connection to a frozen server stays up.
     well = server.healthy (500ms);
     std::printf ("%s\n", !server.connected () ? "away"
                          : well               ? "alive"
@@ -32,7 +32,7 @@ int main (int argc, char **argv) try {
   return 1;
 }
 
-// Output, while somebody freezes the server and then ends it:
+// Output of "is_it_alive 127.0.0.1 3", while somebody freezes the server and then ends it:
 //
 //     alive
 //     connected, but it does not answer

@@ -7,9 +7,9 @@
 #include <nlohmann/json.hpp>
 
 #include <cstdio>
+#include <exception>
 #include <fstream>
 #include <string>
-#include <utility>
 
 namespace {
 
@@ -17,7 +17,7 @@ using nlohmann::json;
 
 void save (const orva::Server &server, const std::string &clip, const std::string &file) {
   const orva::ClipInfo info = server.clip (clip).info ();
-  json pairs = json::array (); // the order of the pairs is the server's
+  json pairs = json::array (); // an array keeps the order of the server
   for (const auto &[key, value] : info.metadata)
     pairs.push_back ({{"key", key}, {"value", value}});
   const json all = {{"title", info.title},
@@ -37,7 +37,7 @@ void load (const orva::Server &server, const std::string &clip, const std::strin
   edit.project = all.at ("project").get<std::string> ();
   for (const json &pair : all.at ("metadata"))
     edit.metadata.emplace_back (pair.at ("key").get<std::string> (), pair.at ("value").get<std::string> ());
-  server.clip (clip).edit (edit); // one command for each; ends at the first that the server refuses
+  server.clip (clip).edit (edit); // one command for each change; ends at the first one that fails
   std::printf ("%s: %zu pairs loaded\n", clip.c_str (), edit.metadata.size ());
 }
 
@@ -52,7 +52,7 @@ int main (int argc, char **argv) try {
   server.wait_until_connected ();
   (argv[1] == std::string ("save") ? save : load) (server, argv[3], argv[4]);
   return 0;
-} catch (const std::exception &failed) { // the library's errors, and those of the JSON
+} catch (const std::exception &failed) { // errors of orva.hpp and of the JSON library
   std::printf ("%s\n", failed.what ());
   return 1;
 }

@@ -1,7 +1,7 @@
 /* A table that several processes share. Start the program twice and type into one of them; the other one
- * shows the change. The table is a metadata database of the server, and a key-value store keeps both equal.
- * Nothing that is typed waits for the network. What is typed while the server is away is sent when it is
- * back.
+ * shows the change. The table is a metadata database on the server. Each program keeps a copy of it with a
+ * key-value store. A change never waits for the network. Changes that are typed while the server is away are
+ * sent when it is back.
  *
  *     mirror [address]             127.0.0.1 when none is given
  *
@@ -21,7 +21,7 @@ typedef struct Entry {
   orva_char *key, *value;
 } Entry;
 
-/* The table as this process knows it, in the order of the first changes. The lock guards it. */
+/* This process's copy of the table, in the order of the first changes. The lock guards it. */
 static Lock lock = LOCK_INITIALISER;
 static Entry *table = NULL;
 static int finished = 0;
@@ -51,8 +51,8 @@ static orva_char *duplicate (const orva_char *text) {
   return copy;
 }
 
-/* Returns the link that points to the key's entry. Without such an entry it is the last link, which is null.
- */
+/* Returns the address of the pointer to the key's entry. When there is no such entry, that pointer is the
+ * null pointer at the end of the table. */
 static Entry **find (const orva_char *key) {
   Entry **link = &table;
   while (*link != NULL && !equal ((*link)->key, key))
@@ -102,9 +102,10 @@ static void print_table (void) {
   printf ("That is the table.\n");
 }
 
-/* A store also reports its own changes, and after a lost connection it reports every key again. Such a report
- * changes the table only when the key was changed once more meanwhile. So the program shows what others did.
- * A key that others erased while the server was away is never reported and stays in the table. */
+/* Handles one report of the store, and prints it when it changes the table. A store also reports its own
+ * changes, and it reports every key again after a lost connection. Such reports usually change nothing here,
+ * so the program prints what others did. A key that others erase while the connection is lost is not reported
+ * and stays in the table. */
 static void take_change (uint32_t type, const orva_char *key, const orva_char *value) {
   if (type == ORVA_STORE_CHANGE_SET) {
     if (note_setting (key, value))
@@ -155,7 +156,7 @@ static unsigned long take_code_point (const char **utf8) {
   return more != 0 || c > 0x10FFFF || (c >= 0xD800 && c < 0xE000) ? '?' : c;
 }
 
-/* A line never has more UTF-16 units than bytes. */
+/* Converts to UTF-16. The result never has more units than the text has bytes. */
 static void read_text (const char *utf8, orva_char *units) {
   while (*utf8 != 0) {
     const unsigned long c = take_code_point (&utf8);
@@ -223,7 +224,7 @@ int main (int argc, char **argv) {
     abort ();
   carry_out_all_lines ();
   join_thread (follower);
-  orva_close_key_value_store (store); /* waits up to two seconds for what was typed last */
+  orva_close_key_value_store (store); /* waits up to two seconds until the last changes are sent */
   orva_close (server);
   printf ("That is all.\n");
   return 0;

@@ -1,7 +1,8 @@
-// Plays clips one after the other: first as a chain of precued clips, then a list that the server holds.
+// Plays clips one after the other: first a chain of precued clips, then a list that is on the server.
 //
-//     playlist [address [list]]        127.0.0.1 when none is given; "list" when a list is loaded on channel
-//     E
+//     playlist [address [list]]        127.0.0.1 when none is given
+//
+// Give any second argument when a list is loaded on channel E. Then the program plays from this list too.
 #include <orva.hpp>
 
 #include <cstdio>
@@ -16,7 +17,7 @@ void wait_for_clip (const orva::Server &server, const std::string &clip) {
   std::printf ("On air: %s\n", clip.c_str ());
 }
 
-// The caller keeps the order: whenever a clip starts, the one after it is precued.
+// The program keeps the order: when a clip has started, it precues the next one.
 void play_chain (const orva::Server &server) {
   const auto channel = server.channel (orva::E);
   const std::string clips[] = {"COUNTDOWN", "NEWS/STRAP", "SPORT/GOAL"};
@@ -24,7 +25,8 @@ void play_chain (const orva::Server &server) {
   channel.play (1.0);
   wait_for_clip (server, clips[0]);
   for (int i = 1; i != 3; ++i) {
-    // A piece of two seconds of each, so that this does not take long.
+    // When::now switches to the clip at once. With When::end_of_clip the clip before it would play to its
+    // end. The length of 120 fields ends the clip after two seconds.
     channel.precue (clips[i], {.when = orva::When::now, .position = 0, .length = 120});
     wait_for_clip (server, clips[i]);
   }
@@ -37,7 +39,7 @@ std::string clip_after (const orva::Server &server, const std::string &clip) {
   return server.channel (orva::E).wait_until (changed).clip;
 }
 
-// The server keeps the order. A list is made and loaded with the tools of the server, not with this library.
+// The server keeps the order. Make and load a list with the tools of the server; this library cannot.
 void play_list (const orva::Server &server) {
   const auto channel = server.channel (orva::E);
   channel.playlist_cue ();

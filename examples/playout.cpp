@@ -23,7 +23,7 @@ int main (int argc, char **argv) try {
   channel.load (clip, {.repeat = orva::Repeat::off, .position = 0});
   channel.play (1.0);
 
-  // The answer to play() comes before the report that the channel plays.
+  // The server answers play() before it reports that the channel plays. So wait for the report.
   orva::ChannelState state = channel.wait_for (orva::Status::playing);
   std::printf ("%s is on air.\n", state.clip.c_str ());
 
@@ -33,7 +33,7 @@ int main (int argc, char **argv) try {
     if (left != shown)
       std::printf ("%s left\n", state.remaining.text (base).c_str ());
     shown = left;
-    std::this_thread::sleep_for (10ms); // asking for the state costs no traffic
+    std::this_thread::sleep_for (10ms); // state() sends nothing
   }
   channel.stop ();
   std::printf ("%s has been played.\n", state.clip.c_str ());

@@ -1,4 +1,4 @@
-// Records for some seconds, and lists the new clip with its length.
+// Records for two seconds, and lists all clips with their lengths.
 //
 //     record [address [clip]]        127.0.0.1 and TAPE when none are given
 #include <orva.hpp>

@@ -1,7 +1,8 @@
-// A table that processes share: whatever one sets, all others see.
+// A table that several processes share. When one of them sets a key, all of them get the change.
 //
-//     shared_store ADDRESS NAME        sets "NAME" to "here", prints what others set until somebody sets
-//     "end"
+//     shared_store ADDRESS NAME
+//
+// Sets the key NAME to "here" and prints all changes, until somebody sets the key "end".
 #include <orva.hpp>
 
 #include <cstdio>
@@ -16,11 +17,11 @@ int main (int argc, char **argv) try {
   orva::Server server (argv[1]);
   server.wait_until_connected ();
 
-  // The prefix keeps this table apart from others in the same folder, and is no part of the keys here.
+  // The prefix separates this table from others in the same folder. The keys here are without it.
   const auto store = server.store ("EXAMPLES", orva::StoreMode::read_write, "shared_store/");
   store.wait_loaded ();
-  store.set (argv[2], "here"); // goes out by itself, and again until the server has it
-  store.flush ();              // so this waits until it has
+  store.set (argv[2], "here"); // is sent in the background, again and again until the server has accepted it
+  store.flush ();              // waits until the server has accepted it
 
   for (;;) {
     const auto change = store.within (orva::no_limit).next_change ();

@@ -1,8 +1,9 @@
 // Watches all channels of several servers on one thread.
 //
-//     watch_all [address...]        127.0.0.1 when none is given; ends when the last server has gone
+//     watch_all [address...]        127.0.0.1 when none is given; ends when the last link is lost
 #include <orva.hpp>
 
+#include <cstddef>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -35,7 +36,7 @@ int main (int argc, char **argv) try {
   orva::EventQueue queue;
   for (const std::string &address : addresses) {
     servers.emplace_back (address);
-    queue.watch (servers.back ()); // begins with what each channel does now
+    queue.watch (servers.back ()); // the first events are the present state
   }
 
   std::size_t up = 0;
@@ -53,7 +54,7 @@ int main (int argc, char **argv) try {
   return 1;
 }
 
-// Output, while somebody plays channel A and then takes the server away:
+// Output, while somebody plays channel A and then ends the server:
 //
 //     127.0.0.1  is away
 //     127.0.0.1  is there

@@ -1,6 +1,6 @@
 /* Prints what the channels of a server do, until it is interrupted (Ctrl-C). It asks for each value once.
- * From then on the server reports changes, each change is a notice, and the new value is read without asking
- * the server. With the name of a clip, the program watches channel A only and also controls it: it loads the
+ * From then on the server reports changes. Each change raises a notice, and reading the new value sends
+ * nothing. With the name of a clip, the program watches channel A only and also controls it: it loads the
  * clip, plays, jogs, plays backwards, stops, and ends.
  *
  *     watch_channels [address [clip]]      127.0.0.1 when none is given
@@ -94,8 +94,8 @@ static void print_channel (uint32_t server, uint32_t channel, uint32_t kind) {
   printf ("\n");
 }
 
-/* Asks once for a value of each report. One report has clip length, precued clips, repeat, angle and input,
- * so one of these is enough. The first values give notices too. */
+/* Asks once for a value of each report. Clip length, precued clips, repeat, angle and input are in one
+ * report, so asking for one of them is enough. The first values raise notices too. */
 static void register_channel (uint32_t server, uint32_t channel) {
   orva_char clip[TEXT_CAPACITY];
   uint32_t number = 0;
@@ -119,7 +119,7 @@ static int watch_once (uint32_t server, uint32_t milliseconds) {
   return 1;
 }
 
-/* Prints a number of notices, or fewer when nothing changes for a while. */
+/* Prints up to a number of notices. Returns early when nothing changes for half a second. */
 static void watch (uint32_t server, unsigned notices) {
   for (; notices > 0 && !interrupted; --notices)
     if (!watch_once (server, QUIET_MILLISECONDS))
@@ -135,7 +135,7 @@ static void control (uint32_t server, uint32_t channel, const char *name) {
     clip[i] = (orva_char)(unsigned char)name[i];
   clip[i] = 0;
 
-  watch (server, ORVA_NOTICE_EE); /* the highest number, so one notice of each kind */
+  watch (server, ORVA_NOTICE_EE); /* the highest kind is the number of kinds: one notice of each */
   printf ("Loading %s.\n", name);
   must ("loading", orva_cmd_loadclip1 (server, channel, clip));
   watch (server, 20);

@@ -1,8 +1,8 @@
 /**
  * @file orva.hpp
- * Control of a networked video server, for programs in C++17 and later: all that orva.h can do, without its
- * traps. Header only; it needs orva.h and the library. The cookbook, doc/cookbook.md, has programs to start
- * with.
+ * Control of a networked video server, for programs in C++17 and later. It offers everything that orva.h
+ * offers, with objects, exceptions and time limits. It consists of headers only and needs orva.h and the
+ * library. The cookbook, doc/cookbook.md, has programs to start with.
  *
  *     #include <orva.hpp>
  *
@@ -13,65 +13,69 @@
  *     server.channel (orva::A).wait_for (orva::Status::playing);
  *
  * SERVERS. An orva::Server keeps a connection up until it is destroyed. Its operations are in groups:
- * server.channel(), server.channels() for several on the same field, server.clip(), server.virtual_clip(),
- * server.store(), and the server itself. A group is cheap to make, to keep and to copy. Once its server is
- * destroyed, its operations are invalid.
+ * server.channel() for one channel, server.channels() for several channels on the same field, server.clip(),
+ * server.virtual_clip(), server.store(), and the server itself. A group is cheap to make, to keep and to
+ * copy. Once its server is destroyed, its operations fail with `invalid`.
  *
- * ERRORS. An operation throws what went wrong, each kind with its own exception, all from orva::error:
+ * ERRORS. An operation that fails throws. Each kind of failure has its own exception class, and all of them
+ * are derived from orva::error:
  *   invalid        a bad argument or a closed object; nothing was sent
  *   not_connected  the link was down; nothing was sent
  *   link_lost      the link went down before the answer: the outcome is unknown
- *   refused        the server said no; what() is its text
+ *   refused        the server refused it; what() is the text of the server
  *   timed_out      no answer within the limit: the outcome is unknown
  *   cancelled      another thread ended the wait: the outcome is unknown
  *   unsupported    this version of the library cannot do it; nothing was sent
- *   internal       no memory, or no thread
- * No command is ever repeated by itself.
+ *   internal       no memory, no thread, or a fault in the library: the outcome is unknown
+ * When an operation of several commands fails, it may have sent some of them. The library never repeats a
+ * command by itself.
  *
- * FORMS. Every operation exists in three forms, chosen by a word in front of it:
- *   server.channel (orva::A).play ()              throws
- *   server.nothrow ().channel (orva::A).play ()   returns orva::result<void>, throws nothing
+ * FORMS. Every operation exists in three forms, chosen by a call in front of it:
+ *   server.channel (orva::A).play ()              throws a failure
+ *   server.nothrow ().channel (orva::A).play ()   returns orva::result<void>, also for a failure
  *   server.async ().channel (orva::A).play ()     returns std::future<orva::result<void>>, at once
- * The words work on each group, and can be kept: `const auto quiet = server.nothrow ();`.
+ * nothrow() and async() work on each group. Their result can be kept: `const auto quiet = server.nothrow ();`
  *
- * LIMITS. Each operation has a time limit. It is 10 s unless Options, set_limit() or within() set another:
+ * LIMITS. Each operation that waits has a time limit. It is 10 s unless Options, set_limit() or within() set
+ * another:
  *   server.within (500ms).channel (orva::A).play ();
  *   server.within (orva::no_limit).clips ();
- * When the limit has passed, the operation fails and its caller goes on at once. The C function cannot be
- * interrupted: it goes on in the background, on a thread of its own, until the server answers or the link is
- * lost. With no_limit and without Cancel an operation runs on the calling thread and costs what the C
- * function costs. With a limit it runs on a helper thread; a server keeps one idle. cancelled_by() takes an
- * orva::Cancel, with which another thread ends the wait.
+ * When the limit has passed, the operation fails and its caller continues. The C function cannot be
+ * interrupted: it continues on a helper thread until the server answers or the link is lost. cancelled_by()
+ * takes an orva::Cancel, with which another thread ends the wait. An operation with a limit or a Cancel runs
+ * on a helper thread. A server keeps one idle helper thread for the next operation. With no_limit and without
+ * a Cancel an operation runs on the calling thread and costs what the C function costs.
  *
  * TEXTS are UTF-8. A text that is not valid UTF-8, or contains a NUL, is invalid and not sent. Texts from the
- * server are whole, with one exception: a name with half a surrogate pair ends before it.
+ * server are whole, with one exception: a text with half a surrogate pair ends before that half.
  *
- * POSITIONS AND LENGTHS are counts of fields, two to a frame; orva::Position turns them into frames, timecode
- * and time. `server.video ().timebase ()` is how this server counts.
+ * POSITIONS AND LENGTHS are counts of fields, two to a frame. orva::Position converts them to frames,
+ * timecode and time. Timecode and time need the time base of the server, `server.video ().timebase ()`.
  *
- * EVENTS. server.on_event() calls a handler. orva::EventQueue collects the events of any number of servers
- * for one thread. channel().state() returns all that is known of a channel. channel().wait_for() waits for
- * what a command causes.
+ * EVENTS. server.on_event() calls a handler for each event. orva::EventQueue collects the events of any
+ * number of servers for one thread. channel().state() returns everything that the server has reported about a
+ * channel. channel().wait_for() waits until the effect of a command is reported.
  *
- * THREADS. Everything may be used by any number of threads at a time, except that an object must not be moved
- * or destroyed while another thread uses that same object. Handlers run on a thread of their server.
+ * THREADS. Any number of threads may use everything here at the same time, with one exception: an object must
+ * not be moved or destroyed while another thread uses that same object. Handlers run on a thread of their
+ * server.
  *
- * THE END. The destructor of a Server ends the handlers. Operations that begin later are invalid. It does not
- * wait for operations under way, even when the server is frozen; they end when the C functions return. A
- * store that writes takes up to 13 s. orva.h says what a program must not do, such as ending the process
- * during a call on Windows, or calls between fork and exec.
+ * THE END. The destructor of a Server ends the handlers. Operations that begin later fail with `invalid`. The
+ * destructor does not wait for operations that are running, even when the server is frozen. They end when the
+ * C functions return. Closing a store that writes takes up to 13 s. orva.h lists what a program must not do:
+ * for example, end the process during a call on Windows, or make calls between fork and exec.
  *
- * RECORDING. channel().record ("NEW CLIP") does all that it takes: it creates the clip for the channel,
- * starts an insert edit and plays. end_recording() ends it.
+ * RECORDING. channel().record ("NEW CLIP") creates the clip for the channel, starts an insert edit and plays.
+ * end_recording() stops the channel and ends the edit.
  *
- * WHERE EACH FUNCTION OF orva.h WENT. "s" is a Server, "ch" s.channel() or s.channels(), "c" s.clip(), "v"
+ * WHERE EACH FUNCTION OF orva.h IS. "s" is a Server, "ch" s.channel() or s.channels(), "c" s.clip(), "v"
  * s.virtual_clip(), "k" s.store().
  *
  *   orva_connect                          Server
  *   orva_close                            ~Server, s.close()
  *   orva_connected                        s.connected()
- *   orva_wait_until_connected             s.wait_until_connected(); not called, since it never ends when the
- *                                         connection is closed meanwhile
+ *   orva_wait_until_connected             s.wait_until_connected(); the C function is not called, because it
+ *                                         never returns when the connection is closed meanwhile
  *   orva_get_last_error                   error, Failure
  *   orva_synchronous                      s.ignore_answers()
  *   orva_sync                             s.wait_for_answers()
@@ -100,7 +104,8 @@
  *   orva_set_out1                         ch.set_out()
  *   orva_clear_out                        ch.clear_out()
  *   orva_set_repeat                       ch.set_repeat()
- *   orva_set_channel_repeat               ch.set_repeat(); not called, since it is the same
+ *   orva_set_channel_repeat               ch.set_repeat(); not called, because it does the same as
+ *                                         orva_set_repeat
  *   orva_unload_channel                   ch.unload()
  *   orva_edit1 orva_gang_edit1 orva_edit_all_on orva_edit_all_off orva_gang_edit_all_on
  *   orva_gang_edit_all_off                ch.edit(), ch.record(), ch.end_recording()
@@ -124,7 +129,7 @@
  *   orva_track_clip_changes orva_track_change_added_clip orva_track_change_deleted_clip
  *   orva_track_change_changed_clip        ClipAdded, ClipDeleted, ClipEdited of s.on_event() and EventQueue
  *   orva_track_directory_changes orva_track_change_added_directory orva_track_change_deleted_directory
- *                                         DirectoryAdded, DirectoryDeleted of the same
+ *                                         DirectoryAdded, DirectoryDeleted of s.on_event() and EventQueue
  *
  *   orva_open_clip_metadata orva_close_clip_metadata
  *                                         c.info(), c.meta(), c.edit()
@@ -179,7 +184,7 @@
  *   orva_playlist_count                   ch.playlist_count()
  *
  *   orva_open_kvstore                     s.store()
- *   orva_close_key_value_store            the last copy of k, k.close()
+ *   orva_close_key_value_store            the destructor of the last copy of k, k.close()
  *   orva_kvstore_set                      k.set()
  *   orva_kvstore_erase                    k.erase()
  *   orva_kvstore_flush                    k.flush()

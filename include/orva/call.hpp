@@ -1,7 +1,7 @@
 /**
  * @file orva/call.hpp
- * How one call of a C function becomes an operation: its arguments are checked, its failure gets a kind, its
- * wait is limited, and its result has the form that the caller has chosen.
+ * Makes operations from C functions. An operation checks its arguments, calls the function within a time
+ * limit, finds the kind of a failure, and returns its result in the form that the caller has chosen.
  */
 #ifndef ORVA_CALL_HPP
 #define ORVA_CALL_HPP
@@ -13,13 +13,11 @@
 #include "text.hpp"
 #include "values.hpp"
 
-#include <array>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <future>
 #include <list>
@@ -39,7 +37,13 @@ namespace detail {
 
 // --- Failures ----------------------------------------------------------------------------------------------
 
-/** The failure behind a code of the calling thread's last call. */
+/**
+ * The failure of the calling thread's last call.
+ * @param code what the call returned, not ORVA_OK
+ *
+ * Many causes have the code ORVA_ERROR. The library's own failures have the fixed texts below. Every other
+ * text is a refusal by the server.
+ */
 inline Failure failure_of (std::uint32_t code) {
   const std::string text = last_error ();
   switch (code) {
@@ -69,7 +73,7 @@ inline Failure failure_of (std::uint32_t code) {
   return {Kind::refused, text};
 }
 
-/** For operations of several calls: goes on only when a call has succeeded. */
+/** For operations of several calls: throws the failure of a call, so that no further one is made. */
 inline void must (std::uint32_t code) {
   if (code != ORVA_OK)
     failure_of (code).raise ();
@@ -79,7 +83,8 @@ inline Failure closed_failure () {
   return {Kind::invalid, "The server object is closed"};
 }
 
-/** A call with its arguments, but for the connection and the place of its value. It returns a result code. */
+/** A call with its arguments bound. It takes the connection and, unless T is void, the variable for the
+ * value. It returns a result code. */
 template <class T>
 struct CallOf {
   using type = std::function<std::uint32_t (std::uint32_t connection, T &value)>;
@@ -91,7 +96,10 @@ struct CallOf<void> {
 template <class T>
 using Call = typename CallOf<T>::type;
 
-/** Makes a call on the calling thread. Its exceptions become failures. */
+/**
+ * Makes a call on the calling thread. An exception of the call becomes a failure.
+ * @param needs_link when true and the link is down, fails with Kind::not_connected and makes no call
+ */
 template <class T>
 result<T> attempt (std::uint32_t connection, bool needs_link, const Call<T> &operation) {
   try {
@@ -116,7 +124,7 @@ result<T> attempt (std::uint32_t connection, bool needs_link, const Call<T> &ope
 
 // --- Arguments ---------------------------------------------------------------------------------------------
 
-/** A number as a C function takes it, or the reason why it must not have it. */
+/** A number in the form that a C function takes, or the reason why it is not valid. */
 template <class T>
 struct Checked {
   T number;
@@ -144,7 +152,7 @@ Checked<std::uint32_t> checked (Bounded<Greatest> number) {
 inline Checked<double> checked (double speed) {
   return {speed, speed == speed ? nullptr : "A speed is not a number"};
 }
-/** A distance in fields, with its sign. */
+/** A distance in fields. It may be negative. */
 struct Distance {
   Position fields;
 };
@@ -161,13 +169,13 @@ Checked<std::uint32_t> checked (E word) {
 inline Wide checked (std::string_view text) {
   return Wide (text);
 }
-/** What has been checked before. */
+/** An argument that is already checked. */
 template <class T>
 auto checked (const T &ready) -> decltype (ready.bad (), ready.c (), T (ready)) {
   return ready;
 }
 
-/** The reason of the first argument that is bad; null when all are good. */
+/** The reason why the first bad argument is not valid; null when all arguments are valid. */
 inline const char *first_bad () {
   return nullptr;
 }
@@ -176,16 +184,16 @@ const char *first_bad (const First &first, const Rest &...rest) {
   return first.bad () != nullptr ? first.bad () : first_bad (rest...);
 }
 
-// --- Threads that wait for others --------------------------------------------------------------------------
+// --- Helper threads ----------------------------------------------------------------------------------------
 
 /**
- * Threads for calls that cannot be interrupted. A job starts at once, on the idle thread if there is one. One
- * thread stays idle for the next job. stop() and the destructor wait for no job: a thread whose call is stuck
- * ends when the call returns.
+ * Threads for calls that cannot be interrupted. A job starts at once, on the idle thread if there is one,
+ * else on a new thread. One thread stays idle for the next job. The owner must call stop(). It waits for no
+ * job: a thread whose call does not return yet ends after the call.
  */
 class Helpers : public std::enable_shared_from_this<Helpers> {
 public:
-  /** False when the system cannot start a thread; the job is dropped then. */
+  /** Starts a job, also after stop(). Returns false without it when the system cannot start a thread. */
   bool run (std::function<void ()> job) {
     const std::lock_guard<std::mutex> hold (lock_);
     join_ended ();
@@ -200,13 +208,13 @@ public:
     return true;
   }
 
-  /** How many jobs run now. */
+  /** The number of jobs that are running. */
   std::size_t busy () const {
     const std::lock_guard<std::mutex> hold (lock_);
     return busy_;
   }
 
-  /** Ends the idle thread. Jobs that run go on, and their threads end after them. */
+  /** Ends the idle thread. Running jobs continue, and each thread ends after its job. */
   void stop () {
     std::unique_lock<std::mutex> hold (lock_);
     stopped_ = true;
@@ -235,7 +243,7 @@ private:
     bool ended = false;
   };
 
-  /** Requires the lock, which a thread that has ended takes no more. */
+  /** Requires the lock. A thread that has ended does not take the lock again, so it can be joined. */
   void join_ended () {
     workers_.remove_if ([] (const std::shared_ptr<Worker> &each) {
       if (each->ended)
@@ -279,23 +287,23 @@ private:
 
   mutable std::mutex lock_;
   std::condition_variable changed_;
-  std::list<std::shared_ptr<Worker>> workers_; ///< those that stop() has not let go
-  std::shared_ptr<Worker> idle_;               ///< waits for a job; null when all threads work
+  std::list<std::shared_ptr<Worker>> workers_; ///< all threads, until stop() detaches them
+  std::shared_ptr<Worker> idle_;               ///< waits for a job; null when all threads are working
   std::size_t busy_ = 0;
   bool stopped_ = false;
 };
 
-/** What watches a server; see events.hpp. */
+/** Watches a server for events; see events.hpp. */
 class Watcher {
 public:
   virtual ~Watcher () = default;
   virtual void stop () = 0;
 };
 
-/** A connection and what belongs to it. Shared by everything that may still use it. */
+/** A connection and everything that belongs to it. Shared by all objects that may use it. */
 class Core {
 public:
-  /** One that is closed. */
+  /** A core that is closed from the beginning. */
   Core () : address_ (0u), connection_ (0) { helpers->stop (); }
   explicit Core (Address address) : address_ (address), connection_ (orva_connect (address.number ())) {}
   ~Core () { close (); }
@@ -303,11 +311,12 @@ public:
   Core &operator= (const Core &) = delete;
 
   Address address () const { return address_; }
-  /** 0 once it is closed. */
+  /** The connection number; 0 when the core is closed. */
   std::uint32_t connection () const { return connection_; }
   bool connected () const { return orva_connected (connection_) != 0; }
 
-  /** No call starts from now on. Those that run end when the library lets them. */
+  /** Closes the connection. No call starts from now on. Running calls end when the server answers or the link
+   * is lost. */
   void close () {
     const std::uint32_t connection = connection_.exchange (0);
     if (connection == 0)
@@ -316,9 +325,9 @@ public:
     helpers->stop ();
   }
 
-  /** Notes that the link is up, for age(). */
+  /** Records for age() that the link is up now. */
   void seen () { last_seen_ = std::chrono::steady_clock::now ().time_since_epoch ().count (); }
-  /** How long ago the link was last seen up. */
+  /** The time since the link was last seen up; 0 while it is up. */
   std::chrono::nanoseconds age () {
     if (connected ()) {
       seen ();
@@ -330,13 +339,13 @@ public:
 
   const std::shared_ptr<Helpers> helpers = std::make_shared<Helpers> ();
   std::atomic<Limit::rep> limit{no_limit.count ()};
-  /** Bit n: the library has all values of channel n and answers from memory. */
+  /** Bit n is 1 when the library has all values of channel n, so that queries of it send nothing. */
   std::atomic<std::uint32_t> known_channels{0};
 
   std::mutex watch_lock;
-  std::shared_ptr<Watcher> watch; ///< guarded by watch_lock; none until something is watched
+  std::shared_ptr<Watcher> watch; ///< guarded by watch_lock; null until the first subscription
   std::mutex probe_lock;
-  std::weak_ptr<Waiter> probe; ///< guarded by probe_lock; the question about health that is under way
+  std::weak_ptr<Waiter> probe; ///< guarded by probe_lock; the last question of healthy()
 
 private:
   const Address address_;
@@ -347,11 +356,11 @@ private:
 
 // --- Limits ------------------------------------------------------------------------------------------------
 
-/** What an operation needs to know beside its arguments. */
+/** Everything that an operation needs besides its arguments. */
 struct Context {
   std::shared_ptr<Core> core;
-  std::optional<Limit> own_limit;            ///< none: that of the server
-  std::shared_ptr<CancelState> cancel_state; ///< null when nobody can cancel
+  std::optional<Limit> own_limit;            ///< without a value: the limit of the server
+  std::shared_ptr<CancelState> cancel_state; ///< null for an operation without a Cancel
 
   Limit limit () const { return own_limit ? *own_limit : Limit (core->limit.load ()); }
   bool cancelled () const { return cancel_state && cancel_state->cancelled (); }
@@ -364,7 +373,7 @@ inline Failure cancelled_failure () {
   return {Kind::cancelled, "Cancelled before the answer; the outcome is unknown"};
 }
 
-/** A call on another thread: all that it reads and writes is here, so the caller may leave. */
+/** A call on another thread. It owns everything that it uses, so its caller need not wait for it. */
 template <class T>
 struct RemoteCall : Waiter {
   RemoteCall (std::shared_ptr<Core> on, bool link, Call<T> what)
@@ -390,7 +399,7 @@ struct RemoteCall : Waiter {
   std::optional<result<T>> outcome;
 };
 
-/** Makes a call within the limit of the context, on the calling thread when it has none. */
+/** Makes a call within a limit, on a helper thread. Without limit and Cancel it uses the calling thread. */
 template <class T>
 result<T> perform (const Context &context, bool needs_link, Call<T> operation) {
   const Deadline deadline (context.limit ());
@@ -420,7 +429,7 @@ result<T> perform (const Context &context, bool needs_link, Call<T> operation) {
   return cancelled ? cancelled_failure () : timed_out_failure ();
 }
 
-/** A call that is made when the form of the operation says so. */
+/** A call with checked arguments. The form of the operation decides when and on which thread it is made. */
 template <class T>
 struct ReadyCall {
   result<T> operator() () {
@@ -429,18 +438,21 @@ struct ReadyCall {
   }
 
   Context context;
-  bool asks_server; ///< or the library, which answers by itself: that needs no link and never waits
+  bool asks_server; ///< false for what the library does by itself: it needs no link and has no limit
   Call<T> call;
 };
 
-/** A call whose arguments are bad. */
+/** In place of a call with a bad argument. */
 template <class T>
 auto bad_call (const char *reason) {
   return [reason] () -> result<T> { return Failure{Kind::invalid, reason}; };
 }
 
-/** Calls `look`, which returns an optional result and may wait for a few milliseconds, until it has one, the
- * limit passes or all is over. */
+/**
+ * Calls `look` again and again, with pauses of 1 ms, until it returns a result, the limit passes, the
+ * operation is cancelled or the server is closed.
+ * @param look returns an optional result. It must return soon, because nothing else is checked meanwhile.
+ */
 template <class T, class Look>
 result<T> look_until (const Context &context, Look look) {
   const Deadline deadline (context.limit ());
@@ -461,7 +473,7 @@ result<T> look_until (const Context &context, Look look) {
 
 // --- Forms -------------------------------------------------------------------------------------------------
 
-/** The form in which operations throw what went wrong and return plain values. */
+/** The form in which operations return plain values and throw their failures. */
 struct throwing {
   template <class T>
   using of = T;
@@ -471,7 +483,7 @@ struct throwing {
   }
 };
 
-/** The form in which operations throw nothing and return result<T>. */
+/** The form in which operations return result<T>, also for a failure. */
 struct returning {
   template <class T>
   using of = result<T>;
@@ -481,7 +493,7 @@ struct returning {
   }
 };
 
-/** The form in which operations return at once, with a future of result<T>. */
+/** The form in which operations return a future of result<T> at once. */
 struct futures {
   template <class T>
   using of = std::future<result<T>>;
@@ -496,7 +508,8 @@ struct futures {
   }
 
 private:
-  /** Only what a caller has passed can throw here. It must not end the thread, and so the process. */
+  /** A condition that the caller has passed may throw. An exception that leaves the thread would end the
+   * process. */
   template <class T, class F>
   static result<T> made (F &operation) {
     try {
@@ -508,12 +521,12 @@ private:
 };
 
 /**
- * What all groups of operations have in common. A group is a small value that can be copied; to move it is to
- * copy it. It holds what it acts on, its time limit, and the form of its results. It does not keep its server
- * open: once the Server object is destroyed, every operation fails with Kind::invalid.
+ * The common base of all groups of operations. A group is a small value that can be copied. It holds its
+ * target, such as a channel or a clip, its time limit, and the form of its results. It does not keep its
+ * server open: once the Server object is destroyed, every operation fails with Kind::invalid.
  * @tparam Group the group, as a template of its form
  * @tparam Form throwing, returning or futures
- * @tparam Data what the group acts on
+ * @tparam Data the target and the Context
  */
 template <template <class> class Group, class Form, class Data>
 class Operations {
@@ -523,24 +536,24 @@ public:
   using of = typename Form::template of<T>;
 
   explicit Operations (Data data) : data_ (std::move (data)) {}
-  // To move a group is to copy it, so that every object stays usable.
+  // Only copies, no moves: a group that was moved from stays usable.
   Operations (const Operations &) = default;
   Operations &operator= (const Operations &) = default;
 
-  /** The same operations, which return result<T> and throw nothing. */
+  /** The same operations, which return result<T> instead of throwing failures. */
   Group<returning> nothrow () const { return Group<returning> (data_); }
-  /** The same operations, which throw. */
+  /** The same operations, which throw their failures. */
   Group<throwing> or_throw () const { return Group<throwing> (data_); }
-  /** The same operations, which return at once, with a future of result<T>. The destructor of the future does
-   * not wait. Each operation occupies a thread until it has ended. */
+  /** The same operations, which return a future of result<T> at once. The destructor of the future does not
+   * wait. Each operation occupies a helper thread until it ends, and another one when it has a limit. */
   Group<futures> async () const { return Group<futures> (data_); }
-  /** The same operations with another limit; no_limit to wait for ever. */
+  /** The same operations with another limit. With no_limit they wait for ever. */
   Group<Form> within (Limit limit) const {
     Data data = data_;
     data.context.own_limit = limit;
     return Group<Form> (std::move (data));
   }
-  /** The same operations, which another thread can end. */
+  /** The same operations, whose waits another thread can end with `cancel`. */
   Group<Form> cancelled_by (const Cancel &cancel) const {
     Data data = data_;
     data.context.cancel_state = cancel.state ();
@@ -550,18 +563,22 @@ public:
 protected:
   const detail::Context &context () const { return data_.context; }
 
-  /** Asks for a value. @param operation takes the connection, the place of the value (unless T is void) and
-   * the arguments as C functions do, and returns a result code; it may outlive the caller. */
+  /**
+   * Calls a function that asks the server.
+   * @param operation takes the connection, the variable for the value (unless T is void), and the arguments
+   *   in the form that C functions take. It returns a result code. It may still run when the caller has gone
+   *   on.
+   */
   template <class T, class F, class... Arguments>
   of<T> ask (F operation, const Arguments &...arguments) const {
     return make_checked<T> (true, operation, detail::checked (arguments)...);
   }
-  /** The same for what the library does by itself: it needs no link, never waits, and has no limit. */
+  /** The same for what the library does by itself. It needs no link, does not wait, and has no limit. */
   template <class T, class F, class... Arguments>
   of<T> ask_library (F operation, const Arguments &...arguments) const {
     return make_checked<T> (false, operation, detail::checked (arguments)...);
   }
-  /** Sends a command that gives no value: a C function and its arguments. */
+  /** Sends a command that returns no value. @param function a C function */
   template <class F, class... Arguments>
   of<void> send (F function, const Arguments &...arguments) const {
     return ask<void> (function, arguments...);

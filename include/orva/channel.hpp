@@ -1,6 +1,6 @@
 /**
  * @file orva/channel.hpp
- * What can be done with a channel, and with a set of channels on the same field.
+ * Operations on one channel, and on a set of channels on the same field.
  */
 #ifndef ORVA_CHANNEL_HPP
 #define ORVA_CHANNEL_HPP
@@ -16,43 +16,44 @@
 
 namespace orva {
 
-/** How load() places a clip. What is left out is for the server to decide. */
+/** How load() loads a clip. The server decides about each member without a value; load() names the
+ * exceptions. */
 struct Load {
   std::optional<Repeat> repeat{};          /**< not together with angle */
-  std::optional<Position> position{};      /**< where to go */
+  std::optional<Position> position{};      /**< the field to go to */
   std::optional<Position> loop_in{};       /**< start of the loop; not together with angle */
-  std::optional<Position> clip_position{}; /**< the clip's own position: its out point, 0 for none */
+  std::optional<Position> clip_position{}; /**< the clip position of the command; 0 is none */
   std::optional<Angle> angle{};            /**< the camera angle */
 };
 
-/** How precue() places a clip. */
+/** How precue() prepares a clip. */
 struct Precue {
   When when = When::activated;
   std::optional<Position> position{}; /**< the first field */
-  std::optional<Position> length{};   /**< only a piece of the clip */
-  std::optional<Position> loop_in{};  /**< start of a loop; repeating is switched off */
+  std::optional<Position> length{};   /**< how much of the clip to play */
+  std::optional<Position> loop_in{};  /**< start of the loop; repeating is switched off */
 };
 
 /** How take() changes the picture. */
 struct Take {
   Transition transition = Transition::cut;
-  Position duration{}; /**< of a dissolve */
+  Position duration{}; /**< of the transition */
   std::optional<FollowSpeed> follow{};
 };
 
-/** What go_live() shows. What is left out is for the server to decide. */
+/** What go_live() shows. The server decides about each member without a value. */
 struct Live {
   std::optional<std::string> clip{};
   std::optional<Angle> angle{};
 };
 
-/** What record() makes. */
+/** The clip that record() creates. */
 struct Record {
   Tracks tracks = Tracks::all;
-  Position length{}; /**< the room that the server sets aside; 0 to let the clip grow */
+  Position length{}; /**< sent as the length of the new clip */
 };
 
-/** What a channel shows of its input. */
+/** The part of its input that a channel shows. */
 struct Input {
   EditTracks tracks = EditTracks::none;
   InputMode mode = InputMode::automatic;
@@ -60,20 +61,20 @@ struct Input {
   friend bool operator!= (Input a, Input b) { return !(a == b); }
 };
 
-/** All that the server has reported of a channel. Its values may be from different moments. */
+/** Everything that the server has reported about a channel. The values may be from different moments. */
 struct ChannelState {
-  std::string clip; /**< empty when there is none */
+  std::string clip; /**< empty when no clip is loaded */
   Status status = Status::none;
   Position position;
-  Position length;    /**< of the clip; 0 when the server does not tell */
-  Position remaining; /**< from the position to the end of the clip */
+  Position length;    /**< of the clip; 0 when the server left it out */
+  Position remaining; /**< from the position to the end of the clip; 0 without a length */
   double speed = 0;   /**< 1.0 is normal forward play */
   Repeat repeat = Repeat::off;
   std::uint32_t angle = 0;
   std::uint32_t angle_count = 1;
-  Input input;                     /**< what is shown of the input */
-  std::uint32_t precued = 0;       /**< how many clips are cued to follow */
-  std::chrono::nanoseconds age{0}; /**< 0 while the link is up, else how long ago it was last seen up */
+  Input input;                     /**< the part of its input that the channel shows */
+  std::uint32_t precued = 0;       /**< the number of precued clips */
+  std::chrono::nanoseconds age{0}; /**< time since the link was last seen up; 0 while it is up */
 };
 
 namespace detail {
@@ -89,7 +90,8 @@ struct GangData {
   static constexpr bool gang = true;
 };
 
-// What the library has heard of a channel. Each call costs a round trip until the value is known.
+// Values that the server reports about a channel. The first read costs a round trip, later reads send
+// nothing.
 
 inline void read_clip (std::uint32_t server, std::uint32_t channel, ChannelState &state) {
   must (read_text ([=] (OrvaStringBuffer text) { return orva_channel_clip (server, channel, text); },
@@ -108,7 +110,7 @@ inline void read_position (std::uint32_t server, std::uint32_t channel, ChannelS
 inline void read_speed (std::uint32_t server, std::uint32_t channel, ChannelState &state) {
   must (orva_channel_speed (server, channel, &state.speed));
 }
-/** What the server reports together. */
+/** The values that the server reports together. */
 inline void read_information (std::uint32_t server, std::uint32_t channel, ChannelState &state) {
   std::uint32_t length = 0, repeat = 0, tracks = 0, mode = 0;
   must (orva_channel_clip_length (server, channel, &length));
@@ -143,8 +145,8 @@ inline result<ChannelState> read_state (const Context &context, Channel channel)
 } // namespace detail
 
 /**
- * What a channel and a set of channels have in common. A set acts on one field, and on all channels or none.
- * Each operation is one command and one round trip.
+ * The operations that a channel and a set of channels both have. The channels of a set act on the same field.
+ * When one of them cannot, none of them acts. Each operation here is one command and one round trip.
  */
 template <template <class> class Group, class Form, class Data>
 class Transport : public Operations<Group, Form, Data> {
@@ -157,7 +159,8 @@ public:
 
   /** Starts at the speed that the server chooses. */
   of<void> play () const { return both (orva_cmd_play1, orva_cmd_gang_play1); }
-  /** Starts at a speed: 1.0 is normal, 0.0 a still, below 0 backwards. Held to -200 to 200. */
+  /** Starts at a speed. 1.0 is normal, 0.0 is a still, a negative speed plays backwards. It is limited to
+   * -200 to 200. */
   of<void> play (double speed, Latency latency = Latency::normal) const {
     return latency == Latency::normal ? both (orva_cmd_play2, orva_cmd_gang_play2, speed)
                                       : both (orva_cmd_play3, orva_cmd_gang_play3, speed, latency);
@@ -167,7 +170,7 @@ public:
     return latency == Latency::normal ? both (orva_cmd_stop1, orva_cmd_gang_stop1)
                                       : both (orva_cmd_stop2, orva_cmd_gang_stop2, latency);
   }
-  /** Moves by a distance, backwards when it is negative. */
+  /** Moves by a distance. A negative distance moves backwards. */
   of<void> jog (Position distance, Latency latency = Latency::normal) const {
     const detail::Distance fields{distance};
     return latency == Latency::normal ? both (orva_jog1, orva_gang_jog1, fields)
@@ -178,12 +181,12 @@ public:
     return latency == Latency::normal ? both (orva_goto1, orva_gang_goto1, position)
                                       : both (orva_goto2, orva_gang_goto2, position, latency);
   }
-  /** Switches to what is precued. */
+  /** Switches to the precued clip. */
   of<void> precue_activate () const { return both (orva_precue_activate1, orva_gang_precue_activate1); }
 
   /**
-   * Starts an insert edit of the clip that is loaded: from now on playing records. EditTracks::none ends it.
-   * record() of a channel does all that it takes to record a new clip.
+   * Starts an insert edit of the loaded clip: from now on, playing records into it. EditTracks::none ends the
+   * edit. To record a new clip, use record() of a channel.
    */
   of<void> edit (EditTracks tracks = EditTracks::all) const {
     if (tracks == EditTracks::all)
@@ -192,7 +195,7 @@ public:
       return both (orva_edit_all_off, orva_gang_edit_all_off);
     return both (orva_edit1, orva_gang_edit1, tracks);
   }
-  /** Selects what of the input is shown. */
+  /** Selects the part of its input that the channel shows. */
   of<void> show_input (EditTracks tracks = EditTracks::all, InputMode mode = InputMode::automatic) const {
     if (tracks == EditTracks::all && mode == InputMode::automatic)
       return both (orva_ee_all_on, orva_gang_ee_all_on);
@@ -230,12 +233,13 @@ public:
   template <class T>
   using of = typename Base::template of<T>;
 
-  // --- What is on the channel
+  // --- Loading and recording
 
   /**
-   * Loads a clip. The server takes either a repeat mode and a loop, or an angle. Both together are
-   * Kind::invalid. A position, loop-in point or clip position without an angle sends Repeat::off when no
-   * repeat mode is given, and 0 for the other positions that its command has.
+   * Loads a clip. A repeat mode or a loop-in point together with an angle is Kind::invalid. Without an angle,
+   * a position, loop-in point or clip position is sent with a repeat mode: Repeat::off when none is given. A
+   * loop-in point or clip position is sent with all other positions of its command: 0 for each that is not
+   * given.
    */
   of<void> load (std::string_view clip, const Load &how = {}) const {
     if (how.angle && (how.repeat || how.loop_in))
@@ -258,10 +262,11 @@ public:
       return on (orva_cmd_loadclip2, clip, repeat);
     return on (orva_cmd_loadclip1, clip);
   }
-  /** The same as load(): the clip is shown at its position, ready to play. */
+  /** The same as load(). The channel shows the clip at its position, ready to play. */
   of<void> cue (std::string_view clip, const Load &how = {}) const { return load (clip, how); }
 
-  /** Loads a virtual clip. Only `repeat` and `position` can be given. */
+  /** Loads a virtual clip. Only `repeat` and `position` may have a value. A position without a repeat mode
+   * sends Repeat::off. */
   of<void> load_virtual (std::string_view vclip, const Load &how = {}) const {
     if (how.angle || how.loop_in || how.clip_position)
       return this->template fail<void> ("A virtual clip is loaded with a repeat mode and a position only");
@@ -276,9 +281,10 @@ public:
   of<void> unload () const { return on (orva_unload_channel); }
 
   /**
-   * Records: creates a clip for the channel, which must not exist yet, starts an insert edit of all tracks,
-   * and plays at normal speed. Three commands; when one fails, those before it stay done. end_recording()
-   * ends it.
+   * Records a new clip. Creates the clip for the channel, starts an insert edit of all tracks, and plays at
+   * normal speed. These are three commands. When one fails, the commands before it are not undone.
+   * end_recording() ends the recording.
+   * @param clip a name that no clip has yet
    */
   of<void> record (std::string_view clip, const Record &how = {}) const {
     const auto operation = [] (std::uint32_t server, std::uint32_t channel, const orva_char *name,
@@ -289,7 +295,7 @@ public:
     };
     return this->template ask<void> (operation, this->data_.target, clip, how.tracks, how.length);
   }
-  /** Stops the channel and ends the insert edit: two commands. */
+  /** Stops the channel and then ends the insert edit, with two commands. */
   of<void> end_recording () const {
     const auto operation = [] (std::uint32_t server, std::uint32_t channel) -> std::uint32_t {
       detail::must (orva_cmd_stop1 (server, channel));
@@ -298,9 +304,10 @@ public:
     return this->template ask<void> (operation, this->data_.target);
   }
 
-  // --- What follows
+  // --- Clips that follow, takes
 
-  /** Prepares a clip to follow the one in the channel. */
+  /** Prepares a clip that follows the one on the channel. A position without a value is sent as 0 when there
+   * is a length or a loop-in point; so is a length when there is a loop-in point. */
   of<void> precue (std::string_view clip, const Precue &how = {}) const {
     const Position position = how.position.value_or (0);
     if (how.loop_in)
@@ -311,14 +318,14 @@ public:
       return on (orva_precue2, clip, how.when, position);
     return on (orva_precue1, clip, how.when);
   }
-  /** Drops what is precued. */
+  /** Removes all precued clips. */
   of<void> precue_clear () const { return on (orva_precue_clear1); }
-  /** Takes the precued clip. */
+  /** Takes the next clip. */
   of<void> take (const Take &how = {}) const {
     return how.follow ? on (orva_take2, how.transition, how.duration, *how.follow)
                       : on (orva_take1, how.transition, how.duration);
   }
-  /** Goes live at the earliest moment. */
+  /** Goes live as early as possible. */
   of<void> go_live (const Live &what = {}) const {
     const std::string_view clip = what.clip ? std::string_view (*what.clip) : std::string_view ();
     if (what.clip && what.angle)
@@ -328,20 +335,20 @@ public:
     return what.angle ? on (orva_go_live2, *what.angle) : on (orva_go_live1);
   }
 
-  // --- How it plays
+  // --- Settings of the channel
 
-  /** Changes the angle. */
+  /** Changes the camera angle. */
   of<void> set_angle (Angle angle) const { return on (orva_angle1, angle); }
   /** Sets the out point. */
   of<void> set_out (Position position) const { return on (orva_set_out1, position); }
-  /** Takes the out point away. */
+  /** Removes the out point. */
   of<void> clear_out () const { return on (orva_clear_out); }
-  /** Sets how the clip in the channel repeats. */
+  /** Sets how the clip on the channel repeats. */
   of<void> set_repeat (Repeat repeat) const { return on (orva_set_repeat, repeat); }
 
   // --- Playlists that the server holds
 
-  /** Plays an element of the channel's list now. */
+  /** Plays an element of the channel's list now. The first one has the index 0. */
   of<void> playlist_play_now (Index index) const { return on (orva_cmd_playlist_play_now, index); }
   /** Plays an element after the one that is on air. */
   of<void> playlist_play_next (Index index) const { return on (orva_cmd_playlist_play_next, index); }
@@ -351,7 +358,8 @@ public:
   of<void> playlist_cue_next (Index index) const { return on (orva_cmd_playlist_cue_next, index); }
   /** Cues the list at its first element. */
   of<void> playlist_cue () const { return on (orva_cmd_playlist_cue_list); }
-  /** Whether a list is loaded. In this version of the library it fails with Kind::timed_out after 6 s. */
+  /** Would return whether a list is loaded. In this version of the library it fails with Kind::timed_out,
+   * after 6 s at most. */
   of<bool> playlist_loaded () const {
     const auto operation = [] (std::uint32_t server, bool &loaded, std::uint32_t channel) {
       std::uint32_t number = 0;
@@ -361,7 +369,7 @@ public:
     };
     return this->template ask<bool> (operation, this->data_.target);
   }
-  /** The number of its elements. In this version of the library it fails with Kind::timed_out after 6 s. */
+  /** Would return the number of elements of the list. Fails like playlist_loaded(). */
   of<std::uint32_t> playlist_count () const {
     const auto operation = [] (std::uint32_t server, std::uint32_t &count, std::uint32_t channel) {
       return orva_playlist_count (server, channel, &count);
@@ -369,12 +377,12 @@ public:
     return this->template ask<std::uint32_t> (operation, this->data_.target);
   }
 
-  // --- What it does
+  // --- State
 
   /**
-   * All that the server has reported of the channel. The first call asks the server to report: five round
-   * trips, and at most 6 s for each first value. From then on it sends nothing and never waits. While the
-   * link is down it returns the last values, and `age` says how old they are.
+   * Returns everything that the server has reported about the channel. The first call asks the server to
+   * report. It costs five round trips and waits up to 6 s for each first value. Later calls send nothing and
+   * do not wait. While the link is down they return the last values, and `age` is not 0.
    */
   of<ChannelState> state () const {
     if (!this->data_.target.valid ())
@@ -384,13 +392,14 @@ public:
   }
 
   /**
-   * Waits until the channel's state satisfies a condition, and returns that state. The effect of a command is
-   * reported a moment after its answer, so use this to wait for it. Wait for a condition that was false
-   * before the command, because the old state may still be known when the wait begins.
-   * @param condition is called with a ChannelState, on the thread that waits. What it throws comes out of
-   *   this call; in the async form it becomes Kind::internal.
-   * @param limit in place of the server's limit; after it the operation fails with Kind::timed_out
-   * @return Kind::link_lost when the link goes down meanwhile
+   * Waits until the channel's state satisfies a condition, and returns that state. Use it to wait for the
+   * effect of a command, which the server reports after its answer. The condition must be false before the
+   * command, because the wait may begin with the old state.
+   * @param condition takes a ChannelState and returns bool. It is called on the thread that waits. This call
+   *   throws what the condition throws, in the nothrow form too. In the async form it becomes Kind::internal.
+   * @param limit replaces the limit of these operations. When it has passed, the call fails with
+   *   Kind::timed_out.
+   * @return Kind::link_lost when the link is down and the last state does not satisfy the condition
    */
   template <class Condition>
   of<ChannelState> wait_until (Condition condition, std::optional<Limit> limit = {}) const {
@@ -413,7 +422,7 @@ public:
       });
     });
   }
-  /** Waits until the channel has a status. */
+  /** Waits until the channel has a status. Otherwise the same as wait_until(). */
   of<ChannelState> wait_for (Status status, std::optional<Limit> limit = {}) const {
     return wait_until ([status] (const ChannelState &state) { return state.status == status; }, limit);
   }

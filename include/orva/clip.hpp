@@ -1,6 +1,6 @@
 /**
  * @file orva/clip.hpp
- * Clips, what the server knows of them, and virtual clips.
+ * Operations on clips and virtual clips, and the values that describe a clip.
  */
 #ifndef ORVA_CLIP_HPP
 #define ORVA_CLIP_HPP
@@ -18,19 +18,19 @@
 
 namespace orva {
 
-/** Where a timecode starts, and how it counts. */
+/** The first value of a timecode, and how it counts. */
 struct TimecodeStart {
   Position start;
   Counting counting = Counting::drop_frame;
 };
 
-/** Free-form pairs of a key and a value, in the server's order. */
+/** Pairs of a key and a value, in the order of the server. Both are free text. */
 using Metadata = std::vector<std::pair<std::string, std::string>>;
 
-/** Everything that the server knows about a clip, at one moment. What it left out is 0 or empty. */
+/** Everything that the server knows about a clip, at one moment. A value that the server left out is 0 or
+ * empty. */
 struct ClipInfo {
-  Standard standard =
-      Standard::i1080_60; /**< the first one also for a standard that the library cannot tell */
+  Standard standard = Standard::i1080_60; /**< also stands for each standard that the library does not know */
   Tracks tracks = Tracks::none;
   std::string title;
   std::string creator;
@@ -44,11 +44,11 @@ struct ClipInfo {
   Position trim_end;
   bool read_only = false;
   TimecodeSource timecode_source = TimecodeSource::zero_based;
-  TimecodeStart timecode;          /**< of the first frame, by the source in use */
+  TimecodeStart timecode;          /**< of the first frame, from the timecode source */
   TimecodeStart recorded_timecode; /**< recorded with the first frame */
   std::string uuid;
   std::string parent_uuid;
-  /* Stamps: numbers which the server raises with time; their unit is its own affair. */
+  /* Stamps: numbers of the server that grow with time. The server chooses their unit. */
   std::uint64_t last_loaded = 0;
   std::uint64_t last_unloaded = 0;
   std::uint64_t last_played = 0;
@@ -57,7 +57,7 @@ struct ClipInfo {
   Metadata metadata;
 };
 
-/** What edit() changes: all that has a value. */
+/** The changes that edit() makes. A member without a value is not changed. */
 struct ClipEdit {
   std::optional<std::string> title{};
   std::optional<std::string> creator{};
@@ -66,19 +66,19 @@ struct ClipEdit {
   std::optional<Repeat> repeat{};
   std::optional<Position> loop_in{};
   std::optional<Position> loop_out{};
-  std::optional<Position> trim_start{};  /**< an odd number is taken for the even one below it */
-  std::optional<Position> trim_end{};    /**< an odd number is taken for the even one below it */
-  std::optional<TimecodeStart> stripe{}; /**< also makes the stripe the source of the timecode */
+  std::optional<Position> trim_start{};  /**< an odd number is lowered by 1 */
+  std::optional<Position> trim_end{};    /**< an odd number is lowered by 1 */
+  std::optional<TimecodeStart> stripe{}; /**< the new timecode; it also becomes the timecode source */
   std::optional<TimecodeSource> timecode_source{};
-  /** Keys to set. A key without a value is erased. */
+  /** Keys and their new values. A key without a value is erased. */
   std::vector<std::pair<std::string, std::optional<std::string>>> metadata{};
 };
 
-/** How create() makes a clip. */
+/** How create() creates a clip. */
 struct Create {
   Tracks tracks = Tracks::all;
-  std::optional<Position> length{};
-  std::optional<Channel> channel{}; /**< for recording; the server may load the clip there */
+  std::optional<Position> length{}; /**< without a value the server chooses */
+  std::optional<Channel> channel{}; /**< creates the clip for recording on this channel */
 };
 
 namespace detail {
@@ -88,7 +88,7 @@ struct ClipData {
   std::string name;
 };
 
-/** A snapshot in the library, closed at the end. */
+/** A metadata handle of the library. The destructor closes it. */
 class Snapshot {
 public:
   Snapshot (std::uint32_t server, const orva_char *clip) {
@@ -103,7 +103,7 @@ private:
   std::uint32_t handle_ = 0;
 };
 
-/** Names that the library holds as a list, taken one by one; the list is closed at the end. */
+/** Reads the names of a list of the library. It does not close the list. */
 class NameList {
 public:
   using Next = std::uint32_t (*) (std::uint32_t, OrvaStringBuffer);
@@ -126,6 +126,7 @@ private:
   Next next_;
 };
 
+/** Closes a handle in its destructor. */
 template <class Close>
 class Closing {
 public:
@@ -170,7 +171,7 @@ inline TimecodeStart start_of (std::uint32_t (*get) (std::uint32_t, std::uint32_
   must (get (handle, &start, &counting));
   return {start, static_cast<Counting> (counting)};
 }
-/** The value of a key; none when there is no such key. */
+/** The value of a key, or no value when there is no such key. */
 inline std::optional<std::string> value_of (std::uint32_t handle, const orva_char *key) {
   std::uint32_t has = 0;
   must (orva_clip_has_meta (handle, key, &has));
@@ -223,7 +224,7 @@ inline ClipInfo info_of (std::uint32_t handle) {
   return info;
 }
 
-/** The changes of a ClipEdit, each checked and bound to its C function, in their order. */
+/** The changes of a ClipEdit in the order of its members. Each is checked and bound to its C function. */
 class EditSteps {
 public:
   explicit EditSteps (const ClipEdit &edit) {
@@ -295,7 +296,7 @@ public:
 
   const std::string &name () const { return this->data_.name; }
 
-  /** Whether there is such a clip. */
+  /** Whether the clip exists. */
   of<bool> exists () const {
     const auto operation = [] (std::uint32_t server, bool &value, const orva_char *clip) {
       std::uint32_t exists = 0;
@@ -305,11 +306,11 @@ public:
     };
     return this->template ask<bool> (operation, clip ());
   }
-  /** Gives the clip another name. This object keeps the old one. */
+  /** Renames the clip. This object keeps the old name. */
   of<void> rename (std::string_view to) const { return this->send (orva_rename_clip, clip (), to); }
   /** Deletes the clip. */
   of<void> erase () const { return this->send (orva_delete_clip, clip ()); }
-  /** Creates the clip, empty. A channel without a length sends the length 0. */
+  /** Creates the clip. It is empty. With a channel and no length, the length 0 is sent. */
   of<void> create (const Create &how = {}) const {
     if (how.channel)
       return this->send (orva_create_clip3, *how.channel, clip (), how.tracks, how.length.value_or (0));
@@ -317,17 +318,18 @@ public:
       return this->send (orva_create_clip2, clip (), how.tracks, *how.length);
     return this->send (orva_create_clip1, clip (), how.tracks);
   }
-  /** Creates the clip so that it shares the content of another, seen from an angle if one is given. */
+  /** Creates the clip. It shares the content of another clip, at a camera angle if there is one. */
   of<void> create_child_of (std::string_view parent, std::optional<Angle> angle = {}) const {
     return angle ? this->send (orva_create_child_clip2, clip (), parent, *angle)
                  : this->send (orva_create_child_clip1, clip (), parent);
   }
-  /** Protects the clip. In this version of the library it fails with Kind::unsupported. */
+  /** Would protect the clip. In this version of the library it fails with Kind::unsupported. */
   of<void> protect () const { return this->template ask_library<void> (orva_set_readonly, clip ()); }
-  /** Lifts the protection. In this version of the library it fails with Kind::unsupported. */
+  /** Would remove the protection. In this version of the library it fails with Kind::unsupported. */
   of<void> unprotect () const { return this->template ask_library<void> (orva_unset_readonly, clip ()); }
 
-  /** All that the server knows about the clip, in one round trip. A clip that does not exist is refused. */
+  /** Everything that the server knows about the clip, in one round trip. The server refuses it for a clip
+   * that does not exist. */
   of<ClipInfo> info () const {
     const auto operation = [] (std::uint32_t server, ClipInfo &info, const orva_char *clip) -> std::uint32_t {
       info = detail::info_of (detail::Snapshot (server, clip));
@@ -335,7 +337,7 @@ public:
     };
     return this->template ask<ClipInfo> (operation, clip ());
   }
-  /** The value of a key of the metadata; none when there is no such key. */
+  /** The value of a key of the metadata, or no value when there is no such key. One round trip. */
   of<std::optional<std::string>> meta (std::string_view key) const {
     using Value = std::optional<std::string>;
     const auto operation = [] (std::uint32_t server, Value &value, const orva_char *clip,
@@ -347,8 +349,8 @@ public:
   }
 
   /**
-   * Changes attributes and metadata: a round trip, and another for each change. The first one that fails
-   * ends it; those before it stay done.
+   * Changes attributes and metadata. Costs one round trip, and one more for each change. When a change fails,
+   * the changes before it are not undone and those after it are not sent.
    */
   of<void> edit (const ClipEdit &edit) const {
     const auto operation = [] (std::uint32_t server, const orva_char *clip,
@@ -359,13 +361,13 @@ public:
     };
     return this->template ask<void> (operation, clip (), detail::EditSteps (edit));
   }
-  /** Sets the value of a key; a new key goes to the end. Two round trips. */
+  /** Sets the value of a key. A new key goes to the end. Two round trips. */
   of<void> set_meta (std::string_view key, std::string_view value) const {
     ClipEdit change;
     change.metadata.emplace_back (key, std::string (value));
     return edit (change);
   }
-  /** Erases a pair. Two round trips. */
+  /** Erases a key and its value. Two round trips. */
   of<void> erase_meta (std::string_view key) const {
     ClipEdit change;
     change.metadata.emplace_back (key, std::nullopt);
@@ -376,17 +378,17 @@ private:
   std::string_view clip () const { return this->data_.name; }
 };
 
-/** A piece of a clip, and where it goes in a virtual clip. */
+/** A piece of a clip, and its place in a virtual clip. */
 struct Segment {
   std::string clip{};
   Position clip_position{}; /**< where the piece starts in its clip */
   Tracks tracks = Tracks::all;
-  Position position{}; /**< where it goes in the virtual clip */
+  Position position{}; /**< where the piece starts in the virtual clip */
   Position length{};
   std::optional<double> speed{};
 };
 
-/** A stretch of a virtual clip. */
+/** A range of a virtual clip. */
 struct Stretch {
   Tracks tracks = Tracks::all;
   Position position{};
@@ -394,8 +396,9 @@ struct Stretch {
 };
 
 /**
- * Operations on a virtual clip, which the server puts together from pieces of other clips: create(),
- * begin_changes(), changes, end_changes(), load_virtual() of a channel, and free() at the end.
+ * Operations on a virtual clip, which the server builds from pieces of other clips. Call them in this order:
+ * create(), begin_changes(), any number of changes, end_changes(), load_virtual() of a channel, and free()
+ * when the virtual clip is no longer needed. The library does not check this order.
  */
 template <class Form>
 class VirtualClipControl : public Operations<VirtualClipControl, Form, detail::ClipData> {
@@ -408,16 +411,16 @@ public:
 
   const std::string &name () const { return this->data_.name; }
 
-  /** Creates it, empty. */
+  /** Creates the virtual clip. It is empty. */
   of<void> create (Position length) const { return this->send (orva_vclip_create, vclip (), length); }
-  /** Frees it. */
+  /** Frees the virtual clip. */
   of<void> free () const { return this->send (orva_vclip_free, vclip ()); }
-  /** Opens it for changes. */
+  /** Opens the virtual clip for changes. */
   of<void> begin_changes () const { return this->send (orva_vclip_modification_start, vclip ()); }
   /** Ends the changes. */
   of<void> end_changes () const { return this->send (orva_vclip_modification_end, vclip ()); }
 
-  /** Puts a piece of a clip in. */
+  /** Puts a piece of a clip into the virtual clip. */
   of<void> add (const Segment &piece) const {
     const std::string_view clip = piece.clip;
     return piece.speed ? this->send (orva_vclip_add_segment2, vclip (), clip, piece.clip_position,
@@ -425,17 +428,17 @@ public:
                        : this->send (orva_vclip_add_segment1, vclip (), clip, piece.clip_position,
                                      piece.tracks, piece.position, piece.length);
   }
-  /** Empties a stretch. */
+  /** Clears a range. */
   of<void> clear (const Stretch &stretch) const {
     return this->send (orva_vclip_clear_segment, vclip (), stretch.tracks, stretch.position, stretch.length);
   }
-  /** Moves everything from a position on. @param distance fields, with a sign */
+  /** Moves all pieces from a position on. @param distance negative moves them towards the start */
   of<void> ripple (Position from, Position distance, Tracks tracks = Tracks::all) const {
     return this->send (orva_vclip_ripple, vclip (), tracks, from, detail::Distance{distance});
   }
-  /** Chooses the tracks that are seen and heard. */
+  /** Selects the tracks that are played. */
   of<void> enable (Tracks tracks) const { return this->send (orva_vclip_track_enable, vclip (), tracks); }
-  /** Gives tracks the configuration that they have in a clip. */
+  /** Configures tracks like those of a clip. */
   of<void> configure_as (std::string_view clip, Tracks tracks = Tracks::all) const {
     return this->send (orva_vclip_cfg_tracks, vclip (), clip, tracks);
   }

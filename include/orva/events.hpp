@@ -1,6 +1,6 @@
 /**
  * @file orva/events.hpp
- * Events of servers, each of its own type: a handler is called with them, or a queue collects them.
+ * Events of servers. Each kind has its own type. A handler is called with them, or a queue collects them.
  */
 #ifndef ORVA_EVENTS_HPP
 #define ORVA_EVENTS_HPP
@@ -31,13 +31,13 @@ namespace orva {
 
 /** The server is connected. */
 struct LinkUp {};
-/** The server is not connected. Values of channels stay what they were. */
+/** The server is not connected. The values of its channels stay as last reported. */
 struct LinkDown {};
 struct StatusChanged {
   Channel channel;
   Status status;
 };
-/** Another clip is on the channel, or none: then the name is empty. */
+/** Another clip is on the channel. The name is empty when no clip is. */
 struct ClipLoaded {
   Channel channel;
   std::string clip;
@@ -77,7 +77,7 @@ struct ClipAdded {
 struct ClipDeleted {
   std::string clip;
 };
-/** Attributes, metadata or the content of a clip have changed. */
+/** The attributes, the metadata or the content of a clip have changed. */
 struct ClipEdited {
   std::string clip;
 };
@@ -87,12 +87,13 @@ struct DirectoryAdded {
 struct DirectoryDeleted {
   std::string directory;
 };
-/** All that is to be watched is reported from now on, and there were events for its present values. Comes
- * once. */
+/** Everything in the Interest is reported from now on, and its present values were events before this one.
+ * This event comes once in each subscription. */
 struct Watching {};
-/** The server does not report what is to be watched. It is asked again each second. */
+/** The server does not report something that a subscription watches. It is asked again each second. All
+ * subscriptions of the server get this event. */
 struct WatchFailed {
-  std::string what;
+  std::string what; /**< "the clips", "the directories" or, for example, "channel A" */
   Failure failure;
 };
 
@@ -105,21 +106,21 @@ struct Event {
 
   Address server;
   What what;
-  std::chrono::steady_clock::time_point when; /**< when it was noticed */
+  std::chrono::steady_clock::time_point when; /**< when the library noticed it */
 
-  /** The event as one kind, null when it is another: `if (const auto *up = event.as<orva::LinkUp> ())`. */
+  /** The event if it is of this kind, else null: `if (const auto *up = event.as<orva::LinkUp> ())`. */
   template <class T>
   const T *as () const {
     return std::get_if<T> (&what);
   }
 };
 
-/** What to watch. The link is always watched. */
+/** What a subscription watches. It always watches the link. */
 struct Interest {
   Channels channels = Channels::all ();
-  bool positions = false; /**< each field of each channel that moves */
-  bool clips = true;      /**< clips that are added, deleted and edited */
-  bool directories = true;
+  bool positions = false;  /**< positions of channels; up to one event for each field */
+  bool clips = true;       /**< clips that are added, deleted and edited */
+  bool directories = true; /**< directories that are added and deleted */
 };
 
 namespace detail {
@@ -130,7 +131,7 @@ public:
   Slot (Interest wanted, std::function<void (const Event &)> handler)
       : interest (wanted), handler_ (std::move (handler)) {}
 
-  /** Calls the handler, unless the subscription has ended. What the handler throws is dropped. */
+  /** Calls the handler, unless the subscription has ended. Ignores what the handler throws. */
   void tell (const Event &event) {
     const std::lock_guard<std::recursive_mutex> hold (lock_);
     if (!active_)
@@ -140,7 +141,7 @@ public:
     } catch (...) {
     }
   }
-  /** Waits for a handler that is running on another thread. It is not called again. */
+  /** Ends the subscription. Waits while the handler runs on another thread. It is not called again. */
   void end () {
     const std::lock_guard<std::recursive_mutex> hold (lock_);
     active_ = false;
@@ -148,9 +149,9 @@ public:
   bool active () const { return active_; }
 
   const Interest interest;
-  // Only the watching thread uses these.
-  bool fresh = true;  ///< has had no events of the present state yet
-  bool ready = false; ///< has had the event Watching
+  // Only the thread of Watch uses these.
+  bool fresh = true;  ///< has not got the events of the present state yet
+  bool ready = false; ///< has got the event Watching
 
 private:
   std::recursive_mutex lock_; ///< held while the handler runs
@@ -162,9 +163,9 @@ private:
 enum Item : unsigned { item_clip, item_status, item_speed, item_position, item_information, item_count };
 
 /**
- * The thread that watches one server. It never waits for an answer. A helper thread sends the registrations,
- * one after the other.
- * @tparam E is Event; programs that watch nothing do not compile this
+ * The thread that watches one server. It never waits for an answer of the server. A helper thread asks for
+ * the reports, one after the other.
+ * @tparam E always Event. As a template, this is compiled only in programs that watch something.
  */
 template <class E = Event>
 class Watch : public Watcher, public std::enable_shared_from_this<Watch<E>> {
@@ -179,7 +180,7 @@ public:
     return slot;
   }
 
-  /** Ends all subscriptions and the thread, unless it is the calling one, which then ends by itself. */
+  /** Ends all subscriptions and the thread. When a handler calls this, the thread ends after the handler. */
   void stop () override {
     std::thread thread;
     std::vector<std::shared_ptr<Slot>> slots;
@@ -208,12 +209,12 @@ private:
       try {
         if (!step (core))
           return;
-      } catch (...) { // no memory for an event: the values are looked at again with the next change
+      } catch (...) { // no memory for an event, which is lost; the next change is an event again
       }
     }
   }
 
-  /** False at the end. */
+  /** Handles one notice, or what is due after a tick. Returns false when the thread must end. */
   bool step (const std::shared_ptr<Core> &core) {
     const std::uint32_t server = core->connection ();
     std::uint32_t notice = ORVA_NOTICE_NONE, channel = 0;
@@ -252,7 +253,8 @@ private:
 
   // --- Subscriptions
 
-  /** Copies the slots for this step and drops those that have ended. False at the end. */
+  /** Removes the slots that have ended, and copies the others for this step. Returns false when the thread
+   * must end. */
   bool take_slots () {
     const std::lock_guard<std::mutex> hold (lock_);
     for (std::size_t i = 0; i != slots_.size ();)
@@ -264,6 +266,7 @@ private:
     return !stopped_;
   }
 
+  /** The items of a channel that a subscription watches: bit n is Item n. */
   static std::uint32_t items (const Interest &interest, Channel channel) {
     if (!interest.channels.contains (channel))
       return 0;
@@ -283,7 +286,7 @@ private:
         tell_slot (core, *slot, what);
   }
 
-  /** A subscription begins with the present: the link, and the values that are known. */
+  /** Sends the present state to new subscriptions: the link, and the values that are known. */
   void greet (const Core &core) {
     for (const auto &slot : present_) {
       if (!slot->fresh)
@@ -318,14 +321,15 @@ private:
     }
   }
 
-  // --- What has to be asked for once
+  // --- Reports, which must be asked for once
 
   struct Question {
     Channel channel;
     Item item;
   };
 
-  /** Starts a helper for what nobody has asked for yet, if there is anything and none is at it. */
+  /** Starts a helper thread that asks for missing reports, unless one is running. Also sends the events about
+   * reports that failed. */
   void start_asking (const std::shared_ptr<Core> &core) {
     bool clips = false, directories = false;
     std::vector<Question> questions;
@@ -365,7 +369,7 @@ private:
     }
   }
 
-  /** Runs on a helper. */
+  /** Asks for reports. Runs on a helper thread. */
   void ask (Core &core, const std::vector<Question> &questions, bool clips, bool directories) {
     if (clips)
       ask_one (core, "the clips", [&] (std::uint32_t server) {
@@ -418,7 +422,8 @@ private:
     reads[item](server, channel.number (), state);
   }
 
-  /** Makes an event of each value of an item that differs from an old one, of each without an old one. */
+  /** Calls `tell` with an event for each value of an item that differs from the old one. Without old values
+   * it does so for each value. */
   template <class Tell>
   static void for_each_value (Channel channel, const ChannelState &now, const ChannelState *old, Item item,
                               Tell tell) {
@@ -445,7 +450,7 @@ private:
       tell (InputChanged{channel, now.input});
   }
 
-  /** Tells the first values of what the helper has asked for. */
+  /** Sends events of the first values of new reports. */
   void look_at_new_items (const Core &core, std::uint32_t server) {
     for (const Channel channel : Channels::all ()) {
       std::uint32_t fresh = 0;
@@ -459,13 +464,14 @@ private:
     }
   }
 
-  /** Looks at an item that has changed. What nobody watches is left alone: asking for it could wait. */
+  /** Sends events for an item that has changed. Does nothing when nobody watches the item, because a query
+   * could wait. */
   void look (const Core &core, std::uint32_t server, Channel channel, Item item) {
     if (channel.valid () && (told_[channel.number ()] & 1u << item) != 0)
       tell_item (core, server, channel, item, false);
   }
 
-  /** Tells a subscription that all it is interested in is reported. */
+  /** Sends Watching to each subscription whose whole Interest is reported. */
   void tell_ready (const Core &core) {
     bool clips = false, directories = false;
     {
@@ -535,7 +541,7 @@ private:
     }
   }
 
-  std::mutex lock_; // guards what follows, up to the blank line
+  std::mutex lock_; // guards the members up to the blank line
   std::vector<std::shared_ptr<Slot>> slots_;
   std::thread thread_;
   bool stopped_ = false;
@@ -543,14 +549,14 @@ private:
   Clock::time_point next_asking_;
   bool clips_tracked_ = false;
   bool directories_tracked_ = false;
-  std::array<std::uint32_t, 8> known_items_{}; ///< what the library answers from memory
+  std::array<std::uint32_t, 8> known_items_{}; ///< by channel: items that queries return without traffic
   std::vector<WatchFailed> failed_;
 
-  // The watching thread's own.
+  // Only the thread of Watch uses these.
   std::vector<std::shared_ptr<Slot>> present_;
   bool link_known_ = false;
   bool up_ = false;
-  std::array<std::uint32_t, 8> told_{}; ///< what known_ holds
+  std::array<std::uint32_t, 8> told_{}; ///< by channel: items of known_ that have values
   std::array<ChannelState, 8> known_;
   Clock::time_point next_names_;
 };
@@ -579,7 +585,7 @@ std::shared_ptr<Slot> subscribe (const std::shared_ptr<Core> &core, Interest int
 
 } // namespace detail
 
-/** Keeps a handler subscribed. Once it is destroyed, the handler does not run and is not called again. */
+/** Keeps a handler subscribed. The destructor ends the subscription, as end() does. */
 class [[nodiscard]] Subscription {
 public:
   Subscription () = default;
@@ -594,7 +600,8 @@ public:
     return *this;
   }
 
-  /** Waits for a handler that runs on another thread. May be called by the handler itself. */
+  /** Ends the subscription: the handler is not called again. Waits while the handler runs on another thread.
+   * The handler itself may call this too. */
   void end () {
     if (slot_)
       slot_->end ();
@@ -616,22 +623,24 @@ class Server;
  *     for (const orva::Event &event : queue)
  *       ...
  *
- * The queue keeps all events until they are taken, except that it keeps only the last position of each
- * channel. Any thread may use it.
+ * The queue keeps all events until they are taken. Positions are the exception: a new position replaces one
+ * of the same channel that is still in the queue, at the same place. Any number of threads may use a queue.
  */
 template <class E>
 class QueueOf {
 public:
-  /** Adds the events of a server from now on, beginning with the present. The server may go before it. */
+  /** Collects the events of a server from now on. They begin with its present state. The server may be
+   * destroyed before the queue. */
   void watch (const Server &server, Interest interest = {});
 
-  /** Takes the next event; none when the limit has passed, or when the queue is closed and empty. */
+  /** Waits for an event and takes it. Returns no value when the limit has passed, or when the queue is closed
+   * and empty. */
   std::optional<E> next (Limit limit = no_limit) { return state_->next (limit); }
 
-  /** Ends the loops over the queue, from any thread; they first get what is in it. */
+  /** Closes the queue. It accepts no more events. Loops over it take the events that are left, and end. */
   void close () { state_->close (); }
 
-  /** Goes over the events as they come, until the queue is closed. */
+  /** Takes one event after the other, until the queue is closed and empty. */
   class iterator {
   public:
     using iterator_category = std::input_iterator_tag;
@@ -697,7 +706,7 @@ private:
       const void *server;
       E event;
     };
-    /** Puts a position in the place of an older one of the same channel. */
+    /** Replaces an older position of the same channel. Returns false when there is none. */
     bool replace (const void *server, const E &event) {
       const PositionChanged *const now = event.template as<PositionChanged> ();
       if (now == nullptr)
@@ -723,7 +732,7 @@ private:
   std::vector<Subscription> subscriptions_; ///< guarded by lock_
 };
 
-/** The queue for events; programs without one do not compile it. */
+/** A queue of events. It is a template, so that only programs that use it compile it. */
 using EventQueue = QueueOf<Event>;
 
 } // namespace orva

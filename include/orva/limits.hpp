@@ -10,21 +10,23 @@
 #include <condition_variable>
 #include <memory>
 #include <mutex>
-#include <utility>
 #include <vector>
 
 namespace orva {
 
-/** How long to wait. Every std::chrono duration with whole numbers fits, up to 292 years. Use no_limit to
- * wait for ever. A limit of 0 or less has passed at once. */
+/**
+ * How long to wait. Durations of std::chrono that count whole nanoseconds, milliseconds, seconds and so on
+ * convert to it. A limit of more than 50 years is the same as no_limit. A limit of 0 or less has passed
+ * before the wait begins.
+ */
 using Limit = std::chrono::nanoseconds;
 
-/** To wait for ever. */
+/** Waits for ever. */
 inline constexpr Limit no_limit = Limit::max ();
 
 namespace detail {
 
-/** The moment at which a limit has passed. */
+/** The moment at which a limit passes. */
 class Deadline {
 public:
   using Clock = std::chrono::steady_clock;
@@ -35,6 +37,7 @@ public:
 
   bool never () const { return never_; }
   bool passed () const { return !never_ && Clock::now () >= at_; }
+  /** Only when never() is false. */
   Clock::time_point at () const { return at_; }
   Limit left () const { return never_ ? no_limit : std::max (Limit (0), Limit (at_ - Clock::now ())); }
 
@@ -43,7 +46,7 @@ private:
   Clock::time_point at_;
 };
 
-/** A caller that waits for an operation on another thread. Its members are guarded by its lock. */
+/** A caller that waits for an operation on another thread. The lock guards all members. */
 struct Waiter {
   enum class State { waiting, started, done, given_up };
 
@@ -53,7 +56,7 @@ struct Waiter {
   bool cancelled = false;
 };
 
-/** What the copies of a Cancel share. */
+/** The state that the copies of a Cancel share. */
 class CancelState {
 public:
   void cancel () {
@@ -73,7 +76,7 @@ public:
     const std::lock_guard<std::mutex> hold (lock_);
     return cancelled_;
   }
-  /** False, and the waiter is not entered, when it has been cancelled before. */
+  /** Adds a waiter. Returns false, and does not add it, when cancel() has been called before. */
   bool enter (const std::shared_ptr<Waiter> &waiter) {
     const std::lock_guard<std::mutex> hold (lock_);
     if (!cancelled_)
@@ -94,21 +97,21 @@ private:
 } // namespace detail
 
 /**
- * Ends waits from another thread. Copies share one state, which stays cancelled. May be used by any number of
- * operations and threads at a time.
+ * Ends waits from another thread. Copies share one state. Once cancelled, it stays cancelled. Any number of
+ * operations and threads may use it at the same time.
  *
  *     orva::Cancel stop;
  *     std::thread worker ([&] { server.cancelled_by (stop).channel (orva::A).play (); });
- *     stop.cancel ();      // play() throws orva::cancelled, unless it has ended before
+ *     stop.cancel ();      // play() throws orva::cancelled, unless it has returned before
  */
 class Cancel {
 public:
   Cancel () = default;
-  // To move one is to copy it, so that every object stays usable.
+  // Only copies, no moves: an object that was moved from stays usable.
   Cancel (const Cancel &) = default;
   Cancel &operator= (const Cancel &) = default;
 
-  /** Operations with this object fail with Kind::cancelled, those that run now and all later ones. */
+  /** Makes operations with this object fail with Kind::cancelled: those that wait now, and all later ones. */
   void cancel () const { state_->cancel (); }
   bool cancelled () const { return state_->cancelled (); }
 

@@ -1,6 +1,6 @@
 /**
  * @file orva/position.hpp
- * Positions and lengths, and how they are counted and written: fields, frames, timecode, time.
+ * Positions and lengths in fields, and their conversion to frames, timecode and time.
  */
 #ifndef ORVA_POSITION_HPP
 #define ORVA_POSITION_HPP
@@ -9,6 +9,7 @@
 #include "values.hpp"
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -44,29 +45,30 @@ enum class Standard : std::uint32_t {
   i525_59_94 = ORVA_STANDARD_525_59_94I
 };
 
-/** How fields are counted as timecode, and how long they take. */
+/** Converts fields to timecode and time. */
 class Timebase {
 public:
   /**
    * @param rate how many fields pass in a second, two to a frame
-   * @param drop_frame whether timecode leaves out numbers to stay with the clock; only 59.94 can
-   * @param certain whether the rate is known to be that of the server; see Video::timebase()
+   * @param drop_frame whether timecode leaves out frame numbers, so that it agrees with the clock. It has an
+   *   effect at 59.94 only.
+   * @param certain false when the server may run at another rate; see Video::timebase()
    */
   constexpr Timebase (Rate rate, bool drop_frame, bool certain = true)
       : rate_ (rate), drop_frame_ (drop_frame && rate == Rate::hz_59_94), certain_ (certain) {}
-  /** With drop frame where the rate has it. */
+  /** With drop frame at 59.94, without it at other rates. */
   constexpr Timebase (Rate rate) : Timebase (rate, true) {}
 
   constexpr Rate rate () const { return rate_; }
   constexpr bool drop_frame () const { return drop_frame_; }
-  /** False when the server may run at a rate that the library cannot tell. */
+  /** False when the server may run at a rate that the library does not know. */
   constexpr bool certain () const { return certain_; }
 
-  /** The number of frame numbers in a second of timecode: 30, 25 or 24. */
+  /** How many frames timecode counts in a second: 30, 25 or 24. */
   constexpr std::int64_t frames_per_second () const {
     return rate_ == Rate::hz_50 ? 25 : rate_ == Rate::hz_48 || rate_ == Rate::hz_47_95 ? 24 : 30;
   }
-  /** How long so many fields take. */
+  /** How long a number of fields takes. */
   constexpr std::chrono::nanoseconds time (std::int64_t fields) const {
     const bool slow = rate_ == Rate::hz_59_94 || rate_ == Rate::hz_47_95;
     const std::int64_t rate = frames_per_second () * 2;
@@ -81,8 +83,8 @@ private:
 };
 
 /**
- * A count of fields, two to a frame: a position, a length, or the distance of two positions. Plain numbers
- * are fields. Operations refuse a negative one, unless they take a distance.
+ * A count of fields, two to a frame: a position, a length, or the distance between two positions. A plain
+ * number converts to it. Operations refuse a negative position, unless they take a distance.
  */
 class Position {
 public:
@@ -92,11 +94,10 @@ public:
   static constexpr Position from_frames (std::int64_t frames) { return Position (frames * 2); }
 
   /**
-   * Reads a timecode: "10:00:00:12", with a ";" in front of the frames for drop frame, and ".5" behind them
-   * for the second field.
-   * @return Kind::invalid for a text that is none, a number that the rate does not have, a count in drop
-   *   frame at a rate without it, and a number that drop frame leaves out. A ":" in front of the frames is
-   *   taken for a ";" on a drop frame time base.
+   * Reads a timecode such as "10:00:00:12". Drop frame has a ";" before the frames; a ":" is accepted too. A
+   * ".5" at the end means the second field of the frame.
+   * @return Kind::invalid for a text that is not a timecode, for a ";" without drop frame, for a frame number
+   *   that the rate does not have, and for one that drop frame leaves out.
    */
   static result<Position> parse (std::string_view text, const Timebase &base);
 
@@ -104,12 +105,12 @@ public:
   /** Whole frames, rounded down. */
   constexpr std::int64_t frames () const { return (fields_ - (fields_ & 1)) / 2; }
   constexpr bool second_field () const { return (fields_ & 1) != 0; }
-  /** Whether it is a position that the server can have. */
+  /** Whether it can be sent as a position or length: 0 to 4294967295 fields. */
   constexpr bool valid () const { return fields_ >= 0 && fields_ <= 0xFFFFFFFF; }
 
-  /** The timecode, as parse() reads it; a "-" stands in front of a negative distance. Hours do not wrap. */
+  /** The timecode in the form that parse() reads. A negative distance begins with "-". Hours do not wrap. */
   std::string text (const Timebase &base) const;
-  /** How long so many fields take. */
+  /** How long this number of fields takes. */
   constexpr std::chrono::nanoseconds time (const Timebase &base) const { return base.time (fields_); }
 
   friend constexpr Position operator+ (Position a, Position b) { return Position (a.fields_ + b.fields_); }
@@ -127,11 +128,11 @@ private:
 
 namespace detail {
 
-/** Drop frame leaves out the numbers 0 and 1 at the start of each minute that is not a tenth one. */
+/** Drop frame leaves out frame numbers 0 and 1 at the start of each minute, except every tenth minute. */
 inline constexpr std::int64_t drop_frames_in_ten_minutes = 17982;
 inline constexpr std::int64_t drop_frames_in_minute = 1798;
 
-/** The number that timecode gives to a frame. */
+/** The number of a frame in timecode, with the numbers that drop frame leaves out. */
 constexpr std::int64_t frame_number (std::int64_t frame, const Timebase &base) {
   if (!base.drop_frame ())
     return frame;
@@ -140,7 +141,7 @@ constexpr std::int64_t frame_number (std::int64_t frame, const Timebase &base) {
   return frame + tens * 18 + (rest < 1800 ? 0 : (rest - 1800) / drop_frames_in_minute * 2 + 2);
 }
 
-/** Reads so many digits at the front of a text and takes them away. @return -1 when there are none */
+/** Removes at most `most` digits from the front of a text. @return their value, -1 when there are none */
 inline std::int64_t take_number (std::string_view &text, std::size_t most) {
   std::int64_t value = 0;
   std::size_t count = 0;
@@ -150,6 +151,7 @@ inline std::int64_t take_number (std::string_view &text, std::size_t most) {
   return count == 0 ? -1 : value;
 }
 
+/** Removes the first character of a text when it is one of these. @return whether it was */
 inline bool take_one_of (std::string_view &text, std::string_view characters) {
   if (text.empty () || characters.find (text.front ()) == std::string_view::npos)
     return false;
@@ -196,22 +198,21 @@ inline result<Position> Position::parse (std::string_view text, const Timebase &
   return Position (frames * 2 + (half ? 1 : 0));
 }
 
-/** What a server says of its video. */
+/** The video format of a server. */
 struct Video {
   Standard standard = Standard::i1080_60;
   Rate rate = Rate::hz_60;
   Resolution resolution = Resolution::i1080;
 
   /**
-   * Whether the library can tell this standard. It returns a standard, rate or resolution that it does not
-   * know, such as 4K and progressive 1080, as the first one. So the first standard with another rate is
-   * certainly an unknown standard. With the first rate it is either 1080i at 60 or an unknown standard, at a
-   * rate of 60 or of 30 and less.
+   * Whether `standard` is certainly the standard of the server. The library returns a standard that it does
+   * not know, such as 4K or progressive 1080, as i1080_60. It also returns a rate that it does not know, such
+   * as 29.97, as hz_60. So i1080_60 may be an unknown standard. It certainly is one when `rate` is not hz_60.
    */
   bool standard_certain () const { return standard != Standard::i1080_60; }
-  /** Whether the rate is that of the server. */
+  /** Whether `rate` is certainly the rate of the server. */
   bool rate_certain () const { return standard_certain () || rate != Rate::hz_60; }
-  /** How positions of this server are counted; its certain() says whether to believe it. */
+  /** The time base of this server, with drop frame at 59.94. Its certain() is rate_certain(). */
   Timebase timebase () const { return {rate, true, rate_certain ()}; }
 };
 

@@ -1,6 +1,6 @@
 /**
  * @file orva/result.hpp
- * What went wrong: kinds of failures, an exception for each, and a value that may be a failure instead.
+ * Failures of operations: their kinds, an exception for each kind, and a result that is a value or a failure.
  */
 #ifndef ORVA_RESULT_HPP
 #define ORVA_RESULT_HPP
@@ -13,16 +13,16 @@
 
 namespace orva {
 
-/** Why an operation did not do what it was asked to do. */
+/** Why an operation has failed. */
 enum class Kind {
-  invalid,       /**< an argument is not usable, or the object is closed; nothing was sent */
+  invalid,       /**< a bad argument, or a closed object; nothing was sent */
   not_connected, /**< the link was down before the operation; nothing was sent */
   link_lost,     /**< the link went down before the answer; the outcome is unknown */
-  refused,       /**< the server said no; the text is the server's own */
+  refused,       /**< the server refused it; the text is the server's own */
   timed_out,     /**< the limit passed before the answer; the outcome is unknown */
   cancelled,     /**< another thread cancelled the operation; the outcome is unknown */
   unsupported,   /**< this version of the library cannot do it; nothing was sent */
-  internal       /**< the library or the system ran out of memory or threads; the outcome is unknown */
+  internal       /**< no memory, no thread, or a fault in the library; the outcome is unknown */
 };
 
 /** A failure as a value: its kind, and a text for people. */
@@ -30,7 +30,7 @@ struct Failure {
   Kind kind;
   std::string text;
 
-  /** Whether the server may or may not have carried out the operation. It is never repeated by itself. */
+  /** True when the server may have carried out the operation. The library never repeats it by itself. */
   bool outcome_unknown () const noexcept {
     return kind == Kind::link_lost || kind == Kind::timed_out || kind == Kind::cancelled ||
            kind == Kind::internal;
@@ -40,13 +40,13 @@ struct Failure {
   [[noreturn]] void raise () const;
 };
 
-/** The base of all exceptions of this library. */
+/** The base class of the exceptions for all failures. */
 class error : public std::runtime_error {
 public:
   explicit error (const Failure &failure) : std::runtime_error (failure.text), kind_ (failure.kind) {}
   Kind kind () const noexcept { return kind_; }
   Failure failure () const { return {kind_, what ()}; }
-  /** As Failure::outcome_unknown(). */
+  /** The same as Failure::outcome_unknown(). */
   bool outcome_unknown () const { return failure ().outcome_unknown (); }
 
 private:
@@ -117,7 +117,7 @@ inline void Failure::raise () const {
 }
 
 /**
- * A value, or the failure that took its place.
+ * The result of an operation: a value, or a failure.
  *
  *     if (const auto name = server.nothrow ().name ())
  *       print (*name);
@@ -133,7 +133,7 @@ public:
   bool has_value () const noexcept { return content_.index () == 0; }
   explicit operator bool () const noexcept { return has_value (); }
 
-  /** The value. @throws the exception of the failure when there is none */
+  /** The value. @throws the exception of the failure when there is no value */
   const T &value () const & {
     check ();
     return *std::get_if<0> (&content_);
@@ -152,10 +152,10 @@ public:
   const T *operator->() const { return &value (); }
   T *operator->() { return &value (); }
 
-  /** The value, or another when there is none. */
+  /** The value, or `otherwise` for a failure. */
   T value_or (T otherwise) const & { return has_value () ? value () : std::move (otherwise); }
 
-  /** The failure. Only for a result without a value. */
+  /** The failure. @throws std::bad_variant_access when there is a value */
   const Failure &failure () const { return std::get<1> (content_); }
 
 private:
@@ -167,7 +167,7 @@ private:
   std::variant<T, Failure> content_;
 };
 
-/** Success without a value, or a failure. */
+/** The result of an operation without a value: success, or a failure. */
 template <>
 class [[nodiscard]] result<void> {
 public:
@@ -182,7 +182,7 @@ public:
     if (failure_)
       failure_->raise ();
   }
-  /** The failure. Only for a result that is not success. */
+  /** The failure. @throws std::bad_optional_access after success */
   const Failure &failure () const { return failure_.value (); }
 
 private:

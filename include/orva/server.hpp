@@ -1,6 +1,6 @@
 /**
  * @file orva/server.hpp
- * A server: its connection, and the groups of operations on it.
+ * A server: its connection, its operations, and the groups of further operations.
  */
 #ifndef ORVA_SERVER_HPP
 #define ORVA_SERVER_HPP
@@ -17,8 +17,10 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -28,9 +30,9 @@ namespace orva {
 struct Disk {
   std::uint64_t total = 0;
   std::uint64_t available = 0;
-  std::uint32_t field_size = 0; /**< what one field takes */
+  std::uint32_t field_size = 0; /**< the space that one field takes */
 };
-/** Disk space as time that can be recorded. */
+/** Disk space as recording time, in whole frames. */
 struct DiskTime {
   Position total;
   Position available;
@@ -42,20 +44,20 @@ struct ServerData {
   Context context;
 };
 
-/** What a Server has that was moved away. */
+/** The core of a Server object that was moved from. */
 inline const std::shared_ptr<Core> &closed_core () {
   static const std::shared_ptr<Core> core = std::make_shared<Core> ();
   return core;
 }
 
-/** A question that many may wait for; see ServerControl::healthy(). */
+/** A question that several callers may wait for; see ServerControl::healthy(). */
 using Probe = RemoteCall<std::uint32_t>;
 
 inline std::uint32_t probe_question (std::uint32_t server, std::uint32_t &rate) {
   return orva_video_frequency (server, &rate);
 }
 
-/** The question that is under way, or a new one; null when the system cannot start a thread for it. */
+/** The question that is not answered yet, or a new one. Null when the system cannot start a thread for it. */
 inline std::shared_ptr<Probe> probe_of (const std::shared_ptr<Core> &core) {
   const std::lock_guard<std::mutex> hold_core (core->probe_lock);
   if (const auto running = std::static_pointer_cast<Probe> (core->probe.lock ())) {
@@ -97,8 +99,7 @@ std::uint32_t read_word (std::uint32_t (*get) (std::uint32_t, std::uint32_t *), 
 
 } // namespace detail
 
-/** Operations on a server. They are members of Server; this is what `server.nothrow ()` and the like return.
- */
+/** Operations on a server. Server inherits them. nothrow(), async() and so on return this group. */
 template <class Form>
 class ServerControl : public Operations<ServerControl, Form, detail::ServerData> {
   using Base = Operations<ServerControl, Form, detail::ServerData>;
@@ -108,12 +109,12 @@ public:
   template <class T>
   using of = typename Base::template of<T>;
 
-  // --- Groups of operations. Making one costs nothing and sends nothing.
+  // --- Groups of operations. Making one is cheap and sends nothing.
 
   ChannelControl<Form> channel (Channel channel) const {
     return ChannelControl<Form> ({this->context (), channel});
   }
-  /** Several channels at once, on one field: a gang. */
+  /** A gang: several channels, which act on the same field. */
   GangControl<Form> channels (Channels channels) const {
     return GangControl<Form> ({this->context (), channels});
   }
@@ -124,9 +125,9 @@ public:
     return VirtualClipControl<Form> ({this->context (), std::string (name)});
   }
   /**
-   * Opens a store and, in a mode that reads, has its folder downloaded in the background. Works while the
-   * server is away, too. Costs one thread in a mode that writes.
-   * @param prefix of the keys on the server; part of no key here
+   * Opens a store, also while the server is not connected. A mode that reads downloads the folder in the
+   * background. A mode that writes costs one thread.
+   * @param prefix what all keys of this store begin with on the server. The keys here are without it.
    */
   of<StoreControl<Form>> store (std::string_view folder, StoreMode mode, std::string_view prefix = "") const {
     using Control = StoreControl<Form>;
@@ -158,9 +159,9 @@ public:
   // --- The connection
 
   Address address () const { return this->context ().core->address (); }
-  /** Whether the server is connected at this moment. No traffic, no wait. */
+  /** Whether the server is connected at this moment. Sends nothing and does not wait. */
   bool connected () const { return this->context ().core->connected (); }
-  /** Waits until the server is connected. Fails with Kind::timed_out after the limit, as every operation. */
+  /** Waits until the server is connected. Fails with Kind::timed_out when the limit has passed. */
   of<void> wait_until_connected () const {
     return this->template deliver<void> ([context = this->context ()] {
       return detail::look_until<void> (context, [&] () -> std::optional<result<void>> {
@@ -169,27 +170,28 @@ public:
     });
   }
   /**
-   * Whether the server answers a question within a limit. The link to a frozen server may still be up, so
-   * connected() does not show this. While a question is unanswered no other one is sent, so this may be
-   * called again and again.
+   * Whether the server answers a question within a limit. connected() does not show this, because the link to
+   * a frozen server may stay up. While a question is not answered, no other one is sent. So it costs little
+   * to call this often.
+   * @param limit of this call. The limit of the server and cancelled_by() have no effect.
    */
   of<bool> healthy (Limit limit = std::chrono::seconds (1)) const {
     return this->template deliver<bool> (
         [core = this->context ().core, limit] () -> result<bool> { return detail::answers (core, limit); });
   }
-  /** How many calls are running on threads of this object: calls with a limit, including those that are
-   * stuck. */
+  /** The number of calls on helper threads of this server, such as calls with a limit and calls of the async
+   * form. It includes calls whose callers no longer wait. */
   std::size_t calls_under_way () const { return this->context ().core->helpers->busy (); }
 
   /**
-   * With true, commands return as soon as they are sent and their outcome is lost; questions still wait for
-   * their answers. With false, the state of a new server, commands wait too. Holds for all users of this
-   * connection.
+   * Chooses whether commands wait for their answers. With true they return as soon as they are sent, and
+   * their outcome is lost. With false they wait; this is the state of a new server. Operations that return a
+   * value always wait. The choice applies to all users of this connection.
    */
   void ignore_answers (bool ignore) const {
     orva_synchronous (this->context ().core->connection (), ignore ? 1 : 0);
   }
-  /** Waits until no command is unanswered: for those that were sent without waiting. */
+  /** Waits until all commands are answered, including those that were sent without waiting. */
   of<void> wait_for_answers () const {
     return this->template deliver<void> ([context = this->context ()] {
       return detail::perform<void> (context, false, [] (std::uint32_t server) -> std::uint32_t {
@@ -211,7 +213,7 @@ public:
   }
   of<void> create_directory (std::string_view name) const { return this->send (orva_create_directory, name); }
 
-  // --- What the server says of itself. Each is one round trip or more; nothing is cached.
+  // --- Information about the server. Each operation costs one round trip or more. Nothing is cached.
 
   of<std::string> name () const {
     return this->template ask<std::string> ([] (std::uint32_t server, std::string &name) {
@@ -219,7 +221,7 @@ public:
                                 name);
     });
   }
-  /** Standard, rate and resolution: three round trips. See Video for what the library cannot tell. */
+  /** Standard, rate and resolution. Three round trips. See Video for unknown standards. */
   of<Video> video () const {
     return this->template ask<Video> ([] (std::uint32_t server, Video &video) -> std::uint32_t {
       detail::must (detail::read_word (orva_video_standard, server, video.standard));
@@ -232,7 +234,7 @@ public:
       return orva_disk_usage1 (server, &disk.total, &disk.available, &disk.field_size);
     });
   }
-  /** As time that can be recorded, in whole frames. */
+  /** The disk space as recording time. */
   of<DiskTime> disk_time () const {
     return this->template ask<DiskTime> ([] (std::uint32_t server, DiskTime &time) {
       std::uint32_t total = 0, available = 0;
@@ -247,13 +249,16 @@ public:
   /**
    * Calls a handler for each event, until the subscription or the server is destroyed. The first events are
    * the present state: LinkUp or LinkDown, and each watched value as soon as it is known. After that there is
-   * an event when a value, a clip or a directory has changed. Changes that come close together may become one
-   * event: a value has its last state then, and a clip that is added and soon deleted is only ClipDeleted.
-   * Handlers of one server run one after the other on a thread of its own, which starts with the first
-   * subscription. They may use the server, but delay its other handlers. What they throw is dropped. There is
-   * no event for a link that is lost for less than 20 ms, nor for what happens to clips and directories while
-   * the link is down.
-   * @throws invalid when the server is closed, internal when the system cannot start a thread; in every form
+   * an event when a value, a clip or a directory has changed.
+   *
+   * Changes that come close together may become one event. For a value it has the last state. A clip that is
+   * added and soon deleted is only ClipDeleted. There may be no event for a link that is lost for less than
+   * 20 ms. There is none for changes of clips and directories while the link is down.
+   *
+   * The handlers of one server run one after the other, on a thread that starts with the first subscription.
+   * They may use the server, but a slow handler delays the others. Exceptions of handlers are ignored.
+   * @throws invalid when the server is closed or a channel is bad, internal when the system cannot start a
+   *   thread. All forms throw them.
    */
   Subscription on_event (std::function<void (const Event &)> handler, Interest interest = {}) const {
     return Subscription (detail::subscribe<> (this->context ().core, interest, std::move (handler)));
@@ -282,7 +287,7 @@ private:
 
 /** How a server is opened. */
 struct Options {
-  /** How long each operation may take, unless it is given another limit; no_limit to wait for ever. */
+  /** The limit of each operation without a limit of its own. With no_limit they wait for ever. */
   Limit limit = std::chrono::seconds (10);
 };
 
@@ -294,14 +299,14 @@ struct Options {
  *     server.channel (orva::A).load ("NEWS/OPENER");
  *     server.channel (orva::A).play (1.0);
  *
- * Any number of threads may use it at a time. It must not be moved, closed or destroyed meanwhile.
+ * Any number of threads may use it at the same time. It must not be moved or destroyed meanwhile.
  */
 class Server : public ServerControl<throwing> {
 public:
-  /** Opens a connection. Returns at once. @throws invalid for a bad address, internal without memory */
+  /** Opens a connection and returns at once. @throws invalid for a bad address, internal without memory */
   explicit Server (Address address, Options options = {}) : Server (open (address, options).value ()) {}
 
-  /** The same without exceptions. */
+  /** The same, with a result instead of an exception. */
   static result<Server> open (Address address, Options options = {}) {
     if (!address.valid ())
       return Failure{Kind::invalid, "An address is four numbers from 0 to 255, as in 10.0.0.5"};
@@ -326,9 +331,9 @@ public:
   }
 
   /**
-   * Closes the connection. No operation starts from now on, and no handler runs. Calls under way end when the
-   * server answers or the link is lost. This waits for a running handler, and for 20 ms if anything is
-   * watched, but never for the server.
+   * Closes the connection. From now on no operation starts and no handler is called. Running calls end when
+   * the server answers or the link is lost. This waits until a running handler has returned, and up to 20 ms
+   * when there was a subscription. It never waits for the server.
    */
   void close () {
     const std::shared_ptr<detail::Core> core = data_.context.core;
@@ -342,7 +347,7 @@ public:
       watch->stop ();
   }
 
-  /** Sets the limit of all operations that are not given one, from now on. */
+  /** Sets the limit of all operations without a limit of their own, from now on. */
   void set_limit (Limit limit) { data_.context.core->limit = limit.count (); }
 
 private:
@@ -358,7 +363,7 @@ void QueueOf<E>::watch (const Server &server, Interest interest) {
   subscriptions_.push_back (server.on_event (std::move (put), interest));
 }
 
-/** Waits until one of several servers is connected. @return null when the limit has passed */
+/** Waits until one of several servers is connected. @return that server, or null when the limit has passed */
 inline const Server *wait_any (const std::vector<const Server *> &servers, Limit limit = no_limit) {
   const detail::Deadline deadline (limit);
   for (;;) {
@@ -371,7 +376,7 @@ inline const Server *wait_any (const std::vector<const Server *> &servers, Limit
   }
 }
 
-/** Waits until all of several servers are connected. @return false when the limit has passed */
+/** Waits until each of several servers has been connected. @return false after the limit */
 inline bool wait_all (const std::vector<const Server *> &servers, Limit limit = no_limit) {
   const detail::Deadline deadline (limit);
   for (const Server *const server : servers) {

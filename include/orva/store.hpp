@@ -1,6 +1,6 @@
 /**
  * @file orva/store.hpp
- * Key-value stores that the server keeps and that any number of processes share.
+ * Key-value stores. The server keeps their keys, and any number of processes may use them.
  */
 #ifndef ORVA_STORE_HPP
 #define ORVA_STORE_HPP
@@ -19,15 +19,15 @@
 
 namespace orva {
 
-/** What became of a key. */
+/** A change of a key. */
 struct StoreChange {
   std::string key;
-  std::optional<std::string> value; /**< none for a key that was erased */
+  std::optional<std::string> value; /**< no value when the key was erased */
 };
 
 namespace detail {
 
-/** An open store. It is closed with the last object that uses it. */
+/** An open store. The destructor of the last object that uses it closes it. */
 class OpenStore {
 public:
   OpenStore (std::shared_ptr<Helpers> helpers, std::uint32_t handle)
@@ -38,8 +38,11 @@ public:
 
   std::uint32_t handle () const { return handle_; }
 
-  /** The C function takes up to 12 s. It may never return when the server does not answer, and then its
-   * helper thread stays too. */
+  /**
+   * Closes the store and waits up to 13 s. The C function takes up to 12 s, or never returns when the server
+   * does not answer. Then its helper thread stays too. When the system cannot start a helper thread, this
+   * calls the C function directly and waits until it returns.
+   */
   void close () {
     const std::uint32_t handle = handle_.exchange (0);
     if (handle == 0)
@@ -65,11 +68,11 @@ struct StoreData {
   std::shared_ptr<OpenStore> store;
 };
 
-/** How long one call waits for a change. It is also how late the end of a wait by another thread is noticed.
- */
+/** How long one call of the library waits, in milliseconds. A wait notices within this time that another
+ * thread has cancelled it or has closed the server. */
 inline constexpr std::uint32_t store_look_ms = 10;
 
-/** Waits in short pieces. @param look takes a time in milliseconds and returns a code */
+/** Waits with many short calls. @param look takes a time in milliseconds and returns a result code */
 template <class Look>
 result<void> wait_in_store (const Context &context, Look look) {
   return look_until<void> (context, [&] () -> std::optional<result<void>> {
@@ -84,13 +87,14 @@ result<void> wait_in_store (const Context &context, Look look) {
 } // namespace detail
 
 /**
- * A store: a view of the keys with one prefix in a metadata database of the server, which is called a folder.
- * `server.store ("folder", orva::StoreMode::read_write)` opens it, and it is closed with its last copy. What
- * is set and erased is sent in the background, again and again until the server has accepted it. A store
- * outlives the loss of the link. Destroy it before its server, or what is pending may be lost.
+ * A store. It gives access to the keys with one prefix in a folder, which is a metadata database of the
+ * server. `server.store ("folder", orva::StoreMode::read_write)` opens it. The destructor of its last copy
+ * closes it. Changes are sent in the background, again and again until the server has accepted them. A store
+ * continues to work after the loss of a link. Destroy it before its server: without the server its operations
+ * fail, and changes that are not sent yet may be lost.
  *
- * Closing waits up to 2 s until what is pending has been sent. It takes 13 s at most, whatever the server
- * does.
+ * Closing a store waits up to 2 s until all changes have been sent. Altogether it takes 13 s at most, unless
+ * the system cannot start a thread.
  */
 template <class Form>
 class StoreControl : public Operations<StoreControl, Form, detail::StoreData> {
@@ -101,7 +105,7 @@ public:
   template <class T>
   using of = typename Base::template of<T>;
 
-  /** Sets a key. Returns at once; flush() waits until the server has it. */
+  /** Sets a key. Returns at once. flush() waits until the server has accepted it. */
   of<void> set (std::string_view key, std::string_view value) const {
     const auto operation = [store = this->data_.store] (std::uint32_t, const orva_char *name,
                                                         const orva_char *text) {
@@ -109,14 +113,14 @@ public:
     };
     return this->template ask_library<void> (operation, key, value);
   }
-  /** Erases a key. Returns at once. */
+  /** Erases a key. Returns at once. flush() waits until the server has accepted it. */
   of<void> erase (std::string_view key) const {
     const auto operation = [store = this->data_.store] (std::uint32_t, const orva_char *name) {
       return orva_kvstore_erase (store->handle (), name);
     };
     return this->template ask_library<void> (operation, key);
   }
-  /** Waits until the server has accepted all that is pending. After Kind::timed_out sending goes on. */
+  /** Waits until the server has accepted all changes. After Kind::timed_out they are still sent. */
   of<void> flush () const {
     return this->template deliver<void> ([data = this->data_] {
       return detail::wait_in_store (data.context, [&] (std::uint32_t time) {
@@ -124,7 +128,7 @@ public:
       });
     });
   }
-  /** Waits until the folder has been downloaded. Then next_change() returns all that is in it. */
+  /** Waits until the folder has been downloaded. Then next_change() returns each of its keys. */
   of<void> wait_loaded () const {
     return this->template deliver<void> ([data = this->data_] {
       return detail::wait_in_store (data.context, [&] (std::uint32_t time) {
@@ -133,9 +137,9 @@ public:
     });
   }
   /**
-   * Waits for a change and takes it; none when the limit has passed, which is 10 s unless another is set.
-   * `within (no_limit)` waits for ever, `within (0ms)` only looks. Each change goes to one of the threads
-   * that wait.
+   * Waits for a change and takes it. Returns no value when the limit has passed, which is 10 s unless another
+   * one is set. `within (no_limit)` waits for ever. `within (0ms)` does not wait. Each change goes to one of
+   * the waiting threads.
    */
   of<std::optional<StoreChange>> next_change () const {
     using Change = std::optional<StoreChange>;

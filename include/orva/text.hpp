@@ -1,6 +1,6 @@
 /**
  * @file orva/text.hpp
- * Conversions between the UTF-8 of callers and the UTF-16 of the C functions, strict in both directions.
+ * Conversions between the UTF-8 of callers and the UTF-16 of the C functions. Both refuse invalid text.
  */
 #ifndef ORVA_TEXT_HPP
 #define ORVA_TEXT_HPP
@@ -16,7 +16,7 @@
 
 namespace orva::detail {
 
-/** Decodes the character at the start of bytes that are not empty. @return its length, 0 when it is bad */
+/** Decodes the first character. @param bytes not empty @return its length in bytes, 0 when it is not valid */
 inline std::size_t decode_utf8 (std::string_view bytes, char32_t &character) {
   const auto byte = [&] (std::size_t i) { return static_cast<unsigned char> (bytes[i]); };
   const unsigned first = byte (0);
@@ -55,7 +55,7 @@ inline void append_utf8 (char32_t character, std::string &text) {
   tail (0);
 }
 
-/** A text as the C functions take it, or the reason why they must not have it. */
+/** A text in the form that the C functions take, or the reason why it is not valid. */
 class Wide {
 public:
   explicit Wide (std::string_view text) {
@@ -72,7 +72,7 @@ public:
     }
   }
 
-  /** Null for a text that is good. */
+  /** The reason why the text is not valid; null for a valid text. */
   const char *bad () const { return bad_; }
   const orva_char *c () const { return units_.c_str (); }
 
@@ -91,8 +91,9 @@ private:
 };
 
 /**
- * Converts a text of the library to UTF-8. Half a surrogate pair has no UTF-8. It is a failure and not
- * replaced, because a text with another character could be the name of another clip.
+ * Converts a text of the library to UTF-8. Half a surrogate pair has no UTF-8. It is not replaced by another
+ * character, because the new text could be the name of another clip.
+ * @throws internal for half a surrogate pair
  */
 inline std::string narrow (std::basic_string_view<orva_char> units) {
   std::string text;
@@ -110,13 +111,14 @@ inline std::string narrow (std::basic_string_view<orva_char> units) {
   return text;
 }
 
-/** No text of a server is longer than the longest message that the library accepts. */
+/** The length of the longest message that the library accepts. No text of a server is longer. */
 inline constexpr std::uint32_t longest_text = 32768;
 
 /**
- * Reads a text whole. @param fill takes an OrvaStringBuffer and returns a result code; it is called again
- * with more room when the text may have been cut. @param capacity room at first: more than longest_text for a
- * call that can be made once only, because it takes the text away
+ * Reads a whole text.
+ * @param fill takes an OrvaStringBuffer and returns a result code. It is called again with a larger buffer
+ *   when the text may have been cut.
+ * @param capacity size of the first buffer
  */
 template <class Fill>
 std::uint32_t read_text (Fill fill, std::string &text, std::uint32_t capacity = 256) {
@@ -134,6 +136,7 @@ std::uint32_t read_text (Fill fill, std::string &text, std::uint32_t capacity = 
   }
 }
 
+/** Reads a whole text with one call, for a function that removes the text that it returns. */
 template <class Fill>
 std::uint32_t take_text (Fill fill, std::string &text) {
   return read_text (fill, text, longest_text + 4);

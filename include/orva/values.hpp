@@ -1,7 +1,7 @@
 /**
  * @file orva/values.hpp
- * The small values that operations take and give: addresses, channels, numbers with a range, enumerations.
- * A bad value can be made without an exception. Every operation refuses it before anything is sent.
+ * Arguments and results of operations: addresses, channels, numbers with a range, enumerations. Making a bad
+ * value throws nothing. Each operation that gets a bad value fails and sends nothing.
  */
 #ifndef ORVA_VALUES_HPP
 #define ORVA_VALUES_HPP
@@ -19,12 +19,13 @@ namespace orva {
 
 namespace detail {
 
-/** Numbers, without letters and truth values. */
+/** Allows integer types except bool and char. */
 template <class T>
 using if_number = std::enable_if_t<
     std::is_integral<T>::value && !std::is_same<T, bool>::value && !std::is_same<T, char>::value, int>;
 
-/** A number as 64 bits with a sign. A larger one becomes the largest, which is outside every range here. */
+/** Converts to 64 bits with a sign. A number that is too large becomes the largest, which no range here
+ * allows. */
 template <class T>
 constexpr std::int64_t wide_number (T number) {
   if constexpr (std::is_unsigned<T>::value && sizeof (T) == 8)
@@ -45,7 +46,7 @@ public:
   Address (const char *text) : Address (std::string_view (text)) {}
   Address (const std::string &text) : Address (std::string_view (text)) {}
 
-  /** False for a text that was no address. */
+  /** False when the text was not an address. */
   constexpr bool valid () const { return valid_; }
   constexpr std::uint32_t number () const { return number_; }
   std::string text () const {
@@ -83,7 +84,7 @@ private:
   bool valid_ = true;
 };
 
-/** One channel of a server: a letter from A to H, or a number from 0 to 7. */
+/** One channel of a server: a letter from A to H in upper or lower case, or a number from 0 to 7. */
 class Channel {
 public:
   constexpr Channel (char letter)
@@ -97,9 +98,9 @@ public:
                      : bad) {}
 
   constexpr bool valid () const { return number_ != bad; }
-  /** 0 to 7. */
+  /** 0 to 7 when the channel is valid. */
   constexpr std::uint32_t number () const { return number_; }
-  /** 'A' to 'H', '?' for a bad one. */
+  /** 'A' to 'H', or '?' when the channel is not valid. */
   constexpr char letter () const { return valid () ? static_cast<char> ('A' + number_) : '?'; }
   friend constexpr bool operator== (Channel a, Channel b) { return a.number_ == b.number_; }
   friend constexpr bool operator!= (Channel a, Channel b) { return !(a == b); }
@@ -127,13 +128,13 @@ public:
   }
   static constexpr Channels all () { return {A, B, C, D, E, F, G, H}; }
 
-  /** False when one of the channels was bad. */
+  /** False when one of the channels was not valid. */
   constexpr bool valid () const { return valid_; }
   constexpr bool empty () const { return mask_ == 0; }
   constexpr bool contains (Channel channel) const {
     return channel.valid () && (mask_ >> channel.number () & 1) != 0;
   }
-  /** Bit n stands for channel n. */
+  /** Bit n is channel n. */
   constexpr std::uint32_t mask () const { return mask_; }
 
   constexpr Channels operator| (Channels other) const {
@@ -147,7 +148,7 @@ public:
   }
   friend constexpr bool operator!= (Channels a, Channels b) { return !(a == b); }
 
-  /** Goes over the channels from A to H. */
+  /** Visits the channels of the set from A to H. */
   class iterator {
   public:
     constexpr iterator (std::uint32_t mask, std::uint32_t number) : mask_ (mask), number_ (number) {
@@ -208,14 +209,14 @@ enum class Repeat : std::uint32_t {
   pingpong = ORVA_REPEAT_PINGPONG,
   pingpong_to = ORVA_REPEAT_PINGPONG_TO
 };
-/** When a precued clip takes over. */
+/** When a precued clip follows. */
 enum class When : std::uint32_t {
   activated = ORVA_PRECUE_EXPLICIT_SWITCH, /**< at precue_activate() */
   previous_stops = ORVA_PRECUE_PREVIOUS_STOPS,
   now = ORVA_PRECUE_IMMEDIATE,
   end_of_clip = ORVA_PRECUE_END_OF_CLIP
 };
-/** The change of picture of a take. */
+/** How the picture changes in a take. */
 enum class Transition : std::uint32_t { cut = ORVA_TRANSITION_CUT, dissolve = ORVA_TRANSITION_DISSOLVE };
 /** The speed after a take. */
 enum class FollowSpeed : std::uint32_t {
@@ -224,9 +225,9 @@ enum class FollowSpeed : std::uint32_t {
   one_x = ORVA_FOLLOW_ONE_X,
   follow = ORVA_FOLLOW_FOLLOW
 };
-/** Whether the server acts in its usual time or at the earliest moment that it can. */
+/** Whether the server acts at its usual time or as early as it can. */
 enum class Latency : std::uint32_t { normal = 0, least = 1 };
-/** Who decides what of the input a channel shows: the server, or the caller alone. */
+/** Whether the server or the caller decides when a channel shows its input. */
 enum class InputMode : std::uint32_t { automatic = 0, manual = 1 };
 /** How the fields of a clip are shown. */
 enum class Playback : std::uint32_t { field = ORVA_PLAYBACK_FIELD, both_fields = ORVA_PLAYBACK_F12 };
@@ -247,18 +248,18 @@ enum class StoreMode : std::uint32_t {
 };
 /** What a channel does. */
 enum class Status : std::uint32_t {
-  none = ORVA_CHANNEL_NONE, /**< no channel, one in a time delay, or a state that the library cannot tell */
-  stopped = ORVA_CHANNEL_STOPPED,
+  none = ORVA_CHANNEL_NONE,       /**< no channel, a time delay, or a status that the library does not know */
+  stopped = ORVA_CHANNEL_STOPPED, /**< idle, stopped or showing a test pattern */
   cueing = ORVA_CHANNEL_CUEING,
   playing = ORVA_CHANNEL_PLAYING,
   recording = ORVA_CHANNEL_RECORDING /**< recording, or inserting */
 };
 
-/** A set of the tracks of a clip. */
+/** A set of tracks of a clip. Timecode belongs to video. */
 enum class Tracks : std::uint32_t { none = 0, video = 1, key = 2, audio = 4, all = 7 };
 /**
- * A set of what an insert edit or the monitoring of the input covers: bit 4 of the server's edit mask, bit 5,
- * and all its other bits together.
+ * The tracks of an insert edit, or of the input that a channel shows. They are groups of bits of the server's
+ * edit mask: bit 4, bit 5, and all other bits together.
  */
 enum class EditTracks : std::uint32_t { none = 0, bit_4 = 1, bit_5 = 2, others = 4, all = 7 };
 
@@ -275,7 +276,7 @@ constexpr EditTracks operator& (EditTracks a, EditTracks b) {
   return static_cast<EditTracks> (static_cast<std::uint32_t> (a) & static_cast<std::uint32_t> (b));
 }
 
-/** The word for a status, as in "playing". */
+/** The name of a status, for example "playing". */
 constexpr const char *name_of (Status status) {
   switch (status) {
   case Status::none:

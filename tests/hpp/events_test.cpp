@@ -1,4 +1,4 @@
-// Events: which there are, who gets them, and for how long.
+// Events of servers, and how handlers and queues get them.
 
 #include "hpp/reporting.h"
 
@@ -17,7 +17,7 @@ using namespace orva;
 using namespace std::chrono_literals;
 using support::wait_until;
 
-/// Takes events until one is of a kind and fits; a failure of the test when none comes.
+/// Takes events until one is of the kind and satisfies the condition. Fails the test when none comes.
 template <class T>
 T next (
     EventQueue &queue, const std::function<bool (const T &)> &fits = [] (const T &) { return true; }) {
@@ -54,7 +54,7 @@ TEST (Events, BeginWithThePresent) {
   EXPECT_EQ (next<InputChanged> (queue).input.mode, InputMode::manual);
   next<Watching> (queue);
 
-  EventQueue late; // what is known is told again to who comes later, without traffic
+  EventQueue late; // a later queue gets the known values too, without traffic
   const size_t before = fake.command_count ();
   late.watch (server, only (C));
   EXPECT_EQ (next<ClipLoaded> (late).clip, "NEWS0123");
@@ -216,7 +216,7 @@ TEST (Handlers, AreNotCalledAfterTheirSubscription) {
         server.on_event ([&, raw = alive.get ()] (const Event &) { calls += *raw == round; });
     wait_until ([&] { return calls > 0; });
     subscription = Subscription ();
-    alive.reset (); // a handler that runs now reads what is gone
+    alive.reset (); // a handler that still runs reads freed memory
   }
 }
 
@@ -235,7 +235,7 @@ TEST (Handlers, MayEndTheirOwnSubscription) {
     });
   }
   ASSERT_TRUE (wait_until ([&] { return calls == 1; }));
-  EventQueue queue; // told after the handler would have been
+  EventQueue queue; // gets its events after the handler would have got them
   queue.watch (server, only (A));
   next<Watching> (queue);
   EXPECT_EQ (calls, 1);

@@ -1,5 +1,4 @@
-// Threads that wait for calls in the place of their callers: each of them holds the object until it has
-// ended.
+// Helper threads, which make calls that cannot be interrupted. Each holds the Helpers object until it ends.
 
 #include "hpp/scripted.h"
 

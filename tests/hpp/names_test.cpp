@@ -1,4 +1,5 @@
-// The functions of orva.h and what orva.hpp makes of them, read from the sources.
+// The table in orva.hpp names every function of orva.h, and the headers call all but two. Read from the
+// sources.
 
 #include <gtest/gtest.h>
 
@@ -18,7 +19,7 @@ std::string contents (const std::string &name) {
   return {std::istreambuf_iterator<char> (file), {}};
 }
 
-/// What the first group of the pattern matches.
+/// All texts that the first group of the pattern matches.
 Names matches (const std::string &text, const char *pattern) {
   const std::regex expression (pattern);
   Names names;

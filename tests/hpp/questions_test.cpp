@@ -1,4 +1,4 @@
-// What is asked of a server, and how its answers are read.
+// Operations that return values: what they ask the server, and how they read its answers.
 
 #include "exports/snapshots.h"
 #include "hpp/scripted.h"
@@ -39,7 +39,7 @@ TEST (Questions, AboutNamesOfAnEmptyServer) {
 }
 
 TEST (Questions, AboutTheServer) {
-  const std::string name = std::string (253, 'n') + "\xF0\x9D\x84\x9E"; // a first guess of the room cuts it
+  const std::string name = std::string (253, 'n') + "\xF0\x9D\x84\x9E"; // the first buffer cuts it
   FakeServer fake;
   fake.answer ("get_computer_name", "<computername><ComputerName>" + name + "</ComputerName></computername>");
   fake.answer ("get_video_standard",

@@ -5,7 +5,7 @@
 #include <initializer_list>
 #include <string>
 
-/// A server that reports what is asked for, beginning with a present value of each kind.
+/// A server that accepts each request for a report and sends a first value at once.
 class ReportingServer : public support::FakeServer {
 public:
   ReportingServer () {

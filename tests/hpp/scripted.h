@@ -1,6 +1,6 @@
 #pragma once
 
-// What tests of orva.hpp against the scripted server share.
+// Shared by the tests of orva.hpp that use the scripted server.
 
 #include "exports/session.h"
 #include "orva.hpp"
@@ -23,7 +23,7 @@ public:
   }
 };
 
-/// The kind of failure that an operation throws; a failure of the test when it throws nothing.
+/// The kind of failure that an operation throws. Fails the test when it throws nothing.
 template <class Operation>
 orva::Kind thrown (Operation operation) {
   try {

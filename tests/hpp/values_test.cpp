@@ -1,4 +1,4 @@
-// The values by themselves: texts, addresses, channels, positions.
+// Texts, addresses, channels, positions and results, without a server.
 
 #include "hpp/scripted.h"
 

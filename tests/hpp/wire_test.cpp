@@ -1,4 +1,4 @@
-// Each operation that is a command, and what it puts on the wire.
+// The bytes that each operation with a command sends.
 
 #include "hpp/scripted.h"
 
@@ -15,11 +15,11 @@ using support::FakeServer;
 struct Row {
   const char *what;
   std::function<void (const Server &)> operation;
-  std::vector<const char *> elements; ///< '|' stands for CR LF
+  std::vector<const char *> elements; ///< '|' is CR LF
 };
 
-/// Makes each operation on a server that accepts everything and compares what arrives, byte by byte: on the
-/// calling thread, and again on a helper.
+/// Makes each operation on a server that accepts everything, first on the calling thread and then on a helper
+/// thread. Compares each byte that arrives.
 void expect_wire (const std::vector<Row> &rows) {
   for (const Limit limit : {no_limit, Limit (generous)}) {
     FakeServer fake;

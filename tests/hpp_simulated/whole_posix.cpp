@@ -1,4 +1,4 @@
-// orva.hpp and the simulated server together.
+// orva.hpp against the simulated server.
 
 #include "orva.hpp"
 #include "support/simulator_process.h"
@@ -177,7 +177,7 @@ TEST (Frozen, AServerThatThawsGoesOn) {
   simulator.freeze ();
   EXPECT_EQ (server.within (50ms).nothrow ().channel (A).play ().failure ().kind, Kind::timed_out);
   simulator.thaw ();
-  server.channel (A).wait_for (Status::playing); // the command was carried out, late
+  server.channel (A).wait_for (Status::playing); // the server carries out the command when it has thawed
   EXPECT_TRUE (wait_until ([&] { return server.calls_under_way () == 0; }));
   EXPECT_TRUE (server.healthy (generous));
 }
