@@ -376,7 +376,8 @@ inline const Server *wait_any (const std::vector<const Server *> &servers, Limit
   }
 }
 
-/** Waits until each of several servers has been connected. @return false after the limit */
+/** Waits until each of several servers has been connected. @return false after the limit, or for a closed one
+ */
 inline bool wait_all (const std::vector<const Server *> &servers, Limit limit = no_limit) {
   const detail::Deadline deadline (limit);
   for (const Server *const server : servers) {
