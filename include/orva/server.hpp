@@ -376,7 +376,9 @@ inline const Server *wait_any (const std::vector<const Server *> &servers, Limit
   }
 }
 
-/** Waits until each of several servers has been connected. @return false after the limit, or for a closed one
+/**
+ * Waits until each of several servers has been connected.
+ * @return false when the limit has passed or one of them is closed
  */
 inline bool wait_all (const std::vector<const Server *> &servers, Limit limit = no_limit) {
   const detail::Deadline deadline (limit);
