@@ -174,9 +174,9 @@ public:
                              std::function<void (const Event &)> handler) {
     auto slot = std::make_shared<Slot> (interest, std::move (handler));
     const std::lock_guard<std::mutex> hold (lock_);
-    slots_.push_back (slot);
     if (!thread_.joinable () && !stopped_)
       thread_ = std::thread ([self = this->shared_from_this (), core] { self->run (core); });
+    slots_.push_back (slot); // after what can fail, so that nobody calls a handler that was not accepted
     return slot;
   }
 
@@ -564,14 +564,15 @@ private:
 template <class E = Event>
 std::shared_ptr<Slot> subscribe (const std::shared_ptr<Core> &core, Interest interest,
                                  std::function<void (const Event &)> handler) {
-  if (core->connection () == 0)
-    closed_failure ().raise ();
   const char *const bad = interest.channels.valid () ? nullptr : checked (interest.channels).bad ();
   if (bad != nullptr)
     throw invalid (bad);
   std::shared_ptr<Watch<E>> watch;
   {
+    // close() takes the watch away after it has made the connection number 0.
     const std::lock_guard<std::mutex> hold (core->watch_lock);
+    if (core->connection () == 0)
+      closed_failure ().raise ();
     if (!core->watch)
       core->watch = std::make_shared<Watch<E>> ();
     watch = std::static_pointer_cast<Watch<E>> (core->watch);

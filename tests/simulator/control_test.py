@@ -405,7 +405,7 @@ class Document(Controlled):
             option = words.pop(0)
             if option == "-X":
                 method = words.pop(0)
-            elif option in ("--json", "--data-binary"):
+            elif option in ("-d", "--json", "--data-binary"):
                 body = words.pop(0)
             elif option in ("-H", "--max-time"):
                 words.pop(0)
@@ -414,7 +414,7 @@ class Document(Controlled):
         path = url[len("http://127.0.0.1:9913"):]
         if path == "/events":
             return
-        status, text = self.request(method or ("POST" if body else "GET"), path, body)
+        status, text = self.request(method or ("GET" if body is None else "POST"), path, body)
         self.assertEqual(status, 200, text)
 
 
