@@ -98,7 +98,7 @@ TEST_F (FailingAllocations, OfACommand) {
     EXPECT_EQ (last_error (), "Internal software error");
     expect_usable ();
   });
-  EXPECT_GT (count, 3u);
+  EXPECT_GE (count, 3u);
 }
 
 TEST_F (FailingAllocations, OfAnAsynchronousCommand) {
@@ -111,7 +111,7 @@ TEST_F (FailingAllocations, OfAnAsynchronousCommand) {
     orva_synchronous (connection_, 0);
     expect_usable ();
   });
-  EXPECT_GT (count, 3u);
+  EXPECT_GE (count, 3u);
 }
 
 TEST_F (FailingAllocations, OfAQuery) {
@@ -122,7 +122,7 @@ TEST_F (FailingAllocations, OfAQuery) {
     EXPECT_EQ (name[0], orva_char (0));
     expect_usable ();
   });
-  EXPECT_GT (count, 3u);
+  EXPECT_GE (count, 3u);
   EXPECT_EQ (name[0], orva_char ('S'));
 }
 
@@ -135,7 +135,7 @@ TEST_F (FailingAllocations, OfOpeningAConnection) {
     orva_close (number);
     expect_usable ();
   });
-  EXPECT_GT (count, 3u);
+  EXPECT_GE (count, 3u);
   EXPECT_NE (opened, 0u);
   orva_close (opened);
 }
