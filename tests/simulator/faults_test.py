@@ -202,7 +202,13 @@ class Answers(Faulty):
             client.message()
 
     def test_pieces(self):
-        self.serve({"fault": "pieces", "command": "sync", "bytes": 5, "ms": 20})
+        self.expect_pieces({"ms": 20})
+
+    def test_pieces_at_the_usual_gap(self):
+        self.expect_pieces({})
+
+    def expect_pieces(self, gap):
+        self.serve({"fault": "pieces", "command": "sync", "bytes": 5, **gap})
         client = self.client()
         for xid in range(1, 100):  # on a busy machine the client may receive several at once
             client.send(command(xid, "<sync />"))

@@ -2,6 +2,7 @@
 
 #include "wire.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <utility>
 
@@ -175,7 +176,9 @@ void FaultInjector::apply (std::vector<QueuedBytes> &outgoing, const Rule &rule,
 void FaultInjector::split (std::vector<QueuedBytes> &outgoing, const Rule &rule) {
   const QueuedBytes whole = std::move (outgoing.front ());
   const std::size_t size = rule.bytes.value_or (usual_piece);
-  const milliseconds gap (faults_.random ().between (rule.ms.first, rule.ms.second));
+  // Without a gap the next piece would be sent together with this one.
+  const milliseconds gap (
+      std::max<std::uint64_t> (1, faults_.random ().between (rule.ms.first, rule.ms.second)));
   std::vector<QueuedBytes> pieces;
   for (std::size_t at = 0; at == 0 || at < whole.bytes.size (); at += size)
     pieces.push_back ({whole.bytes.substr (at, size), gap});
