@@ -363,14 +363,21 @@ void QueueOf<E>::watch (const Server &server, Interest interest) {
   subscriptions_.push_back (server.on_event (std::move (put), interest));
 }
 
-/** Waits until one of several servers is connected. @return that server, or null when the limit has passed */
+/**
+ * Waits until one of several servers is connected.
+ * @return that server, or null when the limit has passed or all of them are closed
+ */
 inline const Server *wait_any (const std::vector<const Server *> &servers, Limit limit = no_limit) {
   const detail::Deadline deadline (limit);
   for (;;) {
-    for (const Server *const server : servers)
-      if (server->connected ())
+    bool any_open = false;
+    for (const Server *const server : servers) {
+      const result<void> connected = server->nothrow ().within (Limit (0)).wait_until_connected ();
+      if (connected)
         return server;
-    if (deadline.passed ())
+      any_open = any_open || connected.failure ().kind != Kind::invalid;
+    }
+    if (!any_open || deadline.passed ())
       return nullptr;
     std::this_thread::sleep_for (std::chrono::milliseconds (1));
   }

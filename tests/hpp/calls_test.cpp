@@ -136,6 +136,14 @@ TEST (Servers, AreWaitedForTogether) {
   EXPECT_TRUE (wait_all ({&first, &second}, generous));
 }
 
+TEST (Servers, ThatAreClosedAreNotWaitedFor) {
+  FakeServer there;
+  Server closed (there.address ());
+  closed.close ();
+  EXPECT_EQ (wait_any ({&closed}), nullptr);
+  EXPECT_FALSE (wait_all ({&closed}));
+}
+
 TEST (Limits, LeaveTheCallerFree) {
   FakeServer fake;
   fake.silent (true);
