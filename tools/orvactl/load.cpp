@@ -39,7 +39,8 @@ Exit load (Session &session, const Arguments &arguments) {
       channel_of (session, arguments).load (clip, how);
   };
   return wait_here (session, arguments, send, [&] (const auto &, const auto &now) {
-    return now.clip == clip && now.status != orva::Status::cueing;
+    return now.clip == clip && now.status != orva::Status::cueing &&
+           (!how.position || now.position == *how.position);
   });
 }
 
