@@ -305,6 +305,8 @@ private:
 
   void look_at_link (Core &core) {
     const bool up = core.connected ();
+    if (!up && core.connection () == 0) // closed, so nothing was lost
+      return;
     if (up)
       core.seen ();
     if (up == up_ && link_known_)
