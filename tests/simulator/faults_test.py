@@ -230,8 +230,11 @@ class Answers(Faulty):
                 client.answer("<channel_report_register><Channel>%s</Channel><ChannelReportType>%s</ChannelReportType>"
                               "</channel_report_register>" % (channel, kind))
         names = [(report[1:report.index(">")], support.tag(report, "Channel")) for report in client.settled_reports()]
-        self.assertEqual(names, [("channel_speed", "A"), ("channel_speed", "A"), ("channel_status", "B"),
-                                 ("channel_speed", "B"), ("channel_speed", "B")])
+        # A channel may still be cueing at the start, and then it has one more status to report.
+        self.assertNotIn(("channel_status", "A"), names)
+        self.assertIn(("channel_status", "B"), names)
+        for channel in "AB":
+            self.assertEqual(names.count(("channel_speed", channel)), 2)
 
     def bytes_of(self, client, size):
         while len(client.held) < size:
